@@ -1,0 +1,124 @@
+# From descriptions of classes to libraries; used in the project's own tree and, installed, by whoever describes entities of
+# her own.
+#
+#   qor_model_library(<target> MODEL <file>... [TYPE STATIC|SHARED|OBJECT] [IMPORTS <folder>...] [LINKS <target>...])
+#
+# A library of everything that the compiler makes of the descriptions, with its headers. Operations are defined by hand:
+# target_sources(<target> PRIVATE ...) takes them in. A description is imported by its path below the installed models
+# (import "vgw/OvsdbDataTypes.model") or below one of the IMPORTS.
+#
+#   qor_model_sources(<name> MODEL <file>... [OUT <folder>] [IMPORTS <folder>...])
+#
+# Only the sources: sets <name>_VALUES and <name>_ENTITIES to the .cc files of either sort, <name>_DIR to the folder that their
+# headers are included from, and adds the target <name>, which makes them.
+
+function(qor_model_library target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TYPE" "MODEL;IMPORTS;LINKS")
+    if(NOT arg_TYPE)
+        set(arg_TYPE STATIC)
+    endif()
+    qor_model_sources(${target}_model MODEL ${arg_MODEL} IMPORTS ${arg_IMPORTS})
+    add_library(${target} ${arg_TYPE} ${${target}_model_VALUES} ${${target}_model_ENTITIES})
+    add_dependencies(${target} ${target}_model)
+    target_compile_features(${target} PUBLIC cxx_std_20)
+    target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${${target}_model_DIR}>")
+    if(NOT arg_LINKS)
+        set(arg_LINKS Vgw::Qor)
+    endif()
+    target_link_libraries(${target} PUBLIC ${arg_LINKS})
+endfunction()
+
+function(qor_model_sources name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "OUT" "MODEL;IMPORTS")
+    if(NOT arg_OUT)
+        set(arg_OUT "${CMAKE_CURRENT_BINARY_DIR}/generated")
+    endif()
+    qor_model_compiler(compiler imports)
+    foreach(folder IN LISTS arg_IMPORTS)
+        get_filename_component(folder "${folder}" ABSOLUTE)
+        list(APPEND imports -I "${folder}")
+    endforeach()
+    set(models "")
+    set(values "")
+    set(entities "")
+    set(others "")
+    foreach(file IN LISTS arg_MODEL)
+        get_filename_component(file "${file}" ABSOLUTE)
+        list(APPEND models "${file}")
+        qor_model_outputs("${file}" "${arg_OUT}" values entities others)
+    endforeach()
+    # The compiler leaves alone what has not changed, so a stamp says that it has run.
+    set(stamp "${CMAKE_CURRENT_BINARY_DIR}/${name}.stamp")
+    set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${models})
+    add_custom_command(
+        OUTPUT "${stamp}"
+        BYPRODUCTS ${values} ${entities} ${others}
+        COMMAND ${compiler} --out "${arg_OUT}" ${imports} ${models}
+        COMMAND "${CMAKE_COMMAND}" -E touch "${stamp}"
+        DEPENDS ${compiler} ${models}
+        COMMENT "modelc ${name}"
+        VERBATIM)
+    add_custom_target(${name} DEPENDS "${stamp}")
+    set_source_files_properties(${values} ${entities} ${others} PROPERTIES GENERATED ON)
+    set(${name}_VALUES "${values}" PARENT_SCOPE)
+    set(${name}_ENTITIES "${entities}" PARENT_SCOPE)
+    set(${name}_DIR "${arg_OUT}" PARENT_SCOPE)
+endfunction()
+
+# The compiler's target, and where it looks for imports: the tree's own, or those of the installed package.
+function(qor_model_compiler out_compiler out_imports)
+    if(TARGET modelc)
+        set(${out_compiler} modelc PARENT_SCOPE)
+        set(${out_imports} -I "${PROJECT_SOURCE_DIR}" PARENT_SCOPE)
+    else()
+        set(${out_compiler} Vgw::modelc PARENT_SCOPE)
+        set(${out_imports} -I "${VgwStatemart_MODEL_DIR}" PARENT_SCOPE)
+    endif()
+endfunction()
+
+# What a description will be compiled to, told before the compiler is built: a class's files bear its name and stand in the
+# folder of its sort.
+function(qor_model_outputs model out values_out entities_out others_out)
+    set(values "${${values_out}}")
+    set(entities "${${entities_out}}")
+    set(others "${${others_out}}")
+    file(STRINGS "${model}" lines REGEX "^[ \t]*(unit|folder|enum|value|entity)[ \t]")
+    foreach(line IN LISTS lines)
+        if(line MATCHES "^[ \t]*unit[ \t]+([A-Za-z0-9_]+)")
+            set(unit "${CMAKE_MATCH_1}")
+        elseif(line MATCHES "^[ \t]*folder[ \t]+(values|entities|operations)[ \t]+\"([^\"]+)\"")
+            set(${CMAKE_MATCH_1}_folder "${CMAKE_MATCH_2}")
+        elseif(line MATCHES "^[ \t]*(enum|value|entity)[ \t]+([A-Za-z0-9_]+)")
+            if(CMAKE_MATCH_1 STREQUAL "entity")
+                set(files "${out}/${entities_folder}/${CMAKE_MATCH_2}")
+                list(APPEND entities "${files}.cc")
+            else()
+                set(files "${out}/${values_folder}/${CMAKE_MATCH_2}")
+                list(APPEND values "${files}.cc")
+            endif()
+            list(APPEND others "${files}.h")
+        endif()
+    endforeach()
+    if(entities_folder)
+        get_filename_component(folder "${out}/${entities_folder}" DIRECTORY)
+    else()
+        get_filename_component(folder "${out}/${values_folder}" DIRECTORY)
+    endif()
+    list(APPEND others "${folder}/${unit}List.h")
+    set(${values_out} "${values}" PARENT_SCOPE)
+    set(${entities_out} "${entities}" PARENT_SCOPE)
+    set(${others_out} "${others}" PARENT_SCOPE)
+endfunction()
+
+# vgw_model_library(<name> MODEL <file>... [LINKS <target>...])
+#
+# In the project's own tree: an object library of what is made of the descriptions, compiled like the rest of the project.
+function(vgw_model_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "MODEL;LINKS")
+    qor_model_sources(${name}_model MODEL ${arg_MODEL})
+    add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES})
+    add_dependencies(${name} ${name}_model)
+    vgw_target_settings(${name})
+    target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
+    target_link_libraries(${name} PUBLIC qor_model ${arg_LINKS})
+endfunction()

@@ -1,0 +1,127 @@
+#include <qor/attrlog/ConnectionIn.h>
+
+#include <qor/core/Assert.h>
+#include <qor/core/Exception.h>
+#include <qor/core/Format.h>
+#include <qor/core/Pool.h>
+
+#include <algorithm>
+
+namespace Qor {
+
+namespace Connection {
+
+namespace {
+
+void require(bool holds, char const* text, int line, char const* function) {
+    assertThat(holds, text, "Qor/ConnectionIn", line, function);
+}
+
+}  // namespace
+
+In::In(U32 capacity) : capacity_(capacity) {
+    require(capacity > 0, "capacity > 0", __LINE__, "In");
+}
+
+In::~In() { memDel(ring_, capacity_); }
+
+std::span<unsigned char> In::room() {
+    if (ring_ == nullptr) {
+        ring_ = static_cast<unsigned char*>(memNew(capacity_));
+        read_ = ring_;
+        findPieceEnd();
+    }
+    auto const start = static_cast<std::size_t>(received_ % capacity_);
+    auto const free = static_cast<std::size_t>(capacity_ - (received_ - released_));
+    return {ring_ + start, std::min(free, capacity_ - start)};
+}
+
+void In::receivedInc(std::size_t count) {
+    require(count <= room().size(), "count <= room().size()", __LINE__, "receivedInc");
+    received_ += count;
+    findPieceEnd();
+}
+
+std::size_t In::receive(std::string_view bytes) {
+    std::size_t taken = 0;
+    while (taken < bytes.size()) {
+        auto const piece = room();
+        if (piece.empty()) break;
+        auto const count = std::min(piece.size(), bytes.size() - taken);
+        std::copy_n(bytes.data() + taken, count, reinterpret_cast<char*>(piece.data()));
+        receivedInc(count);
+        taken += count;
+    }
+    return taken;
+}
+
+void In::readPositionIs(U64 offset) {
+    if (offset < released_ || offset > received_) {
+        throw AttrLogRecordException(format("read position %llu is not between %llu and %llu",
+                                            static_cast<unsigned long long>(offset),
+                                            static_cast<unsigned long long>(released_),
+                                            static_cast<unsigned long long>(received_)));
+    }
+    lap_ = offset - offset % capacity_;
+    read_ = ring_ + (offset - lap_);
+    findPieceEnd();
+}
+
+void In::limitIs(U64 offset) noexcept {
+    limit_ = offset;
+    findPieceEnd();
+}
+
+U64 In::available() const noexcept {
+    auto const end = std::min(limit_, received_);
+    auto const position = readPosition();
+    return end > position ? end - position : 0;
+}
+
+// At the end of the ring with more to read, the reader's next lap begins.
+void In::findPieceEnd() noexcept {
+    if (ring_ == nullptr) return;
+    if (read_ == ring_ + capacity_) {
+        lap_ += capacity_;
+        read_ = ring_;
+    }
+    auto const left = static_cast<U64>(ring_ + capacity_ - read_);
+    pieceEnd_ = read_ + std::min(available(), left);
+}
+
+void In::need(U64 count) const {
+    if (count <= available()) return;
+    throw AttrLogRecordException(format("%llu bytes needed at offset %llu, %llu available",
+                                        static_cast<unsigned long long>(count),
+                                        static_cast<unsigned long long>(readPosition()),
+                                        static_cast<unsigned long long>(available())));
+}
+
+void In::nextBytes(unsigned char* out, std::size_t count) {
+    need(count);
+    while (count > 0) {
+        if (read_ == pieceEnd_) findPieceEnd();
+        auto const piece = std::min(count, static_cast<std::size_t>(pieceEnd_ - read_));
+        out = std::copy_n(read_, piece, out);
+        read_ += piece;
+        count -= piece;
+    }
+}
+
+String8 In::nextText(U32 count) {
+    need(count);
+    if (count == 0) return {};
+    if (read_ == pieceEnd_) findPieceEnd();
+    auto const piece = std::min(std::size_t{count}, static_cast<std::size_t>(pieceEnd_ - read_));
+    String8 text(std::string_view(reinterpret_cast<char const*>(read_), piece));
+    read_ += piece;
+    return piece == count ? text : text + nextText(count - static_cast<U32>(piece));
+}
+
+}  // namespace Connection
+
+void operator>>(Ptr<Connection::In> const& in, String8::Iterator& position) {
+    position.append(in->nextText(static_cast<U32>(in->available())).view());
+}
+
+}  // namespace Qor

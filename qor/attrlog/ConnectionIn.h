@@ -1,0 +1,100 @@
+// The incoming side of a connection: the transport appends bytes to a ring of 49152 bytes, a reader
+// takes them by position. Positions are offsets: bytes since the stream began. A reader may note a
+// position, read on and put it back. The room of what was read is given to the transport again only
+// by releaseRead().
+//
+// Reading stops at a limit, if one is set, and at what has arrived. Past it, AttrLogRecordException
+// tells the offset, what was needed and what was there, and the position stays where it was.
+//
+// Memory: the ring, taken at the first byte. A length that was read reserves nothing.
+// Threads: one at a time. Cost: a number is a compare and a load.
+#ifndef QOR_ATTRLOG_CONNECTIONIN_H
+#define QOR_ATTRLOG_CONNECTIONIN_H
+
+#include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/NetworkOrder.h>
+#include <qor/core/Export.h>
+#include <qor/core/Ptr.h>
+#include <qor/core/String8.h>
+#include <qor/core/Types.h>
+#include <qor/core/VFPtrInterface.h>
+
+#include <limits>
+#include <span>
+#include <string_view>
+
+namespace Qor {
+
+namespace Connection {
+
+class QOR_EXPORT In : public VFPtrInterface {
+  public:
+    static constexpr U32 blockSize = 49152;
+    static constexpr U64 noLimit = std::numeric_limits<U64>::max();
+
+    // REQUIRES: capacity > 0
+    explicit In(U32 capacity = blockSize);
+    ~In() override;
+
+    // The room that lies in one piece for the next bytes, empty when the ring is full.
+    std::span<unsigned char> room();
+    // So many bytes have been put into the room. REQUIRES: count <= room().size()
+    void receivedInc(std::size_t count);
+    // Appends as many of the bytes as there is room for and gives their number.
+    std::size_t receive(std::string_view bytes);
+    // Bytes that have arrived since the beginning.
+    U64 received() const noexcept { return received_; }
+
+    U64 readPosition() const noexcept { return lap_ + static_cast<U64>(read_ - ring_); }
+    // Anywhere between what was released and what has arrived; else AttrLogRecordException.
+    void readPositionIs(U64 offset);
+    // The transport may overwrite what stands before the read position.
+    void releaseRead() noexcept { released_ = readPosition(); }
+    U64 released() const noexcept { return released_; }
+
+    // The offset at which reading ends although more has arrived.
+    U64 limit() const noexcept { return limit_; }
+    void limitIs(U64 offset) noexcept;
+
+    // Bytes that can be read now.
+    U64 available() const noexcept;
+
+    // A number in network byte order.
+    template <std::unsigned_integral Word>
+    Word next() {
+        if (static_cast<std::size_t>(pieceEnd_ - read_) >= sizeof(Word)) [[likely]] {
+            auto const word = loadNetworkOrder<Word>(read_);
+            read_ += sizeof(Word);
+            return word;
+        }
+        unsigned char bytes[sizeof(Word)];
+        nextBytes(bytes, sizeof bytes);
+        return loadNetworkOrder<Word>(bytes);
+    }
+
+    // `count` bytes as a string.
+    String8 nextText(U32 count);
+
+  private:
+    void need(U64 count) const;
+    void nextBytes(unsigned char* out, std::size_t count);
+    void findPieceEnd() noexcept;
+
+    unsigned char* ring_ = nullptr;
+    unsigned char* read_ = nullptr;
+    unsigned char* pieceEnd_ = nullptr;  // what can be read lies in one piece up to here
+    U64 lap_ = 0;                        // offset of the byte that the reader's lap has at ring_
+    U64 received_ = 0;
+    U64 released_ = 0;
+    U64 limit_ = noLimit;
+    U32 const capacity_;
+};
+
+}  // namespace Connection
+
+// Appends the rest of what can be read, up to the limit, to the text that is being gathered.
+QOR_EXPORT void operator>>(Ptr<Connection::In> const& in, String8::Iterator& position);
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,145 @@
+#include <qor/attrlog/ConnectionOut.h>
+
+#include <qor/core/Assert.h>
+#include <qor/core/Exception.h>
+#include <qor/core/Format.h>
+#include <qor/core/Pool.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace Qor {
+
+namespace Connection {
+
+namespace {
+
+void require(bool holds, char const* text, int line, char const* function) {
+    assertThat(holds, text, "Qor/ConnectionOut", line, function);
+}
+
+}  // namespace
+
+Out::Out(U32 maxBlocks) : maxBlocks_(maxBlocks) {
+    require(maxBlocks > 0, "maxBlocks > 0", __LINE__, "Out");
+}
+
+Out::~Out() {
+    for (auto* const block : blocks_) memDel(block, blockSize);
+    memDel(spare_, blockSize);
+}
+
+void Out::putBytes(std::string_view bytes) {
+    auto const* const start = reinterpret_cast<unsigned char const*>(bytes.data());
+    if (static_cast<std::size_t>(blockEnd_ - write_) >= bytes.size()) {
+        write_ = std::copy_n(start, bytes.size(), write_);
+    } else {
+        putAcrossBlocks(start, bytes.size());
+    }
+}
+
+void Out::putAcrossBlocks(unsigned char const* bytes, std::size_t count) {
+    while (count > 0) {
+        if (write_ == blockEnd_) nextBlock(count);
+        auto const piece = std::min(count, static_cast<std::size_t>(blockEnd_ - write_));
+        write_ = std::copy_n(bytes, piece, write_);
+        bytes += piece;
+        count -= piece;
+    }
+}
+
+void Out::nextBlock(std::size_t wanted) {
+    if (blocks_.size() >= maxBlocks_) {
+        throw AttrLogRecordException(
+            format("%zu more bytes at offset %llu are over the buffer's "
+                   "%u blocks of %u bytes",
+                   wanted, static_cast<unsigned long long>(written()), maxBlocks_, blockSize));
+    }
+    blocks_.reserve(blocks_.size() + 1);
+    auto* const block = spare_ != nullptr ? std::exchange(spare_, nullptr)
+                                          : static_cast<unsigned char*>(memNew(blockSize));
+    blocks_.push_back(block);
+    write_ = block;
+    blockEnd_ = block + blockSize;
+}
+
+U64 Out::written() const noexcept {
+    if (blocks_.empty()) return base_;
+    return base_ + (blocks_.size() - 1) * U64{blockSize} +
+           static_cast<U64>(write_ - blocks_.back());
+}
+
+void Out::writtenIs(U64 offset) {
+    require(sent_ <= offset && offset <= written(), "sent() <= offset && offset <= written()",
+            __LINE__, "writtenIs");
+    if (offset == written()) return;
+    auto const kept = static_cast<std::size_t>((offset - base_) / blockSize + 1);
+    for (; blocks_.size() > kept; blocks_.pop_back()) giveBack(blocks_.back());
+    write_ = blocks_.back() + (offset - base_) % blockSize;
+    blockEnd_ = blocks_.back() + blockSize;
+}
+
+unsigned char* Out::at(U64 offset) const noexcept {
+    return blocks_[static_cast<std::size_t>((offset - base_) / blockSize)] +
+           (offset - base_) % blockSize;
+}
+
+void Out::u32AtIs(U64 offset, U32 number) {
+    require(sent_ <= offset && offset + sizeof number <= written(),
+            "sent() <= offset && offset + 4 <= written()", __LINE__, "u32AtIs");
+    unsigned char bytes[sizeof number];
+    storeNetworkOrder(bytes, number);
+    for (auto const byte : bytes) *at(offset++) = byte;
+}
+
+std::string_view Out::unsent() const noexcept {
+    if (sent_ == written()) return {};
+    auto const* const start = at(sent_);
+    auto const* const end = blocks_.size() == 1 ? write_ : blocks_.front() + blockSize;
+    return {reinterpret_cast<char const*>(start), static_cast<std::size_t>(end - start)};
+}
+
+void Out::sentInc(std::size_t count) {
+    require(count <= written() - sent_, "count <= written() - sent()", __LINE__, "sentInc");
+    sent_ += count;
+    dropSentBlocks();
+}
+
+void Out::dropSentBlocks() noexcept {
+    if (blocks_.empty()) return;
+    if (sent_ == written()) {
+        // All is out: the next byte starts a block, so that pieces stay long.
+        for (auto* const block : blocks_) giveBack(block);
+        blocks_.clear();
+        base_ = sent_;
+        write_ = nullptr;
+        blockEnd_ = nullptr;
+        return;
+    }
+    auto const full = static_cast<std::ptrdiff_t>((sent_ - base_) / blockSize);
+    std::for_each_n(blocks_.begin(), full, [this](unsigned char* block) { giveBack(block); });
+    blocks_.erase(blocks_.begin(), blocks_.begin() + full);
+    base_ += static_cast<U64>(full) * blockSize;
+}
+
+void Out::giveBack(unsigned char* block) noexcept {
+    if (spare_ == nullptr) {
+        spare_ = block;
+    } else {
+        memDel(block, blockSize);
+    }
+}
+
+U64 Out::freeBytes() const noexcept {
+    return (maxBlocks_ - blocks_.size()) * U64{blockSize} + static_cast<U64>(blockEnd_ - write_);
+}
+
+}  // namespace Connection
+
+void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& position) {
+    auto const chunk = position.rest().substr(0, out->chunkLimit());
+    out->putBytes(chunk);
+    position.indexIs(position.index() + static_cast<U32>(chunk.size()));
+}
+
+}  // namespace Qor

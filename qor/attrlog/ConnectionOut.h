@@ -1,0 +1,113 @@
+// The outgoing side of a connection: bytes are put at one end and fetched by the transport at the
+// other. They lie in blocks of 49152 bytes; further blocks are taken as needed, up to a cap, and
+// one that was sent is kept for the next need. Nothing is taken before the first byte.
+//
+// Places in the stream are offsets: bytes put since the stream began. What is not sent yet may be
+// overwritten or taken back, so that a record that can't be finished leaves nothing behind.
+//
+// Threads: one at a time. Cost: a number that fits into the block is a compare and a store.
+#ifndef QOR_ATTRLOG_CONNECTIONOUT_H
+#define QOR_ATTRLOG_CONNECTIONOUT_H
+
+#include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/NetworkOrder.h>
+#include <qor/core/Export.h>
+#include <qor/core/Ptr.h>
+#include <qor/core/String8.h>
+#include <qor/core/Types.h>
+#include <qor/core/VFPtrInterface.h>
+
+#include <concepts>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace Qor {
+
+namespace Connection {
+
+class QOR_EXPORT Out : public VFPtrInterface {
+  public:
+    static constexpr U32 blockSize = 49152;
+    static constexpr U32 defaultBlocks = 8;
+    // A record is at most 32768 bytes, of which header and tokens take 29.
+    static constexpr U32 defaultChunkLimit = 32768 - 29;
+
+    // REQUIRES: maxBlocks > 0
+    explicit Out(U32 maxBlocks = defaultBlocks);
+    ~Out() override;
+
+    // A number in network byte order; a truth value is one byte, 0 or 1.
+    template <std::integral Number>
+    void put(Number number);
+    void putBytes(std::string_view bytes);
+
+    // Bytes put since the beginning, those taken back not counted.
+    U64 written() const noexcept;
+    // Takes back what was put from that offset on. REQUIRES: sent() <= offset && offset <=
+    // written()
+    void writtenIs(U64 offset);
+    // Puts another number in the place of one that was put at that offset.
+    // REQUIRES: sent() <= offset && offset + 4 <= written()
+    void u32AtIs(U64 offset, U32 number);
+
+    // The next piece for the transport, empty when all is sent. It holds until the next call that
+    // is not const.
+    std::string_view unsent() const noexcept;
+    // REQUIRES: count <= written() - sent()
+    void sentInc(std::size_t count);
+    U64 sent() const noexcept { return sent_; }
+
+    U32 bufferBlockSize() const noexcept { return blockSize; }
+    // Bytes that can be put before the cap is reached.
+    U64 freeBytes() const noexcept;
+    // Whether a record of any size that is allowed can be put whole.
+    bool hasSufficientBuffer() const noexcept { return freeBytes() >= blockSize; }
+
+    // The most bytes that one chunk of a text takes.
+    U32 chunkLimit() const noexcept { return chunkLimit_; }
+    void chunkLimitIs(U32 bytes) noexcept { chunkLimit_ = bytes; }
+
+  private:
+    void putAcrossBlocks(unsigned char const* bytes, std::size_t count);
+    void nextBlock(std::size_t wanted);
+    void giveBack(unsigned char* block) noexcept;
+    void dropSentBlocks() noexcept;
+    unsigned char* at(U64 offset) const noexcept;
+
+    unsigned char* write_ = nullptr;
+    unsigned char* blockEnd_ = nullptr;
+    std::vector<unsigned char*> blocks_;  // all are full but the last
+    unsigned char* spare_ = nullptr;
+    U64 base_ = 0;  // offset of the first block's first byte
+    U64 sent_ = 0;
+    U32 const maxBlocks_;
+    U32 chunkLimit_ = defaultChunkLimit;
+};
+
+template <std::integral Number>
+void Out::put(Number number) {
+    if constexpr (std::same_as<Number, bool>) {
+        put(static_cast<U8>(number ? 1 : 0));
+    } else {
+        auto const word = static_cast<std::make_unsigned_t<Number>>(number);
+        if (static_cast<std::size_t>(blockEnd_ - write_) >= sizeof word) [[likely]] {
+            storeNetworkOrder(write_, word);
+            write_ += sizeof word;
+        } else {
+            unsigned char bytes[sizeof word];
+            storeNetworkOrder(bytes, word);
+            putAcrossBlocks(bytes, sizeof word);
+        }
+    }
+}
+
+}  // namespace Connection
+
+// Puts the next chunk of a text, as much as the chunk limit allows, and moves the position behind
+// it. A chunk has no length of its own: the record that encloses it tells its extent.
+QOR_EXPORT void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& position);
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,132 @@
+// An ordered intrusive map: members stand in ascending (reversed hash, key) order in and across
+// buckets. The link lives in the member, so linking never allocates. A member is in one map at a
+// time. The map holds a reference on each member; an iterator holds its member too, so it survives
+// insertion, removal and growth, and meets each member that stays exactly once. An iterator must
+// not outlive its map. Not thread-safe.
+//
+// REQUIRES of Member: fwkKey() the key, fwkHash() its reversed hash, fwkHmNext() and fwkHmNextIs().
+#ifndef QOR_COLLECTIONS_HASH_MAP_H
+#define QOR_COLLECTIONS_HASH_MAP_H
+
+#include <qor/collections/HashMapGeneric.h>
+#include <qor/collections/HashMapKey.h>
+#include <qor/core/Assert.h>
+
+namespace Qor {
+
+/// The generic code's view of the members of one map type.
+template <class Member, class Key>
+class HashMapVTable final : public HashMapVTableGeneric {
+  public:
+    U32 hash(PtrInterface const* member) const override { return of(member)->fwkHash(); }
+    bool keyEquals(void const* key, PtrInterface const* member) const override {
+        return *static_cast<Key const*>(key) == of(member)->fwkKey();
+    }
+    bool keyLessThan(void const* key, PtrInterface const* member) const override {
+        return !key || *static_cast<Key const*>(key) < of(member)->fwkKey();
+    }
+    void setNext(PtrInterface* member, PtrInterface* next) const override {
+        static_cast<Member*>(member)->fwkHmNextIs(static_cast<Member*>(next));
+    }
+    PtrInterface* next(PtrInterface const* member) const override {
+        return of(member)->fwkHmNext();
+    }
+
+  private:
+    static Member const* of(PtrInterface const* member) {
+        return static_cast<Member const*>(member);
+    }
+};
+
+template <class Member, class Key>
+class HashMap : public HashMapGeneric {
+  public:
+    class IteratorConst;
+    class Iterator;
+    using KeyTraits = HashMapKey<Key>;
+
+    explicit HashMap(U32 bucketCount = 1) : HashMapGeneric(bucketCount) {}
+    ~HashMap() { emptyAllBucketsG(qorVTable()); }
+
+    static HashMapVTable<Member, Key> const& qorVTable() {
+        static constinit HashMapVTable<Member, Key> const qorVTable_{};
+        return qorVTable_;
+    }
+
+    /// The member with that key, or null. Nothing is kept: the result is borrowed.
+    Member* member(Key const& key) const { return member(key, KeyTraits::hash(key)); }
+    Member* member(Key const& key, U32 hash) const {
+        Member* at = head(bucketIndex(hash));
+        while (at && !(at->fwkHash() == hash && at->fwkKey() == key)) {
+            at = at->fwkHmNext();
+        }
+        return at;
+    }
+
+    /// The member at which iteration from that key begins: the one with the key, else the next in
+    /// the order, else null.
+    Member* startAtHash(Key const& key) const {
+        U32 const hash = KeyTraits::hash(key);
+        auto bucket = static_cast<I32>(bucketIndex(hash));
+        for (Member* at = head(static_cast<U32>(bucket)); at; at = at->fwkHmNext()) {
+            U32 const other = at->fwkHash();
+            if (hash < other || (hash == other && (at->fwkKey() == key || key < at->fwkKey()))) {
+                return at;
+            }
+        }
+        return static_cast<Member*>(findNextBucketG(&bucket));
+    }
+
+    /// Links a member whose key is not in the map, and takes a reference on it. Two keys that
+    /// compare neither less nor greater both stay. REQUIRES: t->fwkHmNext() == 0
+    void newMember(Ptr<Member> const& t, U32 hash) {
+        assertThat(t->fwkHmNext() == nullptr, "t->fwkHmNext() == 0", "Qor/HashMap", 328,
+                   "newMember");
+        U32 const bucket = bucketIndex(hash);
+        Member* before = nullptr;
+        Member* at = head(bucket);
+        while (at && !goesBefore(*t, hash, *at)) {
+            before = at;
+            at = at->fwkHmNext();
+        }
+        t->fwkHmNextIs(at);
+        t->qorNewRef();
+        if (before) {
+            before->fwkHmNextIs(t.ptr());
+        } else {
+            buckets()[bucket] = t.ptr();
+        }
+        linked();
+        maybeGrowG(qorVTable());
+    }
+
+    /// Unlinks the member with that key and hands it over; null if absent. Tells nobody.
+    Ptr<Member> memberDel(Key const& key) {
+        Ptr<PtrInterface> out = memberDelG(qorVTable(), KeyTraits::hash(key), &key);
+        return Ptr<Member>::adopt(static_cast<Member*>(out.release()));
+    }
+    /// Unlinks exactly that member; false if it is not in this map. Tells nobody.
+    bool deleteMember(Member& member) {
+        return deleteMemberG(qorVTable(), member.fwkHash(), &member);
+    }
+    bool contains(Member const& member) const {
+        Member const* at = head(bucketIndex(member.fwkHash()));
+        while (at && at != &member) {
+            at = at->fwkHmNext();
+        }
+        return at != nullptr;
+    }
+
+  private:
+    Member* head(U32 bucket) const { return static_cast<Member*>(buckets()[bucket]); }
+    static bool goesBefore(Member const& fresh, U32 hash, Member const& at) {
+        U32 const other = at.fwkHash();
+        return hash < other || (hash == other && fresh.fwkKey() < at.fwkKey());
+    }
+};
+
+}  // namespace Qor
+
+#include <qor/collections/HashMapIterator.h>
+
+#endif

@@ -1,0 +1,124 @@
+// The bucket logic of all maps, on members of unknown class. A map is an array of chains; the
+// chains run through the members themselves. The bucket of a member is the top bits of its key's
+// hash, and every chain ascends by (hash, key), so that all buckets in turn ascend too, whatever
+// their number: this is the iteration order. Doubling cuts each chain in two and halving joins two
+// neighbours; neither reorders anything.
+//
+// A link owns one reference on the member it points to. Each member in a map has exactly one link
+// to it, its predecessor's or its bucket's, so moving members between chains changes no count.
+// While there is one bucket, it stands in the map itself: an empty map owns no memory.
+// Not thread-safe.
+#ifndef QOR_COLLECTIONS_HASH_MAP_GENERIC_H
+#define QOR_COLLECTIONS_HASH_MAP_GENERIC_H
+
+#include <qor/core/Export.h>
+#include <qor/core/Ptr.h>
+#include <qor/core/VFPtrInterface.h>
+
+namespace Qor {
+
+/// What the generic code needs of one kind of member; one instance a kind, without data.
+class HashMapVTableGeneric {
+  public:
+    /// Hash of the member's key.
+    virtual U32 hash(PtrInterface const* member) const = 0;
+    virtual bool keyEquals(void const* key, PtrInterface const* member) const = 0;
+    /// Whether `key` is less than the member's key; a null `key` is less than any.
+    virtual bool keyLessThan(void const* key, PtrInterface const* member) const = 0;
+    /// Stores the link to the next member of the chain. The reference that the link owns comes with
+    /// it: the call itself changes no count.
+    virtual void setNext(PtrInterface* member, PtrInterface* next) const = 0;
+    virtual PtrInterface* next(PtrInterface const* member) const = 0;
+
+  protected:
+    ~HashMapVTableGeneric() = default;
+};
+
+class QOR_EXPORT HashMapGeneric {
+  public:
+    /// `bucketCount` is a power of two.
+    explicit HashMapGeneric(U32 bucketCount = 1);
+    HashMapGeneric(HashMapGeneric const&) = delete;
+    HashMapGeneric& operator=(HashMapGeneric const&) = delete;
+
+    /// Number of members.
+    U32 size() const noexcept { return size_; }
+    /// Counts every insertion and removal.
+    U32 version() const noexcept { return version_; }
+    U32 bucketCount() const noexcept { return bucketCount_; }
+    /// Bulk removal runs: removals leave the shrinking to its end.
+    bool bulkDelete() const noexcept { return bulkDelete_ != 0; }
+    void bulkDeleteIs(bool on) noexcept { bulkDelete_ = on ? 1 : 0; }
+
+    /// The top bits of the hash, as many as count the buckets; with one bucket always 0.
+    U32 bucketIndex(U32 hash) const noexcept {
+        return static_cast<U32>(U64{hash} * bucketCount_ >> 32);
+    }
+
+    /// With `current` and `key` null the first member. Otherwise the first member after `key` in
+    /// the order, whether or not `current`, which bears that key, is still in the map. `bucket`
+    /// receives its bucket, -1 at the end.
+    PtrInterface* findNextG(HashMapVTableGeneric const& table, PtrInterface const* current,
+                            I32* bucket, void const* key) const;
+    /// Advances `bucket` to the next bucket that is not empty; its head, or null and -1.
+    PtrInterface* findNextBucketG(I32* bucket) const noexcept {
+        for (U32 at = static_cast<U32>(*bucket + 1); at < bucketCount_; ++at) {
+            if (buckets()[at]) {
+                *bucket = static_cast<I32>(at);
+                fetchAhead(at);
+                return buckets()[at];
+            }
+        }
+        *bucket = -1;
+        return nullptr;
+    }
+    /// Called after each insertion: doubles the buckets at more than one member a bucket. When
+    /// there is no memory for more buckets the chains grow longer, and nothing is lost.
+    void maybeGrowG(HashMapVTableGeneric const& table) noexcept;
+    /// Called after removals: halves the buckets while less than a quarter of a member stands in
+    /// each. Does nothing during bulk removal.
+    void maybeShrinkG(HashMapVTableGeneric const& table) noexcept;
+    /// Unlinks the member with that key; null if absent.
+    Ptr<PtrInterface> memberDelG(HashMapVTableGeneric const& table, U32 hash, void const* key);
+    /// Unlinks exactly that member; false if it is not in the map.
+    bool deleteMemberG(HashMapVTableGeneric const& table, U32 hash, PtrInterface* member);
+    /// Unlinks and releases all members, and tells nobody.
+    void emptyAllBucketsG(HashMapVTableGeneric const& table);
+
+  protected:
+    ~HashMapGeneric();
+
+    PtrInterface** buckets() noexcept { return bucketCount_ == 1 ? &single_ : array_; }
+    PtrInterface* const* buckets() const noexcept { return bucketCount_ == 1 ? &single_ : array_; }
+    /// Accounts for a member that was linked.
+    void linked() noexcept {
+        ++size_;
+        ++version_;
+    }
+
+  private:
+    Ptr<PtrInterface> unlink(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* before,
+                             PtrInterface* member);
+    // A walk asks for members well before it stands on them: they lie all over the memory.
+    void fetchAhead(U32 bucket) const noexcept {
+        constexpr U32 distance = 16;
+        if (bucket + distance < bucketCount_) {
+            __builtin_prefetch(array_[bucket + distance]);
+        }
+    }
+    bool isSparse(U32 count) const noexcept { return U64{size_} * 4 < count; }
+    void bucketsAre(PtrInterface** buckets, U32 count) noexcept;
+
+    U32 bulkDelete_ = 0;
+    U32 version_ = 0;
+    U32 size_ = 0;
+    U32 bucketCount_ = 1;
+    union {
+        PtrInterface* single_;
+        PtrInterface** array_;
+    };
+};
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,256 @@
+#include <qor/core/Pool.h>
+
+#include <sys/mman.h>
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <new>
+#include <utility>
+
+namespace Qor {
+
+#ifdef QOR_PLAIN_NEW
+
+void* memNew(std::size_t size) { return ::operator new(size); }
+void* memNewOrNull(std::size_t size) noexcept { return ::operator new(size, std::nothrow); }
+void memDel(void* block, std::size_t) noexcept { ::operator delete(block); }
+std::size_t memFromSystem() noexcept { return 0; }
+
+#else
+
+namespace {
+
+constexpr std::size_t grain = 8;
+constexpr std::size_t largest = 512;
+constexpr std::size_t classes = largest / grain;
+constexpr std::size_t batchBytes = 8192;  // what moves between a cache and the arena
+
+// What is asked of the system at once grows with what is held, so that a small process stays small
+// and a large one finds room for large pages.
+constexpr std::size_t leastPiece = std::size_t{1} << 20;
+constexpr std::size_t mostPiece = std::size_t{1} << 26;
+constexpr std::size_t pieceShare = 4;  // a piece is a quarter of what is held
+constexpr std::size_t largePage = std::size_t{1} << 21;
+
+struct Block {
+    Block* next;
+};
+
+// A chain of free blocks of one class; `count` of them.
+struct Chain {
+    Block* head = nullptr;
+    std::size_t count = 0;
+};
+
+constexpr std::size_t classOf(std::size_t size) { return size == 0 ? 0 : (size - 1) / grain; }
+constexpr std::size_t blockSize(std::size_t cls) { return (cls + 1) * grain; }
+constexpr std::size_t batchOf(std::size_t cls) { return batchBytes / blockSize(cls); }
+
+// Asks for large pages where whole ones fit: members that lie far apart are reached without a walk
+// through the page tables, and fresh memory costs few page faults. A refusal changes nothing.
+void* withLargePages(void* block, std::size_t size) noexcept {
+    auto const begin = (reinterpret_cast<std::uintptr_t>(block) + largePage - 1) & ~(largePage - 1);
+    auto const end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(largePage - 1);
+    if (block && begin < end) {
+        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+    }
+    return block;
+}
+
+// The arena behind all threads. It is never destroyed: blocks may come back while the process ends.
+class Arena {
+  public:
+    Chain take(std::size_t cls) noexcept {
+        std::lock_guard lock(mutex_);
+        Chain& spare = spare_[cls];
+        return spare.head ? cut(spare, batchOf(cls)) : carve(cls);
+    }
+    void give(std::size_t cls, Chain chain) noexcept {
+        if (chain.count == 0) {
+            return;
+        }
+        std::lock_guard lock(mutex_);
+        Block* tail = chain.head;
+        while (tail->next) {
+            tail = tail->next;
+        }
+        tail->next = spare_[cls].head;
+        spare_[cls].head = chain.head;
+        spare_[cls].count += chain.count;
+    }
+    static Chain cut(Chain& from, std::size_t n) noexcept {
+        Chain out{from.head, 0};
+        Block* last = nullptr;
+        while (from.head && out.count < n) {
+            last = from.head;
+            from.head = last->next;
+            ++out.count;
+        }
+        if (last) {
+            last->next = nullptr;
+        }
+        from.count -= out.count;
+        return out;
+    }
+    std::size_t fromSystem() const noexcept { return fromSystem_.load(std::memory_order_relaxed); }
+
+  private:
+    Chain carve(std::size_t cls) noexcept {
+        std::size_t const size = blockSize(cls);
+        std::size_t const skew = size % 16 == 0 ? odd() : 0;
+        if (left_ >= size + skew) {
+            pass(skew);
+        } else if (!refill()) {
+            return {};
+        }
+        Chain out;
+        std::size_t const n = std::min(batchOf(cls), left_ / size);
+        char* at = piece_;
+        for (std::size_t i = 0; i < n; ++i, at += size) {
+            auto* block = ::new (static_cast<void*>(at)) Block{nullptr};
+            block->next = i + 1 < n ? reinterpret_cast<Block*>(at + size) : nullptr;
+        }
+        out.head = reinterpret_cast<Block*>(piece_);
+        out.count = n;
+        pass(n * size);
+        return out;
+    }
+    // How far the rest of the piece stands from a multiple of 16.
+    std::size_t odd() const noexcept { return reinterpret_cast<std::uintptr_t>(piece_) & 15; }
+    void pass(std::size_t bytes) noexcept {
+        piece_ += bytes;
+        left_ -= bytes;
+    }
+    bool refill() noexcept {
+        std::size_t const size = std::clamp(fromSystem() / pieceShare, leastPiece, mostPiece);
+        void* const piece = withLargePages(::operator new(size, std::nothrow), size);
+        if (!piece) {
+            return false;
+        }
+        fromSystem_.fetch_add(size, std::memory_order_relaxed);
+        piece_ = static_cast<char*>(piece);
+        left_ = size;
+        return true;
+    }
+
+    std::mutex mutex_;
+    std::array<Chain, classes> spare_{};
+    char* piece_ = nullptr;
+    std::size_t left_ = 0;
+    std::atomic<std::size_t> fromSystem_{0};
+};
+
+constinit Arena arena;
+
+// Plain data, so that reaching it costs one load; `state` says what the thread's end has done to
+// it. Small: it stands in the static thread storage, which libraries that are loaded later share.
+struct Cache {
+    enum class State : unsigned char { fresh, live, over };
+    std::array<Block*, classes> heads;
+    std::array<std::uint16_t, classes> counts;
+    State state;
+
+    Chain all(std::size_t cls) noexcept {
+        return {std::exchange(heads[cls], nullptr), std::exchange(counts[cls], std::uint16_t{0})};
+    }
+    void are(std::size_t cls, Chain chain) noexcept {
+        heads[cls] = chain.head;
+        counts[cls] = static_cast<std::uint16_t>(chain.count);
+    }
+};
+static_assert(2 * batchOf(0) < UINT16_MAX);
+
+__attribute__((tls_model("initial-exec"))) thread_local constinit Cache cache{};
+
+// Gives the thread's blocks back to the arena at its end.
+struct CacheEnd {
+    ~CacheEnd() {
+        cache.state = Cache::State::over;
+        for (std::size_t cls = 0; cls < classes; ++cls) {
+            arena.give(cls, cache.all(cls));
+        }
+    }
+};
+
+void watchThreadEnd() {
+    if (cache.state == Cache::State::fresh) {
+        cache.state = Cache::State::live;
+        static thread_local CacheEnd end;
+        static_cast<void>(&end);
+    }
+}
+
+__attribute__((noinline)) void* fill(std::size_t cls) noexcept {
+    watchThreadEnd();
+    Chain chain = arena.take(cls);
+    if (!chain.head) {
+        return nullptr;
+    }
+    Block* block = chain.head;
+    chain.head = block->next;
+    --chain.count;
+    if (cache.state == Cache::State::over) {
+        arena.give(cls, chain);
+    } else {
+        cache.are(cls, chain);
+    }
+    return block;
+}
+
+// A chain is too long, or this is the first that the thread does with the pool, or its end is past.
+__attribute__((noinline)) void spill(std::size_t cls) noexcept {
+    watchThreadEnd();
+    std::size_t const most = cache.state == Cache::State::over ? 0 : 2 * batchOf(cls);
+    if (cache.counts[cls] > most) {
+        Chain chain = cache.all(cls);
+        arena.give(cls, Arena::cut(chain, chain.count - most / 2));
+        cache.are(cls, chain);
+    }
+}
+
+}  // namespace
+
+void* memNewOrNull(std::size_t size) noexcept {
+    if (size > largest) {
+        return withLargePages(::operator new(size, std::nothrow), size);
+    }
+    std::size_t const cls = classOf(size);
+    if (Block* block = cache.heads[cls]) [[likely]] {
+        cache.heads[cls] = block->next;
+        --cache.counts[cls];
+        return block;
+    }
+    return fill(cls);
+}
+
+void* memNew(std::size_t size) {
+    void* block = memNewOrNull(size);
+    if (!block) [[unlikely]] {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+void memDel(void* block, std::size_t size) noexcept {
+    if (!block) {
+        return;
+    }
+    if (size > largest) {
+        ::operator delete(block);
+        return;
+    }
+    std::size_t const cls = classOf(size);
+    cache.heads[cls] = ::new (block) Block{cache.heads[cls]};
+    if (++cache.counts[cls] > 2 * batchOf(cls) || cache.state != Cache::State::live) [[unlikely]] {
+        spill(cls);
+    }
+}
+
+std::size_t memFromSystem() noexcept { return arena.fromSystem(); }
+
+#endif
+
+}  // namespace Qor

@@ -1,0 +1,7 @@
+#include <qor/core/VFPtrInterface.h>
+
+namespace Qor {
+
+VFPtrInterface::~VFPtrInterface() = default;
+
+}  // namespace Qor

@@ -1,0 +1,187 @@
+#include <qor/notify/NotifieeConst.h>
+
+#include <qor/core/Trace.h>
+#include <qor/notify/WeakWatch.h>
+
+namespace Qor {
+
+constinit NotifieeKind const PtrInterface::NotifieeConst::qorKind{};
+
+PtrInterface::NotifieeConst::NotifieeConst() = default;
+
+PtrInterface::NotifieeConst::~NotifieeConst() {
+    activityIs(nullptr);
+    swapNotifier(nullptr);
+}
+
+void PtrInterface::NotifieeConst::hasNotificationActiveIs(bool hasNotificationActive) {
+    hasNotificationActive_ = hasNotificationActive;
+}
+
+Qor::Ptr<PtrInterface const> PtrInterface::NotifieeConst::qorReactor() const { return this; }
+
+PtrInterface const* PtrInterface::NotifieeConst::qorRawReactor() const { return this; }
+
+bool PtrInterface::NotifieeConst::isStreamAdapter() const { return false; }
+
+void PtrInterface::NotifieeConst::isRegisteredNotifieeIs(bool isRegisteredNotifiee) const {
+    isRegisteredNotifiee_ = isRegisteredNotifiee;
+}
+
+void PtrInterface::NotifieeConst::qorListedIs(bool listed) const {
+    unwatch();
+    isListed_ = listed;
+    watch();
+}
+
+void PtrInterface::NotifieeConst::qor_bitSetIs(Qor_BitSet bits) { bits_ = bits; }
+
+String8 PtrInterface::NotifieeConst::name() const { return {}; }
+
+void PtrInterface::NotifieeConst::notifierIs(Qor::Ptr<PtrInterface const> const& notifier) {
+    swapNotifier(notifier.ptr());
+}
+
+void PtrInterface::NotifieeConst::swapNotifier(PtrInterface const* notifier) {
+    if (notifier == notifier_) {
+        return;
+    }
+    unwatch();
+    PtrInterface const* const old = std::exchange(notifier_, notifier);
+    watch();
+    if (isWeakReference_) {
+        return;
+    }
+    if (notifier) {
+        notifier->qorNewRef();
+    }
+    if (old) {
+        old->qorDeleteRef();
+    }
+}
+
+void PtrInterface::NotifieeConst::isWeakReferenceIs(bool isWeakReference) {
+    if (isWeakReference_ == isWeakReference) {
+        return;
+    }
+    unwatch();
+    isWeakReference_ = isWeakReference;
+    watch();
+    if (!notifier_) {
+        return;
+    }
+    if (isWeakReference) {
+        notifier_->qorDeleteRef();
+    } else {
+        notifier_->qorNewRef();
+    }
+}
+
+// A weak notifiee that is on a list hears of the end through the list.
+bool PtrInterface::NotifieeConst::onlyWatches() const noexcept {
+    return notifier_ && isWeakReference_ && !isListed_;
+}
+
+void PtrInterface::NotifieeConst::watch() const {
+    if (onlyWatches()) {
+        weakWatchIs(*notifier_, *this);
+    }
+}
+
+void PtrInterface::NotifieeConst::unwatch() const {
+    if (onlyWatches()) {
+        weakWatchDel(*notifier_, *this);
+    }
+}
+
+void PtrInterface::NotifieeConst::qorNotifierEnds() noexcept { notifier_ = nullptr; }
+
+void PtrInterface::NotifieeConst::handleNotification(ActivityConfig* config) {
+    AttributeId const pending = std::exchange(pendingAttribute_, nothingPending);
+    if (pending != nothingPending) {
+        handleDefault(config, pending, pending < 0);
+    }
+}
+
+void PtrInterface::NotifieeConst::handleDefault(ActivityConfig*, AttributeId id, bool whole) {
+    try {
+        if (whole) {
+            onNotification();
+        } else {
+            onAttribute(id);
+        }
+    } catch (...) {
+        onNotificationException(id);
+    }
+}
+
+void PtrInterface::NotifieeConst::onAttribute(AttributeId) {}
+void PtrInterface::NotifieeConst::onNotification() {}
+void PtrInterface::NotifieeConst::onCollectionNotification(String8) {}
+
+void PtrInterface::NotifieeConst::onNotificationException() { handleNotificationException(); }
+
+void PtrInterface::NotifieeConst::onNotificationException(AttributeId id) {
+    handleNotificationException(id);
+}
+
+void PtrInterface::NotifieeConst::handleNotificationException(AttributeId) {
+    handleNotificationException();
+}
+
+// The exception ends here; who wants to see it switches the trace on.
+void PtrInterface::NotifieeConst::handleNotificationException() {
+    static TraceHandle handle("Qor", false);
+    trace(handle, 1, "Qor/Notify", __LINE__, "handleNotificationException", [](std::ostream& out) {
+        try {
+            throw;
+        } catch (std::exception const& e) {
+            out << "a handler threw: " << e.what();
+        } catch (...) {
+            out << "a handler threw something that is no std::exception";
+        }
+    });
+}
+
+void PtrInterface::NotifieeConst::onZeroReferences() {}
+
+Activity::Ptr PtrInterface::NotifieeConst::activityPtr() const { return activity_; }
+Activity* PtrInterface::NotifieeConst::qorFwkActivity() { return activity_.ptr(); }
+Activity const* PtrInterface::NotifieeConst::qorFwkActivity() const { return activity_.ptr(); }
+ActivitySm* PtrInterface::NotifieeConst::actsm() { return activity_ ? &activity_->sm() : nullptr; }
+
+void PtrInterface::NotifieeConst::activityIs(Activity::Ptr activity) {
+    if (activity_) {
+        activity_->clientIs(nullptr);
+    }
+    pendingAttribute_ = nothingPending;
+    activity_ = std::move(activity);
+    if (activity_) {
+        activity_->clientIs(this);
+    }
+}
+
+bool PtrInterface::NotifieeConst::qorOnAttribute(AttributeId id, U8* pendingCount) {
+    ActivitySm* const sm = actsm();
+    if (!sm || sm->state() == ActivitySm::State::running) {
+        return false;
+    }
+    if (pendingAttribute_ == nothingPending) {
+        pendingAttribute_ = id;
+    } else if (pendingAttribute_ != id && pendingAttribute_ > 0) {
+        pendingAttribute_ = allAttributesPending;
+    }
+    if (pendingCount && *pendingCount < 2) {
+        ++*pendingCount;
+    }
+    sm->schedule();
+    return true;
+}
+
+void PtrInterface::NotifieeConst::redispatch(ActivitySm* sm) {
+    if (sm && pendingAttribute_ != nothingPending) {
+        sm->schedule();
+    }
+}
+
+}  // namespace Qor

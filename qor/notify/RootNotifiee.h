@@ -1,0 +1,72 @@
+// The notifiee's side of a notifier list, once for every entity class that owns one. `E` is that
+// class; its NotifieeConst derives from RootNotifiee<E>. An entity of another tree counts as none.
+#ifndef QOR_NOTIFY_ROOT_NOTIFIEE_H
+#define QOR_NOTIFY_ROOT_NOTIFIEE_H
+
+#include <qor/notify/ListRaw.h>
+
+namespace Qor {
+
+template <class E>
+class RootNotifiee : public Entity::NotifieeConst {
+  public:
+    ~RootNotifiee() override {
+        E const* const entity = rawEntity();
+        if (!entity || !isRegisteredNotifiee()) {
+            return;
+        }
+        if (entity->qorMarkedForDeletion()) {
+            entity->notifierList().abandon(*this);
+        } else {
+            entity->notifierList().unlink(*this);
+        }
+    }
+
+    /// Puts this on the notifier's list or takes it off; without a notifier it is only remembered.
+    void isRegisteredNotifieeIs(bool isRegistered) const override {
+        if (isRegistered == isRegisteredNotifiee()) {
+            return;
+        }
+        isRegisteredFlagIs(isRegistered);
+        if (E const* const entity = rawEntity()) {
+            placeOn(*entity, isRegistered);
+        }
+    }
+
+    String8 name() const override {
+        E const* const entity = rawEntity();
+        return entity ? String8(entity->name()) : String8();
+    }
+
+    void notifierIs(Qor::Ptr<PtrInterface const> const& notifier) override {
+        auto const* const fresh = dynamic_cast<E const*>(notifier.ptr());
+        Qor::Ptr<E const> const old(rawEntity());
+        if (old == fresh) {
+            return;
+        }
+        if (old && qorIsListed()) {
+            placeOn(*old, false);
+        }
+        Entity::NotifieeConst::notifierIs(Qor::Ptr<PtrInterface const>(fresh));
+        if (fresh && isRegisteredNotifiee()) {
+            placeOn(*fresh, true);
+        }
+    }
+
+  protected:
+    E const* rawEntity() const noexcept { return static_cast<E const*>(qorNotifier()); }
+
+  private:
+    void placeOn(E const& entity, bool listed) const {
+        auto& self = const_cast<RootNotifiee&>(*this);
+        if (listed) {
+            entity.notifierList().link(self);
+        } else {
+            entity.notifierList().unlink(self);
+        }
+    }
+};
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,190 @@
+#include <ovsdb/client/Client.h>
+
+#include <ovsdb/rpc/ProtocolError.h>
+
+#include <nlohmann/json.hpp>
+
+#include <array>
+
+namespace Ovsdb {
+namespace {
+
+using nlohmann::json;
+using simdjson::SUCCESS;
+
+constexpr std::string_view serverMonitor = "server";
+constexpr std::string_view zeroTransaction = "00000000-0000-0000-0000-000000000000";
+
+struct Method {
+    char const* name;
+    UpdateForm form;
+    bool since;
+};
+
+// The best first.
+constexpr std::array<Method, 3> methods{Method{"monitor_cond_since", UpdateForm::differences, true},
+                                        Method{"monitor_cond", UpdateForm::differences, false},
+                                        Method{"monitor", UpdateForm::whole, false}};
+
+}  // namespace
+
+void Client::watchServer(bool conditional) {
+    // The log's index is asked for once: as a change it would come with every transaction.
+    json const requests{{"Database",
+                         {{{"columns", {"name", "model", "connected", "leader", "cid"}}},
+                          {{"columns", {"index"}}, {"select", {{"modify", false}}}}}}};
+    session_->request(conditional ? "monitor_cond" : "monitor",
+                      {"_Server", serverMonitor, requests},
+                      [this, conditional](RpcReply const& reply) {
+                          if (!reply.error) return server_.apply(reply.result);
+                          if (conditional && reply.error->kind != RpcError::Kind::lost)
+                              watchServer(false);
+                      });
+}
+
+void Client::handleServerUpdate(simdjson::dom::element tableUpdates) {
+    server_.apply(tableUpdates);
+    memberIsUsable();
+}
+
+// False: the connection was given up.
+bool Client::memberIsUsable() {
+    ServerDatabase const* const database = server_.find(options_.database);
+    if (database == nullptr || !database->clustered()) return true;
+    if (!database->connected) {
+        abandon("the server is not connected to its cluster");
+        return false;
+    }
+    if (database->clusterId != clusterId_) clusterIndex_ = 0;
+    clusterId_ = database->clusterId;
+    std::int64_t const reached = database->index.value_or(0);
+    if (state_ == ClientState::connecting && reached < clusterIndex_) {
+        abandon("the server is behind the cluster: its log is at " + std::to_string(reached) +
+                ", " + std::to_string(clusterIndex_) + " was seen");
+        return false;
+    }
+    clusterIndex_ = std::max(clusterIndex_, reached);
+    return true;
+}
+
+void Client::askSchema() {
+    session_->request("get_schema", {options_.database},
+                      [this](RpcReply const& reply) { handleSchema(reply); });
+}
+
+void Client::handleSchema(RpcReply const& reply) {
+    if (reply.error) {
+        if (reply.error->kind == RpcError::Kind::lost) return;
+        return abandon("database " + options_.database + " is not served: " + reply.error->text());
+    }
+    if (!memberIsUsable()) return;
+    MonitorPlan plan(readSchema(reply.result));
+    if (!plan.sameColumns(plan_)) lastTransaction_.clear();
+    plan_ = std::move(plan);
+    say(LogLevel::info, "database " + options_.database + ", schema version " + plan_.version());
+    for (std::string const& complaint : plan_.complaints())
+        say(LogLevel::warning, complaint + "; the rest is mirrored");
+    listener_.onPlan(plan_);
+    startMonitor();
+}
+
+void Client::startMonitor() {
+    Method const& method = methods.at(method_);
+    monitorId_ = "mirror-" + std::to_string(++monitors_);
+    json params{options_.database, monitorId_, plan_.requests()};
+    if (method.since)
+        params.push_back(lastTransaction_.empty() ? std::string(zeroTransaction)
+                                                  : lastTransaction_);
+    stateIs(ClientState::copying, "");
+    session_->request(method.name, params, [this](RpcReply const& reply) { handleMonitor(reply); });
+}
+
+void Client::handleMonitor(RpcReply const& reply) {
+    if (!reply.error) {
+        applyCopy(reply.result);
+        return;
+    }
+    if (reply.error->kind == RpcError::Kind::lost) return;
+    if (reply.error->error == "unknown method" && method_ + 1 < methods.size()) {
+        ++method_;
+        return startMonitor();
+    }
+    abandon(std::string(methods.at(method_).name) + " failed: " + reply.error->text());
+}
+
+void Client::applyCopy(simdjson::dom::element result) {
+    Method const& method = methods.at(method_);
+    if (!method.since) {
+        apply(result, method.form, true);
+    } else {
+        simdjson::dom::array parts;
+        bool found = false;
+        if (result.get(parts) != SUCCESS || parts.size() != 3 || parts.at(0).get(found) != SUCCESS)
+            throw ProtocolError(
+                "the reply to monitor_cond_since is not [found, last-txn-id, updates]");
+        apply(parts.at(2).value(), method.form, !found);
+        noteTransaction(parts.at(1).value());
+    }
+    failures_ = 0;
+    backoff_.reset();
+    say(LogLevel::info, "in step by " + std::string(method.name) + ", " +
+                            std::to_string(store_.size()) + " rows, " +
+                            std::to_string(session_->sinceLastByte().count()) +
+                            " ms after the last byte");
+    stateIs(ClientState::inStep, "");
+}
+
+void Client::apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole) {
+    RowStore::Staging staging(store_);
+    UpdateReader(plan_, staging).read(tableUpdates, form);
+    std::vector<RowChange> const changes = staging.commit(whole);
+    if (!changes.empty()) listener_.onChanges(changes);
+}
+
+void Client::onNotification(std::string_view method, simdjson::dom::element params) {
+    simdjson::dom::array parts;
+    std::string_view id;
+    if (params.get(parts) != SUCCESS || parts.at(0).get(id) != SUCCESS) return;
+    if (method == "monitor_canceled") return handleCanceled(std::string(id));
+    if (id == serverMonitor && parts.size() == 2) return handleServerUpdate(parts.at(1).value());
+    if (id != monitorId_ || state_ != ClientState::inStep) return;
+    try {
+        handleUpdate(method, parts);
+    } catch (...) {
+        // What is kept may not be what the server believes: the next copy is a whole one.
+        lastTransaction_.clear();
+        throw;
+    }
+}
+
+void Client::handleUpdate(std::string_view method, simdjson::dom::array params) {
+    if (method == "update3" && params.size() == 3) {
+        apply(params.at(2).value(), UpdateForm::differences, false);
+        noteTransaction(params.at(1).value());
+    } else if (method == "update2" && params.size() == 2) {
+        apply(params.at(1).value(), UpdateForm::differences, false);
+    } else if (method == "update" && params.size() == 2) {
+        apply(params.at(1).value(), UpdateForm::whole, false);
+    } else {
+        throw ProtocolError("a notification " + std::string(method) + " with " +
+                            std::to_string(params.size()) + " parameters");
+    }
+}
+
+void Client::handleCanceled(std::string const& id) {
+    if (id != monitorId_) return;
+    monitorId_.clear();
+    say(LogLevel::warning,
+        "the server took back the monitor: the schema changed or the database went");
+    stateIs(ClientState::copying, "the server took back the monitor");
+    askSchema();
+}
+
+// A standalone server's transactions have no id: zero means that nothing can be carried on.
+void Client::noteTransaction(simdjson::dom::element id) {
+    std::string_view text;
+    if (id.get(text) != SUCCESS || text == zeroTransaction) text = {};
+    lastTransaction_ = text;
+}
+
+}  // namespace Ovsdb

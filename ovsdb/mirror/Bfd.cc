@@ -1,0 +1,65 @@
+#include <ovsdb/mirror/Bfd.h>
+
+#include <ovsdb/mirror/RowWriter.h>
+#include <ovsdb/store/Datum.h>
+
+namespace Ovsdb {
+namespace {
+
+constexpr ColumnType textToText{Shape::map, AtomType::string, AtomType::string};
+
+BfdMap mapOf(LocatorNode const& locator, MonitorPlan const& plan, RowStore const& store,
+             std::size_t ownColumn, std::size_t tunnelColumn) {
+    if (plan.has(Table::physicalLocator, ownColumn)) return {locator.raw->column(ownColumn)};
+    BfdMap map;
+    bool first = true;
+    for (Uuid const& uuid : locator.tunnels) {
+        Row const* const tunnel = store.find(Table::tunnel, uuid);
+        if (tunnel == nullptr) continue;
+        std::string_view const datum = tunnel->column(tunnelColumn);
+        if (first)
+            map.datum = datum;
+        else if (map.datum != datum)
+            return {{}, true};
+        first = false;
+    }
+    return map;
+}
+
+bool hasKey(std::string_view datum, std::string_view key) {
+    for (DatumItems at(textToText, datum); at.next();)
+        if (at.key() == key) return true;
+    return false;
+}
+
+template <class Walk>
+void removeOthers(Walk walk, std::string_view datum) {
+    for (; walk; ++walk)
+        if (!hasKey(datum, walk.key().view())) walk.del();
+}
+
+}  // namespace
+
+BfdMap bfdOf(LocatorNode const& locator, MonitorPlan const& plan, RowStore const& store) {
+    return mapOf(locator, plan, store, PhysicalLocatorColumn::bfd, TunnelColumn::bfdParams);
+}
+
+BfdMap bfdStatusOf(LocatorNode const& locator, MonitorPlan const& plan, RowStore const& store) {
+    return mapOf(locator, plan, store, PhysicalLocatorColumn::bfdStatus, TunnelColumn::bfdStatus);
+}
+
+// By setters and not by isEqualTo and clone: here a value may be the empty text, which comparison
+// takes for an absent key and copying removes and makes anew.
+void writeBfd(LocatorNode const& locator, MonitorPlan const& plan, RowStore const& store) {
+    Vgw::PhysicalLocator& row = *locator.row;
+    BfdMap const bfd = bfdOf(locator, plan, store);
+    BfdMap const status = bfdStatusOf(locator, plan, store);
+    mark(row, "bfd", bfd.disagrees);
+    mark(row, "bfdStatus", status.disagrees);
+    removeOthers(row.bfdIterator(), bfd.datum);
+    removeOthers(row.bfdStatusIterator(), status.datum);
+    for (DatumItems at(textToText, bfd.datum); at.next();) row.bfdIs(at.key(), at.value());
+    for (DatumItems at(textToText, status.datum); at.next();) row.bfdStatusIs(at.key(), at.value());
+}
+
+}  // namespace Ovsdb

@@ -1,0 +1,139 @@
+#include <ovsdb/mirror/MacRows.h>
+
+#include <ovsdb/mirror/Values.h>
+#include <vgw/tables/McastMacsLocal.h>
+#include <vgw/tables/McastMacsRemote.h>
+#include <vgw/tables/UcastMacsLocal.h>
+#include <vgw/tables/UcastMacsRemote.h>
+
+#include <algorithm>
+
+namespace Ovsdb {
+namespace {
+
+// The switch's key, else the locator's own.
+std::optional<Vxlan::Vni> vniAt(MacNode const& node, LocatorNode const& locator) {
+    return node.logicalSwitch->vni ? node.logicalSwitch->vni : locator.vni;
+}
+
+Kelp::IpAddr ipAddrOf(MacNode const& node) {
+    return ipv4Of(node.raw->column(MacColumn::ipaddr)).value_or(Kelp::IpAddr());
+}
+
+Kelp::EthAddr macAddrOf(MacNode const& node) {
+    return node.multicast() ? static_cast<Vgw::McastMacsLocal const&>(*node.row).macAddr()
+                            : static_cast<Vgw::UcastMacsLocal const&>(*node.row).macAddr();
+}
+
+Vxlan::Vni vniOfSet(MacNode const& node) {
+    for (LocatorNode const* const member : node.set->members)
+        if (auto const vni = vniAt(node, *member)) return *vni;
+    return {};
+}
+
+void writeUcastRemote(Vgw::UcastMacsRemote& row, MacNode const& node) {
+    row.macIs(*node.mac);
+    row.logicalSwitchIs(node.logicalSwitch->text);
+    row.physicalLocatorIs(node.locator->text);
+    row.ipAddrIs(ipAddrOf(node));
+}
+
+void writeMcastRemote(Vgw::McastMacsRemote& row, MacNode const& node) {
+    row.macIs(*node.mac);
+    row.logicalSwitchIs(node.logicalSwitch->text);
+    row.physicalLocatorSetIs(node.set->text);
+    row.ipAddrIs(ipAddrOf(node));
+}
+
+void writeUcastLocal(Vgw::UcastMacsLocal& row, MacNode const& node) {
+    row.uuidIs(textOf(node.uuid));
+    row.logicalSwitchIs(node.logicalSwitch->text);
+    row.vniIs(vniAt(node, *node.locator).value_or(Vxlan::Vni()));
+    row.vtepIpIs(node.locator->address.value_or(Kelp::IpAddr()));
+}
+
+void writeMcastLocal(Vgw::McastMacsLocal& row, MacNode const& node) {
+    row.uuidIs(textOf(node.uuid));
+    row.logicalSwitchIs(node.logicalSwitch->text);
+    row.physicalLocatorSetIs(node.set->text);
+    row.vniIs(vniOfSet(node));
+    auto const& members = node.set->members;
+    for (auto at = row.vtepIpIterator(); at; ++at)
+        if (std::none_of(members.begin(), members.end(),
+                         [&](LocatorNode const* m) { return m->address == at.key(); }))
+            at.del();
+    for (LocatorNode const* const member : members)
+        if (member->address) row.vtepIpIs(*member->address, true);
+}
+
+Qor::Ptr<Vgw::OvsdbDataModel> makeRow(MacNode const& node) {
+    switch (node.table) {
+        case Table::ucastMacsLocal:
+            return Qor::make<Vgw::UcastMacsLocal>(*node.mac);
+        case Table::mcastMacsLocal:
+            return Qor::make<Vgw::McastMacsLocal>(*node.mac);
+        case Table::mcastMacsRemote:
+            return Vgw::mcastMacsRemoteFactory(textOf(node.uuid));
+        default:
+            return Vgw::ucastMacsRemoteFactory(textOf(node.uuid));
+    }
+}
+
+}  // namespace
+
+Qor::Dir& MacDirectories::of(Table table) const {
+    switch (table) {
+        case Table::ucastMacsLocal:
+            return *ucastMacsLocal;
+        case Table::mcastMacsLocal:
+            return *mcastMacsLocal;
+        case Table::mcastMacsRemote:
+            return *mcastMacsRemote;
+        default:
+            return *ucastMacsRemote;
+    }
+}
+
+void MacRows::recount(MacNode& node, MacRefs& refs) const {
+    if (node.ref != nullptr) refs.drop(std::exchange(node.ref, nullptr));
+    for (MacRef const* const ref : node.refs) refs.drop(ref);
+    node.refs.clear();
+    if (node.raw == nullptr || !node.mac) return;
+    if (node.locator != nullptr) {
+        if (auto const vni = vniAt(node, *node.locator))
+            node.ref = refs.take(*node.locator, *node.mac, *vni, false);
+        return;
+    }
+    for (LocatorNode* const member : node.set->members)
+        if (auto const vni = vniAt(node, *member))
+            node.refs.push_back(refs.take(*member, *node.mac, *vni, true));
+}
+
+void MacRows::remove(MacNode& node) const {
+    if (!node.row) return;
+    bool const stays =
+        node.raw != nullptr && node.mac && !(node.local() && macAddrOf(node) != *node.mac);
+    if (stays) return;
+    directories_.of(node.table).entryDel(textOf(node.uuid));
+    node.row = nullptr;
+}
+
+void MacRows::write(MacNode& node) const {
+    if (!node.mac) return;
+    if (!node.row) {
+        node.row = makeRow(node);
+        directories_.of(node.table).entryIs(textOf(node.uuid), node.row);
+    }
+    switch (node.table) {
+        case Table::ucastMacsLocal:
+            return writeUcastLocal(static_cast<Vgw::UcastMacsLocal&>(*node.row), node);
+        case Table::mcastMacsLocal:
+            return writeMcastLocal(static_cast<Vgw::McastMacsLocal&>(*node.row), node);
+        case Table::mcastMacsRemote:
+            return writeMcastRemote(static_cast<Vgw::McastMacsRemote&>(*node.row), node);
+        default:
+            return writeUcastRemote(static_cast<Vgw::UcastMacsRemote&>(*node.row), node);
+    }
+}
+
+}  // namespace Ovsdb

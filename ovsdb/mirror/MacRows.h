@@ -1,0 +1,48 @@
+#ifndef OVSDB_MIRROR_MAC_ROWS_H
+#define OVSDB_MIRROR_MAC_ROWS_H
+
+// The rows of the four MAC tables. They stand outside the container, each table in a directory of
+// its own, under the row's uuid: an address may occur in several rows, even of one switch.
+//
+// `vni` and `vtepIp` of local rows, and the pairs that a row gives to locators, depend on its
+// logical switch and its locators: whoever changes those writes the rows anew. A text that is no
+// address makes no row.
+
+#include <ovsdb/mirror/Graph.h>
+#include <ovsdb/mirror/MacRefs.h>
+#include <qor/tree/Dir.h>
+
+#include <array>
+
+namespace Ovsdb {
+
+// One directory a table.
+struct MacDirectories {
+    Qor::Dir::Ptr ucastMacsLocal;
+    Qor::Dir::Ptr mcastMacsLocal;
+    Qor::Dir::Ptr ucastMacsRemote;
+    Qor::Dir::Ptr mcastMacsRemote;
+
+    Qor::Dir& of(Table table) const;
+};
+
+class MacRows {
+  public:
+    explicit MacRows(MacDirectories directories) : directories_(std::move(directories)) {}
+
+    /// Which pairs the row gives to which locators, from now on.
+    void recount(MacNode& node, MacRefs& refs) const;
+    /// Takes the row out if it is gone, has no address any more or, a local one, has another.
+    void remove(MacNode& node) const;
+    /// Makes the row if need be, and brings it up to date. REQUIRES: node.raw.
+    void write(MacNode& node) const;
+
+    MacDirectories const& directories() const { return directories_; }
+
+  private:
+    MacDirectories directories_;
+};
+
+}  // namespace Ovsdb
+
+#endif

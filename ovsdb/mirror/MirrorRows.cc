@@ -1,0 +1,115 @@
+// The second pass of the mirror: the library's rows, out in one order and in in the other.
+
+#include <ovsdb/mirror/Bfd.h>
+#include <ovsdb/mirror/Mirror.h>
+#include <ovsdb/mirror/RowWriter.h>
+#include <ovsdb/mirror/Values.h>
+
+namespace Ovsdb {
+
+// The order in which the container is cleared, after the MAC rows.
+void Mirror::remove() {
+    for (MacNode* const node : macs_) macRows_.remove(*node);
+    refs_.tellGone();
+    references_.removeRemoteLocators();
+    removeRows(Table::physicalLocatorSet);
+    references_.removePhysicalLocators();
+    removeRows(Table::physicalLocator);
+    removeRows(Table::physicalPort);
+    removeRows(Table::logicalBindingStats);
+    removeRows(Table::logicalSwitch);
+    references_.removePhysicalSwitches();
+    removeRows(Table::physicalSwitch);
+    removeRows(Table::global);
+    removeRows(Table::manager);
+}
+
+void Mirror::removeRows(Table table) {
+    for (RowChange const* const change : changes_[index(table)]) {
+        if (change->after != nullptr) continue;
+        Qor::Name const name = textOf(change->uuid);
+        switch (table) {
+            case Table::manager:
+                database_->managerDel(name);
+                break;
+            case Table::global:
+                database_->rootDel(name);
+                break;
+            case Table::physicalSwitch:
+                database_->physicalSwitchRawDel(name);
+                break;
+            case Table::logicalSwitch:
+                database_->logicalSwitchDel(name);
+                break;
+            case Table::logicalBindingStats:
+                database_->logicalBindingStatsDel(name);
+                break;
+            case Table::physicalPort:
+                database_->physicalPortDel(name);
+                break;
+            case Table::physicalLocator:
+                graph_.locator(change->uuid).row = nullptr;
+                database_->physicalLocatorRawDel(name);
+                break;
+            case Table::physicalLocatorSet:
+                database_->physicalLocatorSetDel(name);
+                break;
+            default:
+                break;
+        }
+    }
+}
+
+void Mirror::add() {
+    addRows(Table::manager);
+    addRows(Table::global);
+    addRows(Table::physicalSwitch);
+    references_.addPhysicalSwitches();
+    addRows(Table::logicalSwitch);
+    addRows(Table::logicalBindingStats);
+    addRows(Table::physicalPort);
+    addRows(Table::physicalLocator);
+    for (LocatorNode* const node : bfdLocators_)
+        if (node->row) writeBfd(*node, plan_, store_);
+    references_.addPhysicalLocators();
+    addRows(Table::physicalLocatorSet);
+    references_.addRemoteLocators();
+    for (MacNode* const node : macs_)
+        if (node->raw != nullptr) macRows_.write(*node);
+    refs_.tellPresent();
+}
+
+void Mirror::addRows(Table table) {
+    for (RowChange const* const change : changes_[index(table)])
+        if (change->after != nullptr) addRow(*change);
+}
+
+void Mirror::addRow(RowChange const& change) {
+    Qor::Name const name = textOf(change.uuid);
+    Row const& raw = *change.after;
+    switch (change.table) {
+        case Table::manager:
+            return write(*database_->managerIs(name), raw);
+        case Table::global:
+            return write(*database_->rootIs(name), raw);
+        case Table::physicalSwitch:
+            return write(*database_->physicalSwitchRawIs(name), raw);
+        case Table::logicalSwitch:
+            return write(*database_->logicalSwitchIs(name), raw);
+        case Table::logicalBindingStats:
+            return write(*database_->logicalBindingStatsIs(name), raw);
+        case Table::physicalPort:
+            return write(*database_->physicalPortIs(name), raw);
+        case Table::physicalLocator: {
+            LocatorNode& node = graph_.locator(change.uuid);
+            node.row = database_->physicalLocatorRawIs(name);
+            return write(*node.row, raw);
+        }
+        case Table::physicalLocatorSet:
+            return write(*database_->physicalLocatorSetIs(name), raw);
+        default:
+            return;
+    }
+}
+
+}  // namespace Ovsdb

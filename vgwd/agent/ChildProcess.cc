@@ -1,0 +1,61 @@
+#include <vgwd/agent/ChildProcess.h>
+
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <stdexcept>
+#include <system_error>
+
+namespace Vgwd {
+namespace {
+
+// In the child, between fork and exec: nothing here may allocate.
+[[noreturn]] void become(char* const* words, pid_t parent) {
+    ::prctl(PR_SET_PDEATHSIG, SIGTERM);
+    if (::getppid() != parent) ::_exit(1);
+    int const null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::dup2(null, STDIN_FILENO);
+    ::dup2(null, STDOUT_FILENO);
+    ::execv(words[0], words);
+    ::_exit(127);
+}
+
+}  // namespace
+
+std::string findProgram(std::string const& name) {
+    char const* const path = std::getenv("PATH");
+    std::string const places =
+        std::string(path != nullptr ? path : "") + ":/usr/sbin:/usr/bin:/sbin:/bin";
+    for (std::size_t from = 0; from <= places.size();) {
+        std::size_t const colon = std::min(places.find(':', from), places.size());
+        std::string const candidate = places.substr(from, colon - from) + "/" + name;
+        if (candidate.front() == '/' && ::access(candidate.c_str(), X_OK) == 0) return candidate;
+        from = colon + 1;
+    }
+    throw std::runtime_error("program " + name +
+                             " was not found in PATH or the folders of system programs");
+}
+
+pid_t startProgram(std::vector<std::string> const& words) {
+    std::vector<char*> arguments;
+    for (std::string const& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+    arguments.push_back(nullptr);
+    pid_t const parent = ::getpid();
+    pid_t const child = ::fork();
+    if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
+    if (child == 0) become(arguments.data(), parent);
+    return child;
+}
+
+int awaitProgram(pid_t process) {
+    int status = 0;
+    while (::waitpid(process, &status, 0) < 0)
+        if (errno != EINTR) return 127;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+}  // namespace Vgwd

@@ -1,0 +1,348 @@
+#include "EventLoop.h"
+#include "FakeServer.h"
+#include "FullSchema.h"
+
+#include <ovsdb/client/Client.h>
+
+#include <gtest/gtest.h>
+
+namespace Ovsdb {
+namespace {
+
+using nlohmann::json;
+using std::chrono::milliseconds;
+
+constexpr char const* first = "00000000-0000-4000-8000-000000000001";
+constexpr char const* second = "00000000-0000-4000-8000-000000000002";
+constexpr char const* zero = "00000000-0000-0000-0000-000000000000";
+
+class Listener : public ClientListener {
+  public:
+    void onPlan(MonitorPlan const&) override { ++plans; }
+    void onChanges(std::vector<RowChange> const& changes) override {
+        std::string text;
+        for (RowChange const& change : changes)
+            text += (change.after == nullptr ? "-"
+                     : change.before         ? "~"
+                                             : "+") +
+                    change.uuid.text().substr(35);
+        steps.push_back(text);
+    }
+    void onState(ClientState state, std::string const&) override { states.push_back(state); }
+    void onRoundFailed(std::string const& reason) override { rounds.push_back(reason); }
+
+    int plans = 0;
+    std::vector<std::string> steps;
+    std::vector<ClientState> states;
+    std::vector<std::string> rounds;
+};
+
+// Answers as a database server does; a test replaces what it wants otherwise.
+class Database {
+  public:
+    void operator()(FakeServer& server, json const& message) {
+        std::string const method = message.value("method", "");
+        if (method == "echo" || method == "set_db_change_aware")
+            return server.reply(message, json::object());
+        if (method == "get_schema") return server.reply(message, schema);
+        if (method == "monitor_cond" && message["params"][0] == "_Server")
+            return server.reply(message, serverRows);
+        if (unknown.contains(method)) return server.refuse(message, "unknown method");
+        monitor = message;
+        if (method == "monitor_cond_since")
+            return server.reply(message, {found, transaction, rows});
+        if (method == "monitor_cond") return server.reply(message, rows);
+        if (method == "monitor") return server.reply(message, wholeRows);
+    }
+
+    json schema = fullSchema();
+    json serverRows = {{"Database", json::object()}};
+    std::set<std::string> unknown;
+    bool found = false;
+    std::string transaction = zero;
+    json rows = {{"Logical_Switch", {{first, {{"initial", {{"name", "red"}}}}}}}};
+    json wholeRows = {{"Logical_Switch", {{first, {{"new", {{"name", "red"}}}}}}}};
+    json monitor;
+};
+
+class ClientTest : public testing::Test {
+  protected:
+    ClientTest() {
+        server_.scriptIs(std::ref(database_));
+        options_.remotes = parseRemotes("unix:" + server_.path());
+        options_.leastBackoff = milliseconds(20);
+        options_.mostBackoff = milliseconds(80);
+    }
+    ~ClientTest() override {
+        if (client_) client_->stop();
+        loop_.restart();
+        loop_.poll();
+    }
+
+    void start() {
+        client_.emplace(loop_, options_, listener_,
+                        [this](LogLevel, std::string const& text) { log_.push_back(text); });
+        client_->start();
+    }
+    bool inStep() {
+        return runUntil(loop_, [&] { return client_->state() == ClientState::inStep; });
+    }
+    bool logged(std::string const& part) const {
+        return std::any_of(log_.begin(), log_.end(), [&](std::string const& line) {
+            return line.find(part) != std::string::npos;
+        });
+    }
+    json monitorId() const { return database_.monitor["params"][1]; }
+
+    asio::io_context loop_;
+    Database database_;
+    FakeServer server_{loop_};
+    ClientOptions options_;
+    Listener listener_;
+    std::vector<std::string> log_;
+    std::optional<Client> client_;
+};
+
+TEST_F(ClientTest, TheBestMethodIsUsedWithNamedColumns) {
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(database_.monitor["method"], "monitor_cond_since");
+    EXPECT_EQ(database_.monitor["params"][2]["Manager"], (json{{{"columns", {"target"}}}}));
+    EXPECT_EQ(database_.monitor["params"][3], zero);
+    EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+    EXPECT_EQ(listener_.states,
+              (std::vector<ClientState>{ClientState::connecting, ClientState::copying,
+                                        ClientState::inStep}));
+}
+
+TEST_F(ClientTest, AnOldServerIsMonitoredByTheOldestMethod) {
+    database_.unknown = {"monitor_cond_since", "monitor_cond"};
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(database_.monitor["method"], "monitor");
+    server_.notify("update",
+                   {monitorId(), {{"Logical_Switch", {{second, {{"new", {{"name", "blue"}}}}}}}}});
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.steps.size() == 2; }));
+    EXPECT_EQ(listener_.steps[1], "+2");
+}
+
+TEST_F(ClientTest, UpdatesOfUnknownMonitorsAreDropped) {
+    start();
+    ASSERT_TRUE(inStep());
+    server_.notify("update3",
+                   {"another", zero, {{"Logical_Switch", {{first, {{"delete", nullptr}}}}}}});
+    server_.notify(
+        "update3",
+        {monitorId(), zero, {{"Logical_Switch", {{second, {{"insert", json::object()}}}}}}});
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.steps.size() == 2; }));
+    EXPECT_EQ(listener_.steps[1], "+2");
+}
+
+TEST_F(ClientTest, AfterALossTheCopyIsComparedAndNothingIsToldTwice) {
+    start();
+    ASSERT_TRUE(inStep());
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(loop_, [&] { return server_.connections() == 2; }));
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+    EXPECT_EQ(client_->rows().size(), 1U);
+    EXPECT_TRUE(logged("out of step"));
+}
+
+TEST_F(ClientTest, RowsThatACopyDoesNotNameAreGone) {
+    start();
+    ASSERT_TRUE(inStep());
+    database_.rows = {{"Logical_Switch", {{second, {{"initial", {{"name", "blue"}}}}}}}};
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.steps.size() == 2; }));
+    EXPECT_EQ(listener_.steps[1], "+2-1");
+}
+
+TEST_F(ClientTest, AKnownTransactionIsCarriedOnFrom) {
+    database_.transaction = "72734239-c0d7-4066-8095-adae591df7d5";
+    start();
+    ASSERT_TRUE(inStep());
+    database_.found = true;
+    database_.rows = {{"Logical_Switch", {{second, {{"insert", json::object()}}}}}};
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.steps.size() == 2; }));
+    EXPECT_EQ(database_.monitor["params"][3], database_.transaction);
+    EXPECT_EQ(listener_.steps[1], "+2");
+    EXPECT_EQ(client_->rows().size(), 2U);
+}
+
+TEST_F(ClientTest, ZeroTransactionsAreNeverCarriedOnFrom) {
+    start();
+    ASSERT_TRUE(inStep());
+    server_.notify(
+        "update3",
+        {monitorId(), zero, {{"Logical_Switch", {{second, {{"insert", json::object()}}}}}}});
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(loop_, [&] { return server_.connections() == 2; }));
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(database_.monitor["params"][3], zero);
+}
+
+TEST_F(ClientTest, AModifyOfAnUnknownRowBringsAWholeNewCopy) {
+    database_.transaction = "72734239-c0d7-4066-8095-adae591df7d5";
+    start();
+    ASSERT_TRUE(inStep());
+    server_.notify("update3", {monitorId(),
+                               database_.transaction,
+                               {{"Logical_Switch", {{second, {{"modify", {{"name", "x"}}}}}}}}});
+    ASSERT_TRUE(runUntil(loop_, [&] { return server_.connections() == 2; }));
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(database_.monitor["params"][3], zero);
+    EXPECT_TRUE(logged("modified, but never seen"));
+}
+
+TEST_F(ClientTest, AMonitorThatIsTakenBackIsAskedForAgainUnderANewId) {
+    start();
+    ASSERT_TRUE(inStep());
+    json const old = monitorId();
+    server_.notify("monitor_canceled", json::array({old}));
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.plans == 2; }));
+    ASSERT_TRUE(inStep());
+    EXPECT_NE(monitorId(), old);
+    EXPECT_EQ(server_.connections(), 1);
+    EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+}
+
+TEST_F(ClientTest, AVanishedDatabaseIsToldAndTheRowsAreKept) {
+    start();
+    ASSERT_TRUE(inStep());
+    json const id = monitorId();
+    server_.scriptIs([&](FakeServer& server, json const& message) {
+        if (message["method"] == "get_schema")
+            return server.refuse(message, {{"error", "unknown database"}, {"details", "gone"}});
+        database_(server, message);
+    });
+    server_.notify("monitor_canceled", json::array({id}));
+    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
+    EXPECT_TRUE(logged("database hardware_vtep is not served: unknown database: gone"));
+    EXPECT_EQ(client_->rows().size(), 1U);
+    EXPECT_EQ(listener_.steps.size(), 1U);
+}
+
+TEST_F(ClientTest, AMissingColumnIsNamedAndTheRestIsMirrored) {
+    database_.schema["tables"]["Logical_Switch"]["columns"].erase("tunnel_key");
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_TRUE(logged(
+        "column Logical_Switch.tunnel_key is missing from the schema; the rest is mirrored"));
+    EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+}
+
+TEST_F(ClientTest, GarbageIsNamedAndTriedAgain) {
+    bool once = true;
+    server_.scriptIs([&](FakeServer& server, json const& message) {
+        if (std::exchange(once, false)) return server.send("220 mail.example ESMTP\r\n");
+        database_(server, message);
+    });
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_TRUE(logged("unix:" + server_.path() + ": not JSON: '2' at offset 0"));
+}
+
+TEST_F(ClientTest, AVanishedServerIsFoundAgain) {
+    start();
+    ASSERT_TRUE(inStep());
+    server_.vanish();
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.rounds.size() >= 3; }));
+    EXPECT_TRUE(logged("No such file or directory"));
+    server_.listen();
+    ASSERT_TRUE(inStep());
+    EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+}
+
+TEST_F(ClientTest, RemotesAreTriedInTurnWithoutWaiting) {
+    options_.remotes =
+        parseRemotes("unix:/nonexistent/a,unix:/nonexistent/b,unix:" + server_.path());
+    options_.leastBackoff = options_.mostBackoff = std::chrono::hours(1);
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_TRUE(listener_.rounds.empty());
+    EXPECT_EQ(client_->remoteName(), "unix:" + server_.path());
+}
+
+TEST_F(ClientTest, AMemberThatIsCutOffFromItsClusterIsSkipped) {
+    database_.serverRows = {
+        {"Database",
+         {{first,
+           {{"initial",
+             {{"name", "hardware_vtep"}, {"model", "clustered"}, {"connected", false}}}}}}}};
+    start();
+    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
+    EXPECT_TRUE(logged("the server is not connected to its cluster"));
+    EXPECT_TRUE(listener_.steps.empty());
+}
+
+TEST_F(ClientTest, AMemberThatFallsOutOfItsClusterIsLeft) {
+    database_.serverRows = {{"Database",
+                             {{first,
+                               {{"initial",
+                                 {{"name", "hardware_vtep"},
+                                  {"model", "clustered"},
+                                  {"connected", true},
+                                  {"index", 5}}}}}}}};
+    start();
+    ASSERT_TRUE(inStep());
+    server_.notify("update2",
+                   {"server", {{"Database", {{first, {{"modify", {{"connected", false}}}}}}}}});
+    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
+}
+
+TEST_F(ClientTest, AMemberBehindWhatWasSeenIsSkipped) {
+    auto const member = [](int index) {
+        return json{{"Database",
+                     {{first,
+                       {{"initial",
+                         {{"name", "hardware_vtep"},
+                          {"model", "clustered"},
+                          {"connected", true},
+                          {"index", index}}}}}}}};
+    };
+    database_.serverRows = member(10);
+    start();
+    ASSERT_TRUE(inStep());
+    database_.serverRows = member(9);
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.rounds.size() >= 2; }));
+    EXPECT_TRUE(logged("the server is behind the cluster: its log is at 9, 10 was seen"));
+    database_.serverRows = member(11);
+    ASSERT_TRUE(inStep());
+}
+
+TEST_F(ClientTest, AFailedMonitorIsToldAndTriedAgain) {
+    bool once = true;
+    server_.scriptIs([&](FakeServer& server, json const& message) {
+        if (message["method"] == "monitor_cond_since" && std::exchange(once, false))
+            return server.refuse(message, {{"error", "syntax error"}, {"details", "no"}});
+        database_(server, message);
+    });
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_TRUE(logged("monitor_cond_since failed: syntax error: no"));
+}
+
+TEST_F(ClientTest, AReplyOfAnotherShapeIsNoCopy) {
+    server_.scriptIs([&](FakeServer& server, json const& message) {
+        if (message["method"] == "monitor_cond_since") return server.reply(message, {1, 2});
+        database_(server, message);
+    });
+    start();
+    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
+    EXPECT_TRUE(logged("the reply to monitor_cond_since is not [found, last-txn-id, updates]"));
+}
+
+TEST(Backoff, DoublesUpToItsCapAndBeginsAnew) {
+    Backoff backoff(milliseconds(1000), milliseconds(8000));
+    std::vector<long> waits;
+    for (int i = 0; i < 6; ++i) waits.push_back(backoff.next().count());
+    EXPECT_EQ(waits, (std::vector<long>{1000, 2000, 4000, 8000, 8000, 8000}));
+    backoff.reset();
+    EXPECT_EQ(backoff.next(), milliseconds(1000));
+}
+
+}  // namespace
+}  // namespace Ovsdb

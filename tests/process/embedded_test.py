@@ -1,0 +1,83 @@
+"""Without --ovsdb, vgwd has an OVSDB server of its own in its run directory."""
+import os
+import re
+import signal
+import subprocess
+from unittest import mock
+
+import process_case
+from support import ovs
+from support.agent import Agent
+from support.columns import Columns
+from support.rpc import Client, RpcError
+
+
+class EmbeddedTest(process_case.ProcessCase):
+    def setUp(self):
+        super().setUp()
+        programs = f"{ovs.prefix() / 'usr/sbin'}:{ovs.prefix() / 'usr/bin'}"
+        self.enterContext(mock.patch.dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}"))
+        schema = ovs.prefix() / "usr/share/openvswitch/vtep.ovsschema"
+        self.agent = Agent(self.directory / "agent", None, "--schema", str(schema))
+        self.addCleanup(self.agent.stop)
+        self.socket = self.agent.directory / "db.sock"
+
+    def read(self):
+        with Client(self.socket) as client:
+            return Columns(client.schema()).read(client)
+
+    def add_switch(self, name):
+        command = [ovs.program("vtep-ctl"), f"--db=unix:{self.socket}", "add-ls", name]
+        subprocess.run(command, check=True, timeout=60)
+
+    def server_pid(self):
+        return int(re.findall(r"ovsdb-server runs in .* process (\d+)", self.agent.said())[-1])
+
+    def test_it_is_mirrored_and_ends_with_vgwd(self):
+        self.agent.start()
+        self.add_switch("red")
+        self.agent.await_equal(self.read())
+        self.assertEqual(self.agent.stop(), 0)
+        with self.assertRaises(RpcError):
+            Client(self.socket)
+
+    def test_what_it_holds_is_there_after_the_next_start(self):
+        self.agent.start()
+        self.add_switch("red")
+        self.agent.stop()
+        self.agent.start()
+        self.agent.await_that(self.socket.exists, "the server listens")
+        tables = self.read()
+        self.assertEqual([row["name"] for row in tables["Logical_Switch"].values()], ["red"])
+        self.agent.await_equal(tables)
+
+    def test_one_that_dies_is_started_again(self):
+        self.agent.start()
+        self.add_switch("red")
+        self.agent.await_equal(self.read())
+        first = self.server_pid()
+        os.kill(first, signal.SIGKILL)
+        self.agent.await_that(lambda: self.server_pid() != first, "vgwd starts its server again")
+        self.agent.await_that(self.answers, "the server answers")
+        self.add_switch("blue")
+        self.agent.await_equal(self.read())
+
+    def test_a_killed_vgwd_leaves_nothing_to_clean_by_hand(self):
+        self.agent.start()
+        self.add_switch("red")
+        self.agent.kill()
+        self.agent.start()
+        self.agent.await_that(self.answers, "the server answers")
+        self.add_switch("blue")
+        self.agent.await_equal(self.read())
+
+    def answers(self):
+        try:
+            Client(self.socket).close()
+            return True
+        except RpcError:
+            return False
+
+
+if __name__ == "__main__":
+    process_case.main()

@@ -1,0 +1,86 @@
+"""Stands between an agent and its server and cuts their connections, at any byte."""
+import socket
+import threading
+from pathlib import Path
+
+
+class Proxy:
+    """Forwards each connection to its path to the server's socket.
+
+    `limit`: connections made while it is set are cut after so many bytes of the server's.
+    """
+
+    def __init__(self, path, target):
+        self.path, self.target = Path(path), Path(target)
+        self.remote = f"unix:{self.path}"
+        self.connections = 0
+        self.cuts = 0  # by the limit
+        self.limit = None
+        self._open = set()
+        self._lock = threading.Lock()
+        self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+        self._listener.bind(str(self.path))
+        self._listener.listen(16)
+        threading.Thread(target=self._accept, daemon=True).start()
+
+    def cut(self):
+        """Ends all connections; new ones are still taken."""
+        with self._lock:
+            pairs, self._open = self._open, set()
+        for pair in pairs:
+            _close(pair)
+
+    def close(self):
+        _close((self._listener,))
+        self.cut()
+        self.path.unlink(missing_ok=True)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.close()
+
+    def _accept(self):
+        while True:
+            try:
+                agent, _ = self._listener.accept()
+            except OSError:
+                return
+            server = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
+            try:
+                server.connect(str(self.target))
+            except OSError:
+                _close((agent, server))
+                continue
+            pair = (agent, server)
+            with self._lock:
+                self._open.add(pair)
+            self.connections += 1
+            threading.Thread(target=self._pump, args=(agent, server, pair, None), daemon=True).start()
+            threading.Thread(target=self._pump, args=(server, agent, pair, self.limit), daemon=True).start()
+
+    def _pump(self, source, sink, pair, left):
+        try:
+            while left is None or left > 0:
+                data = source.recv(1 << 16 if left is None else min(left, 1 << 16))
+                if not data:
+                    break
+                sink.sendall(data)
+                left = None if left is None else left - len(data)
+            if left == 0:
+                self.cuts += 1
+        except OSError:
+            pass
+        with self._lock:
+            self._open.discard(pair)
+        _close(pair)
+
+
+def _close(sockets):
+    for each in sockets:
+        try:
+            each.shutdown(socket.SHUT_RDWR)
+        except OSError:
+            pass
+        each.close()

@@ -1,0 +1,132 @@
+#include <qor/attrlog/ConnectionOut.h>
+#include <qor/core/Exception.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using Qor::Connection::Out;
+
+constexpr std::size_t blockSize = Out::blockSize;
+
+std::string takeAll(Out& out) {
+    std::string bytes;
+    while (!out.unsent().empty()) {
+        auto const piece = out.unsent();
+        bytes += piece;
+        out.sentInc(piece.size());
+    }
+    return bytes;
+}
+
+TEST(ConnectionOut, NewOneHasNothingToSend) {
+    Out const out(2);
+    EXPECT_EQ(out.written(), 0U);
+    EXPECT_TRUE(out.unsent().empty());
+    EXPECT_EQ(out.freeBytes(), 2 * blockSize);
+    EXPECT_TRUE(out.hasSufficientBuffer());
+    EXPECT_EQ(out.bufferBlockSize(), 49152U);
+}
+
+TEST(ConnectionOut, NumberAcrossTwoBlocksComesOutWhole) {
+    for (std::size_t before = blockSize - 8; before <= blockSize; ++before) {
+        Out out;
+        std::string const head(before, 'x');
+        out.putBytes(head);
+        out.put(Qor::U64{0x3132333435363738});
+        EXPECT_EQ(out.written(), before + 8);
+        EXPECT_EQ(takeAll(out), head + "12345678");
+    }
+}
+
+TEST(ConnectionOut, PiecesEndAtBlocks) {
+    Out out;
+    out.putBytes(std::string(blockSize + 10, 'x'));
+    EXPECT_EQ(out.unsent().size(), blockSize);
+    out.sentInc(100);
+    EXPECT_EQ(out.unsent().size(), blockSize - 100);
+    out.sentInc(blockSize - 100);
+    EXPECT_EQ(out.unsent().size(), 10U);
+}
+
+TEST(ConnectionOut, CapIsToldBeforeItIsPassed) {
+    Out out(2);
+    out.putBytes(std::string(blockSize, 'x'));
+    EXPECT_TRUE(out.hasSufficientBuffer());
+    out.put(Qor::U8{1});
+    EXPECT_FALSE(out.hasSufficientBuffer());
+    EXPECT_EQ(out.freeBytes(), blockSize - 1);
+}
+
+TEST(ConnectionOut, OverTheCapIsRefusedAndCanBeTakenBack) {
+    Out out(1);
+    out.put(Qor::U32{0x61626364});
+    auto const recordStart = out.written();
+    EXPECT_THROW(out.putBytes(std::string(blockSize, 'x')), Qor::AttrLogRecordException);
+    out.writtenIs(recordStart);
+    EXPECT_EQ(out.written(), 4U);
+    EXPECT_EQ(out.freeBytes(), blockSize - 4);
+    EXPECT_EQ(takeAll(out), "abcd");
+}
+
+TEST(ConnectionOut, SendingMakesRoom) {
+    Out out(2);
+    out.putBytes(std::string(2 * blockSize, 'x'));
+    EXPECT_EQ(out.freeBytes(), 0U);
+    out.sentInc(blockSize - 1);
+    EXPECT_EQ(out.freeBytes(), 0U);
+    out.sentInc(1);
+    EXPECT_EQ(out.freeBytes(), blockSize);
+    out.sentInc(blockSize);
+    EXPECT_EQ(out.freeBytes(), 2 * blockSize);
+}
+
+TEST(ConnectionOut, TakingBackAcrossBlocksLeavesWhatWasBefore) {
+    for (std::size_t const kept :
+         {std::size_t{0}, std::size_t{1}, blockSize - 1, blockSize, blockSize + 1, 2 * blockSize}) {
+        Out out;
+        std::string const head(kept, 'k');
+        out.putBytes(head);
+        out.putBytes(std::string(2 * blockSize + 5, 'x'));
+        out.writtenIs(kept);
+        EXPECT_EQ(out.written(), kept);
+        out.put(Qor::U16{0x6162});
+        EXPECT_EQ(takeAll(out), head + "ab");
+    }
+}
+
+TEST(ConnectionOut, TakingBackAfterSendingGoesByOffset) {
+    Out out;
+    out.putBytes(std::string(blockSize + 100, 'x'));
+    out.sentInc(blockSize + 50);
+    out.writtenIs(blockSize + 60);
+    out.put(Qor::U16{0x6162});
+    EXPECT_EQ(takeAll(out), std::string(10, 'x') + "ab");
+}
+
+TEST(ConnectionOut, SizeInFrontIsFilledInAfterwards) {
+    for (std::size_t before = blockSize - 4; before <= blockSize; ++before) {
+        Out out;
+        std::string const head(before, 'x');
+        out.putBytes(head);
+        auto const place = out.written();
+        out.put(Qor::U32{0});
+        out.putBytes("body");
+        out.u32AtIs(place, 0x41424344);
+        EXPECT_EQ(takeAll(out), head + "ABCDbody");
+    }
+}
+
+TEST(ConnectionOutDeathTest, WhatWasSentStays) {
+    Out out;
+    out.put(Qor::U64{1});
+    out.sentInc(4);
+    EXPECT_DEATH(out.writtenIs(3),
+                 "Assertion 'sent\\(\\) <= offset && offset <= written\\(\\)' failed");
+    EXPECT_DEATH(out.u32AtIs(0, 1), "Assertion");
+    EXPECT_DEATH(out.sentInc(5), "Assertion 'count <= written\\(\\) - sent\\(\\)' failed");
+}
+
+}  // namespace

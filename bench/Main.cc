@@ -1,0 +1,15 @@
+#include "Row.h"
+
+int main(int argc, char** argv) {
+    Bench::addTextMaps();
+    Bench::addNumberMaps();
+    Bench::addScalars();
+    Bench::addDispatch();
+    Bench::addRows();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

@@ -9,7 +9,7 @@
 #
 #   qor_model_sources(<name> MODEL <file>... [OUT <folder>] [IMPORTS <folder>...])
 #
-# Only the sources: sets <name>_VALUES and <name>_ENTITIES to the .cc files of either sort, <name>_DIR to the folder that their
+# Only the sources: sets <name>_VALUES, <name>_ENTITIES and <name>_REGISTRY to the .cc files of each sort, <name>_DIR to the folder that their
 # headers are included from, and adds the target <name>, which makes them.
 
 function(qor_model_library target)
@@ -18,7 +18,8 @@ function(qor_model_library target)
         set(arg_TYPE STATIC)
     endif()
     qor_model_sources(${target}_model MODEL ${arg_MODEL} IMPORTS ${arg_IMPORTS})
-    add_library(${target} ${arg_TYPE} ${${target}_model_VALUES} ${${target}_model_ENTITIES})
+    add_library(${target} ${arg_TYPE} ${${target}_model_VALUES} ${${target}_model_ENTITIES}
+                                 ${${target}_model_REGISTRY})
     add_dependencies(${target} ${target}_model)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${${target}_model_DIR}>")
@@ -41,27 +42,29 @@ function(qor_model_sources name)
     set(models "")
     set(values "")
     set(entities "")
+    set(registry "")
     set(others "")
     foreach(file IN LISTS arg_MODEL)
         get_filename_component(file "${file}" ABSOLUTE)
         list(APPEND models "${file}")
-        qor_model_outputs("${file}" "${arg_OUT}" values entities others)
+        qor_model_outputs("${file}" "${arg_OUT}" values entities registry others)
     endforeach()
     # The compiler leaves alone what has not changed, so a stamp says that it has run.
     set(stamp "${CMAKE_CURRENT_BINARY_DIR}/${name}.stamp")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${models})
     add_custom_command(
         OUTPUT "${stamp}"
-        BYPRODUCTS ${values} ${entities} ${others}
+        BYPRODUCTS ${values} ${entities} ${registry} ${others}
         COMMAND ${compiler} --out "${arg_OUT}" ${imports} ${models}
         COMMAND "${CMAKE_COMMAND}" -E touch "${stamp}"
         DEPENDS ${compiler} ${models}
         COMMENT "modelc ${name}"
         VERBATIM)
     add_custom_target(${name} DEPENDS "${stamp}")
-    set_source_files_properties(${values} ${entities} ${others} PROPERTIES GENERATED ON)
+    set_source_files_properties(${values} ${entities} ${registry} ${others} PROPERTIES GENERATED ON)
     set(${name}_VALUES "${values}" PARENT_SCOPE)
     set(${name}_ENTITIES "${entities}" PARENT_SCOPE)
+    set(${name}_REGISTRY "${registry}" PARENT_SCOPE)
     set(${name}_DIR "${arg_OUT}" PARENT_SCOPE)
 endfunction()
 
@@ -78,9 +81,12 @@ endfunction()
 
 # What a description will be compiled to, told before the compiler is built: a class's files bear its name and stand in the
 # folder of its sort.
-function(qor_model_outputs model out values_out entities_out others_out)
+function(qor_model_outputs model out values_out entities_out registry_out others_out)
+    set(classes "")
+    set(wrapped "")
     set(values "${${values_out}}")
     set(entities "${${entities_out}}")
+    set(registry "${${registry_out}}")
     set(others "${${others_out}}")
     file(STRINGS "${model}" lines REGEX "^[ \t]*(unit|folder|enum|value|entity)[ \t]")
     foreach(line IN LISTS lines)
@@ -96,6 +102,10 @@ function(qor_model_outputs model out values_out entities_out others_out)
                 set(files "${out}/${values_folder}/${CMAKE_MATCH_2}")
                 list(APPEND values "${files}.cc")
             endif()
+            list(APPEND classes ${CMAKE_MATCH_2})
+            if(NOT CMAKE_MATCH_1 STREQUAL "enum")
+                list(APPEND wrapped ${CMAKE_MATCH_2})
+            endif()
             list(APPEND others "${files}.h")
         endif()
     endforeach()
@@ -105,8 +115,17 @@ function(qor_model_outputs model out values_out entities_out others_out)
         get_filename_component(folder "${out}/${values_folder}" DIRECTORY)
     endif()
     list(APPEND others "${folder}/${unit}List.h")
+    list(APPEND registry "${folder}/registry/${unit}Registration.cc")
+    list(APPEND others "${folder}/registry/${unit}Registration.h")
+    foreach(class IN LISTS classes)
+        list(APPEND others "${folder}/registry/${class}.h")
+    endforeach()
+    foreach(class IN LISTS wrapped)
+        list(APPEND registry "${folder}/registry/${class}.cc")
+    endforeach()
     set(${values_out} "${values}" PARENT_SCOPE)
     set(${entities_out} "${entities}" PARENT_SCOPE)
+    set(${registry_out} "${registry}" PARENT_SCOPE)
     set(${others_out} "${others}" PARENT_SCOPE)
 endfunction()
 
@@ -116,9 +135,9 @@ endfunction()
 function(vgw_model_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "MODEL;LINKS")
     qor_model_sources(${name}_model MODEL ${arg_MODEL})
-    add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES})
+    add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES} ${${name}_model_REGISTRY})
     add_dependencies(${name} ${name}_model)
     vgw_target_settings(${name})
     target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
-    target_link_libraries(${name} PUBLIC qor_model ${arg_LINKS})
+    target_link_libraries(${name} PUBLIC qor_generic ${arg_LINKS})
 endfunction()

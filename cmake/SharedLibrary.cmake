@@ -25,6 +25,8 @@ function(vgw_shared_library target)
     target_include_directories(${target} INTERFACE "$<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>")
     target_compile_features(${target} INTERFACE cxx_std_20)
     target_link_libraries(${target} PUBLIC ${arg_LINKS} PRIVATE Threads::Threads)
+    # The records of its types live as long as the process, so what they call must stay.
+    target_link_options(${target} PRIVATE -Wl,-z,nodelete)
     if(NOT VGW_SANITIZE AND NOT VGW_FUZZ)
         # A name that no object defines is found here, not by the first user.
         target_link_options(${target} PRIVATE -Wl,--no-undefined)

@@ -18,6 +18,9 @@ namespace Kelp {
 
 class KELP_EXPORT EthAddr {
   public:
+    /// The record of this type in the registry; never null.
+    static Qor::QorType* _fwkType();
+
     constexpr EthAddr() noexcept = default;
 
     // 00:00:5e:00:53:01 is (0x0000, 0x5e00, 0x5301).

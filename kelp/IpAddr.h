@@ -17,6 +17,9 @@ namespace Kelp {
 
 class KELP_EXPORT IpAddr {
   public:
+    /// The record of this type in the registry; never null.
+    static Qor::QorType* _fwkType();
+
     constexpr IpAddr() noexcept = default;
 
     // The word as it lies in memory in network byte order, like the `s_addr` of a socket address.

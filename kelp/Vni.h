@@ -18,6 +18,9 @@ class KELP_EXPORT Vni {
     static constexpr Qor::U32 min = 0;
     static constexpr Qor::U32 max = 0xFFFFFF;
 
+    /// The record of this type in the registry; never null.
+    static Qor::QorType* _fwkType();
+
     constexpr Vni() noexcept = default;
 
     // A number over max raises Qor::RangeException.

@@ -22,6 +22,7 @@ class Spelling {
     std::string setter() const { return name_ + "Is"; }
     std::string builder() const { return "new" + upper_; }
     std::string remover() const { return name_ + "Del"; }
+    std::string pendingReader() const { return "qor" + upper_ + "Pending"; }
     std::string allRemover() const { return name_ + "DelAll"; }
     std::string notifier() const { return name_ + "Notify"; }
     std::string count() const { return name_ + "s"; }

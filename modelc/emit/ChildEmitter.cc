@@ -24,12 +24,28 @@ std::string ChildEmitter::field() const { return fillIn("Qor::Ptr<$Target$> $fie
 
 std::string ChildEmitter::handlers() const { return fillIn("virtual void $handler$();\n"); }
 
+std::string ChildEmitter::forwards() const {
+    return fillIn(R"(
+void $handler$() override {
+    this->template forward<$Attr$>();
+}
+)");
+}
+
+std::string ChildEmitter::wrapperDefinitions() const {
+    return fillIn(R"(
+void $Class$::GenericIf_::$handler$() {
+    qorHeard($Attr$::id);
+}
+)");
+}
+
 std::string ChildEmitter::descriptor() const {
     return fillIn(R"(
 struct $Class$::$Attr$ : Qor::ChildAttribute<$Class$, $id$, $Target$> {
     static constexpr char const* name = "$name$";
     static auto& field(auto& entity) { return entity.$field$; }
-    static void tell(NotifieeConst& notifiee) { notifiee.$handler$(); }
+    static void tell(auto& hearer) { hearer.$handler$(); }
 };
 )");
 }

@@ -4,7 +4,11 @@
 #include <modelc/emit/EnumerationEmitter.h>
 #include <modelc/emit/Layout.h>
 #include <modelc/emit/ListEmitter.h>
+#include <modelc/emit/RegistrationEmitter.h>
+#include <modelc/emit/RegistryPlace.h>
 #include <modelc/emit/ValueEmitter.h>
+#include <modelc/emit/ValueWrapperEmitter.h>
+#include <modelc/emit/WrapperEmitter.h>
 
 namespace Modelc {
 namespace {
@@ -18,9 +22,18 @@ struct FilesOf {
 
     void operator()(Enumeration const* one) const {
         add(one->type->header, EnumerationEmitter(*one));
+        files.push_back({registryHeader(*one->unit, one->name), layout(wrapperHeader(*one))});
     }
-    void operator()(Value const* one) const { add(one->type->header, ValueEmitter(*one)); }
-    void operator()(Entity const* one) const { add(one->type->header, EntityEmitter(*one)); }
+    void operator()(Value const* one) const {
+        add(one->type->header, ValueEmitter(*one));
+        std::string const header = registryHeader(*one->unit, one->name);
+        files.push_back({header, layout(wrapperHeader(*one))});
+        files.push_back({sourceOf(header), layout(wrapperSource(*one))});
+    }
+    void operator()(Entity const* one) const {
+        add(one->type->header, EntityEmitter(*one));
+        add(registryHeader(*one->unit, one->name), WrapperEmitter(*one));
+    }
 
     template <typename Emitter>
     void add(std::string const& header, Emitter const& emitter) const {
@@ -34,7 +47,11 @@ struct FilesOf {
 std::vector<OutputFile> emit(Unit const& unit) {
     std::vector<OutputFile> result;
     for (Class const& one : unit.classes) std::visit(FilesOf{result}, one);
-    if (!unit.classes.empty()) result.push_back({listHeader(unit), layout(listText(unit))});
+    if (unit.classes.empty()) return result;
+    result.push_back({listHeader(unit), layout(listText(unit))});
+    RegistrationEmitter const registration(unit);
+    result.push_back({registrationHeader(unit), layout(registration.header())});
+    result.push_back({sourceOf(registrationHeader(unit)), layout(registration.source())});
     return result;
 }
 

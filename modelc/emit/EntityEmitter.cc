@@ -206,6 +206,10 @@ class $export$$Class$ : public $Parent$ {
     $notifierRoot$
     class NotifieeConst;
     class Notifiee;
+    class _Type;
+    class GenericIf_;
+    template <class N, class W>
+    class QorForward;
     $descriptorNames$
     using QorBase = $Base$;
     using QorAttributes = Qor::AttributeList<$descriptorList$>;
@@ -215,6 +219,10 @@ class $export$$Class$ : public $Parent$ {
 
     explicit $Class$($constructorParameter$);
     ~$Class$() override;
+
+    /// The run-time record of this class; never null.
+    static Qor::QorType* _fwkType();
+    Qor::QorType* fwkType() const override;
 
     $declarations$
 

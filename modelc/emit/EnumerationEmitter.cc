@@ -72,6 +72,8 @@ enum $Enum$ : Qor::U32 {
     $enumerators$
 };
 
+/// The run-time record of this type; never null.
+$export$Qor::QorType* _fwkType_$Enum$();
 $nameDoc$
 $export$Qor::String8 stringValue($Enum$ value);
 $numberDoc$
@@ -93,6 +95,7 @@ struct Qor::EnumTable<$FullEnum$> {
     static constexpr std::array<char const*, $count$> names{
         $names$
     };
+    static QorType* fwkType() { return $namespace$::_fwkType_$Enum$(); }
 };
 
 #endif

@@ -13,6 +13,13 @@ KeyedEmitter::KeyedEmitter(Entity const& entity, Attribute const& attribute,
     hole("keyName", keyName);
     hole("key", parameter(*attribute.key, keyName, unit()));
     hole("keyArgument", handedOn(*attribute.key, keyName));
+    hole("overridable", "");
+    if (attribute.isVirtual) {
+        hole("overridable", fillIn(R"(
+static void set(Entity& entity, Key const& key, Value const& value) { entity.$setter$(key, value); }
+static Value del(Entity& entity, Key const& key) { return entity.$remover$(key); }
+)"));
+    }
 }
 
 std::string KeyedEmitter::aliases() const {
@@ -44,6 +51,34 @@ virtual void $handler$();
 )");
 }
 
+std::string KeyedEmitter::forwards() const {
+    return fillIn(R"(
+void $handler$($key$) override {
+    this->template forward<$Attr$>($keyName$);
+}
+void $handler$() override {
+    this->template forwardWhole<$Attr$>();
+}
+auto& $pendingReader$() {
+    return this->$pending$;
+}
+)");
+}
+
+std::string KeyedEmitter::wrapperDefinitions() const {
+    return fillIn(R"(
+void $Class$::GenericIf_::$handler$($key$) {
+    qorHeardKey<$Attr$>($keyName$);
+}
+
+void $Class$::GenericIf_::$immediateHandler$() {}
+
+void $Class$::GenericIf_::$handler$() {
+    onAttribute($Attr$::id);
+}
+)");
+}
+
 std::string KeyedEmitter::pendingKey() const {
     return fillIn("Qor::PendingKey<$Key$> $pending$;\n");
 }
@@ -53,10 +88,13 @@ std::string KeyedEmitter::descriptor() const {
 struct $Class$::$Attr$ : $Base$ {
     static constexpr char const* name = "$name$";
     static auto& map(auto& entity) { return entity.$field$; }
-    static void tell(NotifieeConst& notifiee, Key const& key) { notifiee.$handler$(key); }
+    static void tell(auto& hearer, Key const& key) { hearer.$handler$(key); }
+    static void tellWhole(auto& hearer) { hearer.$handler$(); }
+    static auto& pending(auto& notifiee) { return notifiee.$pendingReader$(); }
     static void notify(Entity& entity, Key const& key, Qor::Ptr<Member> const& member) {
         entity.$notifier$(key, member);
     }
+    $overridable$
 };
 )");
 }

@@ -15,6 +15,8 @@ class KeyedEmitter : public MemberEmitter {
     std::string aliases() const override;
     std::string declarations() const override;
     std::string handlers() const override;
+    std::string forwards() const override;
+    std::string wrapperDefinitions() const override;
     std::string pendingKey() const override;
     std::string descriptor() const override;
     std::string definitions() const override;

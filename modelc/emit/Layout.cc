@@ -89,7 +89,15 @@ std::size_t joinShort(std::vector<std::string> const& lines, std::size_t at,
 std::string layout(std::string const& text) {
     std::vector<std::string> const lines = tidied(linesOf(text));
     std::vector<std::string> laid;
+    bool isLeftAlone = false;
     for (std::size_t at = 0; at < lines.size();) {
+        if (trimmed(lines[at]).starts_with("// clang-format ")) {
+            isLeftAlone = lines[at].ends_with("off");
+        }
+        if (isLeftAlone) {
+            laid.push_back(lines[at++]);
+            continue;
+        }
         if (std::size_t const joined = joinShort(lines, at, laid)) {
             at += joined;
             continue;

@@ -4,14 +4,10 @@
 #include <modelc/emit/Holes.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
+#include <modelc/emit/RegistryPlace.h>
 
 namespace Modelc {
 namespace {
-
-std::string parentFolder(std::string const& folder) {
-    std::size_t const at = folder.rfind('/');
-    return at == std::string::npos ? folder : folder.substr(0, at);
-}
 
 template <typename ClassPointer>
 std::string namesOf(Unit const& unit) {
@@ -25,11 +21,7 @@ std::string namesOf(Unit const& unit) {
 
 }  // namespace
 
-std::string listHeader(Unit const& unit) {
-    std::string const& folder =
-        unit.entitiesFolder.empty() ? unit.valuesFolder : unit.entitiesFolder;
-    return parentFolder(folder) + "/" + unit.name + "List.h";
-}
+std::string listHeader(Unit const& unit) { return unitFolder(unit) + "/" + unit.name + "List.h"; }
 
 std::string listText(Unit const& unit) {
     Includes includes;

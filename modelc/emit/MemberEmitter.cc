@@ -41,6 +41,7 @@ MemberEmitter::MemberEmitter(Entity const& entity, std::string const& name, Doc 
         {"MemberIterator", spelling_.memberIteratorClass()},
         {"Attr", spelling_.descriptor()},
         {"pending", spelling_.pendingField()},
+        {"pendingReader", spelling_.pendingReader()},
     };
 }
 

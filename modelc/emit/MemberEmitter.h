@@ -39,6 +39,10 @@ class MemberEmitter {
     virtual std::string inlineDefinitions() const { return {}; }
     virtual std::string definitions() const { return {}; }
     virtual std::string handlerDefinitions() const { return {}; }
+    // A forwarding notifiee: the overrides of the handlers, and the keys that wait made readable.
+    virtual std::string forwards() const { return {}; }
+    // What the generic wrapper does when it is told.
+    virtual std::string wrapperDefinitions() const { return {}; }
     // Headers that the declarations need.
     virtual std::vector<std::string> headers() const = 0;
 

@@ -11,6 +11,9 @@ OperationEmitter::OperationEmitter(Entity const& entity, Operation const& operat
     hole("before", operation.isStatic ? "static " : isIntroduced ? "virtual " : "");
     hole("Result", operation.result == nullptr ? "void" : typeText(*operation.result, unit()));
     hole("parameters", parameters());
+    hole("ArgumentTypes", argumentTypes());
+    hole("arguments", std::to_string(operation.arguments.size()));
+    hole("argumentNames", argumentNames());
     hole("const", operation.isConst ? " const" : "");
     hole("override", operation.overrides ? " override" : "");
 }
@@ -31,6 +34,23 @@ std::string OperationEmitter::parameters() const {
     return result;
 }
 
+std::string OperationEmitter::argumentTypes() const {
+    std::string result;
+    for (Argument const& argument : operation_.arguments) {
+        bool const isEntity = argument.type->kind == TypeKind::entity;
+        result += ", " + typeText(*argument.type, unit()) + (isEntity ? "::PtrConst" : "");
+    }
+    return result;
+}
+
+std::string OperationEmitter::argumentNames() const {
+    std::string result;
+    for (Argument const& argument : operation_.arguments) {
+        result += (result.empty() ? "\"" : ", \"") + argument.name + "\"";
+    }
+    return result;
+}
+
 std::string OperationEmitter::descriptorName() const {
     return operation_.overrides ? std::string() : MemberEmitter::descriptorName();
 }
@@ -45,8 +65,10 @@ $before$$Result$ $name$($parameters$)$const$$override$;
 std::string OperationEmitter::descriptor() const {
     if (operation_.overrides) return {};
     return fillIn(R"(
-struct $Class$::$Attr$ : Qor::OperationAttribute<$Class$, $id$> {
+struct $Class$::$Attr$ : Qor::OperationAttribute<$Class$, $id$$ArgumentTypes$> {
     static constexpr char const* name = "$name$";
+    static constexpr std::array<char const*, $arguments$> argumentNames{$argumentNames$};
+    static auto call(auto& entity, auto const&... given) { return entity.$name$(given...); }
 };
 )");
 }

@@ -17,6 +17,8 @@ class OperationEmitter : public MemberEmitter {
 
   private:
     std::string parameters() const;
+    std::string argumentTypes() const;
+    std::string argumentNames() const;
 
     Operation const& operation_;
 };

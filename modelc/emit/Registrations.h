@@ -36,20 +36,32 @@ enum class FlagClass : std::uint8_t {
 
 std::string flagClassName(FlagClass flags);
 
+// A type as the registry has it: its full name, void* for an operation without a result, and the
+// C++ function that gives its record. Both empty for no type.
+struct RegisteredType {
+    std::string name;
+    std::string record;
+};
+
 struct Registration {
     std::string name;
     std::uint32_t id = 0;
-    std::string
-        valueType;  // full names as the registry has them; void* for an operation without a result
-    std::string keyType;  // empty for what is no collection
+    RegisteredType valueType;
+    RegisteredType keyType;  // none for what is no collection
     FlagClass flags = FlagClass::scalar;
-    std::vector<std::pair<std::string, std::string>>
-        arguments;  // name, type; any make the row one of attrIs
+    // Name, type; any make the row one of attrIs.
+    std::vector<std::pair<std::string, std::string>> arguments = {};
 };
 
 std::vector<Registration> registrations(Enumeration const& enumeration);
 std::vector<Registration> registrations(Value const& value);
 std::vector<Registration> registrations(Entity const& entity);
+
+// What gives the record of a type, and what of an enumeration.
+std::string recordOf(Type const& type);
+
+// The attributes of an entity that handles are kept to, in order.
+std::vector<std::string> handleNames(Entity const& entity);
 
 // All rows of a unit's classes, for people and for tests.
 std::string registrationText(Unit const& unit);

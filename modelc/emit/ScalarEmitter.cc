@@ -12,6 +12,12 @@ ScalarEmitter::ScalarEmitter(Entity const& entity, Attribute const& attribute)
     hole("argument", handedOn(*attribute.type, attribute.name));
     hole("initializer", initializer(*attribute.type, attribute.initial, unit()));
     hole("virtual", attribute.isVirtual ? "virtual " : "");
+    hole("overridable", "");
+    if (attribute.isVirtual) {
+        hole("overridable", fillIn(R"(
+static void set(Entity& entity, Value const& value) { entity.$setter$(value); }
+)"));
+    }
 }
 
 std::string ScalarEmitter::declarations() const {
@@ -26,12 +32,29 @@ std::string ScalarEmitter::field() const { return fillIn("$Type$ $field$$initial
 
 std::string ScalarEmitter::handlers() const { return fillIn("virtual void $handler$();\n"); }
 
+std::string ScalarEmitter::forwards() const {
+    return fillIn(R"(
+void $handler$() override {
+    this->template forward<$Attr$>();
+}
+)");
+}
+
+std::string ScalarEmitter::wrapperDefinitions() const {
+    return fillIn(R"(
+void $Class$::GenericIf_::$handler$() {
+    qorHeard($Attr$::id);
+}
+)");
+}
+
 std::string ScalarEmitter::descriptor() const {
     return fillIn(R"(
 struct $Class$::$Attr$ : Qor::ScalarAttribute<$Class$, $id$, $Type$> {
     static constexpr char const* name = "$name$";
     static auto& field(auto& entity) { return entity.$field$; }
-    static void tell(NotifieeConst& notifiee) { notifiee.$handler$(); }
+    static void tell(auto& hearer) { hearer.$handler$(); }
+    $overridable$
 };
 )");
 }

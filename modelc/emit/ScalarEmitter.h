@@ -13,6 +13,8 @@ class ScalarEmitter : public MemberEmitter {
     std::string declarations() const override;
     std::string field() const override;
     std::string handlers() const override;
+    std::string forwards() const override;
+    std::string wrapperDefinitions() const override;
     std::string descriptor() const override;
     std::string inlineDefinitions() const override;
     std::string definitions() const override;

@@ -16,11 +16,17 @@ namespace $namespace$ {
 $doc$
 class $export$$Value$ {
   public:
+    class _Type;
+    class GenericIf_;
     $descriptorNames$
     using QorFields = Qor::FieldList<$descriptorList$>;
     static constexpr char const* qorTypeName = "$fullName$";
     static constexpr char const* qorShortName = "$Value$";
     $orderedByHash$
+
+    /// The run-time record of this type; never null.
+    static Qor::QorType* _fwkType();
+    Qor::QorType* fwkType() const { return _fwkType(); }
 
     $Value$() = default;
     $fieldConstructor$

@@ -2,6 +2,7 @@
 #define QOR_CORE_NAME_H
 
 #include <qor/core/String8.h>
+#include <qor/core/Types.h>
 
 namespace Qor {
 
@@ -14,6 +15,9 @@ class QOR_EXPORT Name : public String8 {
     constexpr Name() noexcept = default;
     Name(String8 const& text) noexcept : String8(text) {}
     Name(String8&& text) noexcept : String8(std::move(text)) {}
+
+    /// The record of this type; never null.
+    static QorType* _fwkType();
 };
 
 }  // namespace Qor

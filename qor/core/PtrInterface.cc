@@ -4,6 +4,8 @@ namespace Qor {
 
 constinit std::atomic<PtrInterface::WeakWatchersEnd> PtrInterface::weakWatchersEnd{nullptr};
 
+QorType* PtrInterface::fwkType() const { return nullptr; }
+
 PtrInterface::~PtrInterface() { tellWeakWatchers(); }
 
 void PtrInterface::tellWeakWatchers() const noexcept {

@@ -39,6 +39,10 @@ class QOR_EXPORT PtrInterface {
     virtual void isNondestructingIs(bool isNondestructing);
     /// Called once with true when the last reference has gone.
     virtual void zeroReferencesIs(bool zeroReferences);
+    /// The run-time record of the object's class; null for one that has none.
+    virtual QorType* fwkType() const;
+    /// The record of this class; never null.
+    static QorType* _fwkType();
     virtual ~PtrInterface();
 
     bool isNondestructing() const noexcept { return (word() >> 24) == nondestructingByte; }

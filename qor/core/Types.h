@@ -20,6 +20,9 @@ using AttributeId = I32;
 /// A point in time or a span, in seconds.
 using Seconds = double;
 
+/// The run-time record of a type: <qor/registry/QorType.h>.
+class QorType;
+
 }  // namespace Qor
 
 #endif

@@ -22,6 +22,10 @@ class QOR_EXPORT Entity : public VFPtrInterface {
     explicit Entity(Name name);
     ~Entity() override;
 
+    /// The record of this class, built on first use; never null.
+    static QorType* _fwkType();
+    QorType* fwkType() const override;
+
     /// The entity's name; empty for one that is known by something else.
     virtual Name name() const;
     /// The owning entity, or null.

@@ -4,12 +4,18 @@
 //   name                     the attribute's name
 //   field(entity)            the field of a scalar, a constructor attribute or a single child
 //   map(entity)              the map of a keyed attribute
-//   tell(notifiee[, key])    calls the attribute's handler
+//   tell(hearer[, key])      calls the attribute's handler, of a notifiee or of who stands for one
+//   tellWhole(hearer)        of a keyed attribute: calls the handler for it as a whole
+//   pending(notifiee)        of a keyed attribute: the keys that wait for delivery
+//   set, del                 the operations, where a derived class can override them
 //   notify(entity, key, m)   calls the attribute's aNotify operation, of a keyed attribute
 //
 // A class lists its own descriptors, in the order of their ids, as QorAttributes.
 #ifndef QOR_MODEL_ATTRIBUTE_H
 #define QOR_MODEL_ATTRIBUTE_H
+
+#include <array>
+#include <tuple>
 
 #include <qor/collections/HashMap.h>
 #include <qor/collections/Members.h>
@@ -81,8 +87,11 @@ struct ChildAttribute : AttributeBase<E, n, AttributeKind::child> {
     using Value = Ptr<X>;
 };
 
-template <class E, AttributeId n>
-struct OperationAttribute : AttributeBase<E, n, AttributeKind::operation> {};
+/// Its descriptor also has argumentNames, and call(entity, arguments...).
+template <class E, AttributeId n, class... Argument>
+struct OperationAttribute : AttributeBase<E, n, AttributeKind::operation> {
+    using Arguments = std::tuple<Argument...>;
+};
 
 /// The own attributes of a class, in the order of their ids.
 template <class... A>
@@ -93,13 +102,13 @@ struct AttributeList {
         (visit.template operator()<A>(), ...);
     }
     /// The name of the attribute with that id, or null.
-    static constexpr char const* nameOf(AttributeId id) noexcept {
+    static constexpr char const* nameOf([[maybe_unused]] AttributeId id) noexcept {
         char const* found = nullptr;
         static_cast<void>(((A::id == id ? (found = A::name, true) : false) || ...));
         return found;
     }
     /// Whether the attribute with that id is keyed.
-    static constexpr bool isKeyed(AttributeId id) noexcept {
+    static constexpr bool isKeyed([[maybe_unused]] AttributeId id) noexcept {
         return ((A::id == id && A::isKeyed) || ...);
     }
 };

@@ -9,5 +9,6 @@
 #include <qor/model/Owned.h>
 #include <qor/model/Reference.h>
 #include <qor/model/Scalar.h>
+#include <qor/model/SetAttribute.h>
 
 #endif

@@ -13,7 +13,8 @@
 
 namespace Qor {
 
-/// Specialised for each enumeration: `type`, its name, and `names`, its enumerators' in order.
+/// Specialised for each enumeration: `type`, its name, `names`, its enumerators' in order, and
+/// `fwkType()`, the record of the type.
 template <class E>
 struct EnumTable;
 

@@ -17,6 +17,10 @@ class QOR_EXPORT Dir : public Entity {
     class NotifieeConst;
     class Notifiee;
     class QorEntry;
+    class _Type;       // <qor/generic/Dir.h>
+    class GenericIf_;  // the same
+    template <class N, class W>
+    class QorForward;
     struct EntryAttr;
     using QorBase = Entity;
     using QorAttributes = AttributeList<EntryAttr>;
@@ -35,6 +39,9 @@ class QOR_EXPORT Dir : public Entity {
 
     explicit Dir(Name name);
     ~Dir() override;
+
+    static QorType* _fwkType();
+    QorType* fwkType() const override;
 
     /// The entity of that name, or null.
     Qor::Ptr<Entity> entry(Name const& name) const;
@@ -128,7 +135,11 @@ struct Dir::EntryAttr : AttributeBase<Dir, 258, AttributeKind::refMap> {
     static constexpr char const* name = "entry";
     static auto& map(auto& dir) { return dir.entry_; }
     static Value const& valueOf(Member const& member) noexcept { return member.value(); }
-    static void tell(NotifieeConst& notifiee, Key const& key) { notifiee.onEntry(key); }
+    static void tell(auto& hearer, Key const& key) { hearer.onEntry(key); }
+    static void tellWhole(auto& hearer) { hearer.onEntry(); }
+    static auto& pending(auto& notifiee) { return notifiee.qorEntryPending(); }
+    static void set(Dir& dir, Key const& key, Value const& value) { dir.entryIs(key, value); }
+    static Value del(Dir& dir, Key const& key) { return dir.entryDel(key); }
     static void notify(Entity& dir, Key const& key, Qor::Ptr<Member> const& member) {
         dir.entryNotify(key, member);
     }

@@ -26,9 +26,7 @@ struct FilesOf {
     }
     void operator()(Value const* one) const {
         add(one->type->header, ValueEmitter(*one));
-        std::string const header = registryHeader(*one->unit, one->name);
-        files.push_back({header, layout(wrapperHeader(*one))});
-        files.push_back({sourceOf(header), layout(wrapperSource(*one))});
+        files.push_back({registryHeader(*one->unit, one->name), layout(wrapperHeader(*one))});
     }
     void operator()(Entity const* one) const {
         add(one->type->header, EntityEmitter(*one));

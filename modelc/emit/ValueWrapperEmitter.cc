@@ -5,7 +5,6 @@
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 #include <modelc/emit/RegistryPlace.h>
-#include <modelc/emit/TypeText.h>
 
 namespace Modelc {
 namespace {
@@ -81,9 +80,7 @@ class $export$$Class$::GenericIf_ : public Qor::ValueWrapper<$Class$, $Class$::G
 /// What the record of $Class$ can do.
 class $export$$Class$::_Type : public Qor::ValueType<$Class$, $Class$::GenericIf_> {
   public:
-    using ValueType::genericIf;
     using ValueType::ValueType;
-    Qor::Ptr<Qor::GenericIf> genericIf(Qor::GenericIf const* arguments, bool isConst) override;
 };
 
 }  // namespace $namespace$
@@ -92,30 +89,6 @@ class $export$$Class$::_Type : public Qor::ValueType<$Class$, $Class$::GenericIf
 )",
                 with(commonHoles(value),
                      {{"rows", memberRows(value)}, {"count", std::to_string(memberCount(value))}}));
-}
-
-std::string wrapperSource(Value const& value) {
-    std::string types;
-    std::string names;
-    for (ValueField const& field : value.fields) {
-        bool const isFirst = types.empty();
-        types += (isFirst ? "" : ", ") + typeText(*field.type, *value.unit);
-        names += (isFirst ? "\"" : ", \"") + field.name + "\"";
-    }
-    return fill(R"(
-$origin$
-#include <$header$>
-
-namespace $namespace$ {
-
-Qor::Ptr<Qor::GenericIf> $Class$::_Type::genericIf(Qor::GenericIf const* arguments, bool) {
-    auto const make = [](auto const&... given) { return $Class$(given...); };
-    return Qor::constructed<$types$>(arguments, "$Class$", {$names$}, make);
-}
-
-}  // namespace $namespace$
-)",
-                with(commonHoles(value), {{"types", types}, {"names", names}}));
 }
 
 std::string wrapperHeader(Enumeration const& enumeration) {

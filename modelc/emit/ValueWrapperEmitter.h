@@ -10,7 +10,6 @@
 namespace Modelc {
 
 std::string wrapperHeader(Value const& value);
-std::string wrapperSource(Value const& value);
 std::string wrapperHeader(Enumeration const& enumeration);
 
 }  // namespace Modelc

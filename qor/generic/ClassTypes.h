@@ -4,12 +4,14 @@
 #define QOR_GENERIC_CLASS_TYPES_H
 
 #include <array>
-#include <utility>
+#include <tuple>
+#include <type_traits>
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/core/ValidPtr.h>
 #include <qor/generic/GenericList.h>
 #include <qor/generic/ValueWrapper.h>
+#include <qor/model/ValueText.h>
 #include <qor/registry/TypeUnit.h>
 #include <qor/tree/EntityPath.h>
 
@@ -51,41 +53,51 @@ class EntityType : public QorType {
     }
 };
 
+/// Calls `construct` with the arguments that the list holds, in their order and by these names;
+/// `type` is the short name of what is made. The wrapper over the result may be written.
+template <class... Argument, class Construct>
+GenericIf::Ptr constructed(GenericIf const* list, char const* type,
+                           std::array<char const*, sizeof...(Argument)> const& names,
+                           Construct construct) {
+    GenericArguments given(list);
+    [[maybe_unused]] std::size_t at = 0;
+    // Braces, so that the arguments are taken in their order.
+    [[maybe_unused]] auto const read = [&]<class T>(std::type_identity<T>) {
+        char const* const name = names[at++];
+        return argument<T>(given.next(name).ptr(), name);
+    };
+    std::tuple<Argument...> const arguments{read(std::type_identity<Argument>())...};
+    given.end(type);
+    return wrapped(std::apply(construct, arguments), false);
+}
+
+/// The same of a value: its constructor takes its fields.
+template <class V, class... Field>
+GenericIf::Ptr constructedValue(GenericIf const* list, FieldList<Field...>) {
+    return constructed<typename Field::Type...>(list, V::qorShortName, {Field::name...},
+                                                [](auto const&... field) { return V(field...); });
+}
+
 /// A value, or an enumeration; `Wrapper` is its GenericIf_.
 template <class V, class Wrapper>
 class ValueType : public QorType {
   public:
-    using QorType::genericIf;
     using QorType::QorType;
 
     Qor::Ptr<GenericIf> genericIf(void const* value, bool isConst) override {
         return make<Wrapper>(value ? *static_cast<V const*>(value) : V(), isConst);
     }
+    Qor::Ptr<GenericIf> genericIf(GenericIf const* arguments, bool isConst) override {
+        if constexpr (requires { typename V::QorFields; }) {
+            return constructedValue<V>(arguments, typename V::QorFields());
+        } else {
+            return QorType::genericIf(arguments, isConst);
+        }
+    }
     Qor::Ptr<GenericIf> genericIfFromStrep(String8 const& text, bool isConst) override {
         return make<Wrapper>(strepToValue<V>(text), isConst);
     }
 };
-
-/// Calls `construct` with the arguments that the list holds, in their order and by these names;
-/// `type` is the short name of what is made. The wrapper over the result may be written.
-template <class... Argument, class Construct, std::size_t... i>
-GenericIf::Ptr constructed(GenericIf const* list, char const* type,
-                           std::array<char const*, sizeof...(Argument)> const& names,
-                           Construct construct, std::index_sequence<i...>) {
-    GenericArguments given(list);
-    std::tuple<Argument...> const arguments{
-        argument<Argument>(given.next(names[i]).ptr(), names[i])...};
-    given.end(type);
-    return wrapped(construct(std::get<i>(arguments)...), false);
-}
-
-template <class... Argument, class Construct>
-GenericIf::Ptr constructed(GenericIf const* list, char const* type,
-                           std::array<char const*, sizeof...(Argument)> const& names,
-                           Construct construct) {
-    return constructed<Argument...>(list, type, names, construct,
-                                    std::index_sequence_for<Argument...>());
-}
 
 }  // namespace Qor
 

@@ -20,11 +20,12 @@ struct NondestructingTold {
 template <class N, class W>
 class ForwardingNotifiee : public N {
   public:
-    explicit ForwardingNotifiee(W* owner) : owner_(owner) {}
+    /// `owner` is a W, or is about to become one: a level's adapter is made before the level.
+    explicit ForwardingNotifiee(GenericIfEntity* owner) : owner_(owner) {}
 
     /// Null once the wrapper has gone: what is heard then goes nowhere.
-    W* owner() const noexcept { return owner_; }
-    void ownerIs(W* owner) noexcept { owner_ = owner; }
+    GenericIfEntity* owner() const noexcept { return owner_; }
+    void ownerIs(GenericIfEntity* owner) noexcept { owner_ = owner; }
 
     void onZeroReferences() override {
         toOwner([](W& owner) { owner.onZeroReferences(); });
@@ -39,8 +40,8 @@ class ForwardingNotifiee : public N {
 
     template <class Told>
     void toOwner(Told&& told) {
-        if (Ptr<W> const held{owner_}) {
-            told(*held);
+        if (Ptr<GenericIfEntity> const held{owner_}) {
+            told(static_cast<W&>(*held));
         }
     }
     template <class A>
@@ -57,15 +58,14 @@ class ForwardingNotifiee : public N {
     }
 
   private:
-    W* owner_;
+    GenericIfEntity* owner_;
 };
 
 template <class X, class Base>
 class EntityWrapper : public Base {
   public:
     EntityWrapper(Ptr<Entity> const& entity, bool isConst) : Base(entity, isConst) {
-        auto* const wrapper = static_cast<typename X::GenericIf_*>(this);
-        auto adapter = make<typename X::GenericIf_::GenericIf_Adapter_>(wrapper);
+        auto adapter = make<typename X::GenericIf_::GenericIf_Adapter_>(this);
         adapter->notifierIs(Ptr<PtrInterface const>(entity));
         Base::qorAdapterRegisteredIs(false);
         adapter_ = std::move(adapter);

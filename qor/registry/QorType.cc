@@ -69,10 +69,14 @@ bool QorType::isA(QorType const& other) const noexcept {
     return at != nullptr;
 }
 
+// A key's bytes are those of its record's own name, so the old key goes before the name changes.
 void QorType::typeNodeIs(QorType* type, Name const& fullName) {
-    type->fullName_ = fullName;
+    auto const old = published().find(type->fullName_.view());
+    if (old != published().end() && old->second == type) {
+        published().erase(old);
+    }
     published().erase(fullName.view());
-    // The key's bytes are those of the record's own name, which lives as long.
+    type->fullName_ = fullName;
     published().emplace(type->fullName_.view(), type);
 }
 

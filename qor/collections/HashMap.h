@@ -8,6 +8,8 @@
 #ifndef QOR_COLLECTIONS_HASH_MAP_H
 #define QOR_COLLECTIONS_HASH_MAP_H
 
+#include <utility>
+
 #include <qor/collections/HashMapGeneric.h>
 #include <qor/collections/HashMapKey.h>
 #include <qor/core/Assert.h>
@@ -35,6 +37,18 @@ class HashMapVTable final : public HashMapVTableGeneric {
         for (auto* at = static_cast<Member*>(first); at; at = at->fwkHmNext()) {
             PtrInterface*& head = heads[HashMapGeneric::bucketIndex(at->fwkHash(), count)];
             head = head ? head : at;
+        }
+    }
+    void cut(PtrInterface* first, U32 bit, PtrInterface** heads) const override {
+        auto* at = static_cast<Member*>(first);
+        Member* last = nullptr;
+        while (at && (at->fwkHash() & bit) == 0) {
+            last = std::exchange(at, at->fwkHmNext());
+        }
+        heads[0] = last ? first : nullptr;
+        heads[1] = at;
+        if (at && last) {
+            last->fwkHmNextIs(nullptr);
         }
     }
 

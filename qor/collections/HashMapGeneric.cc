@@ -12,12 +12,9 @@ constexpr U32 mostBuckets = U32{1} << 31;
 
 std::size_t arrayBytes(U32 count) { return std::size_t{count} * sizeof(PtrInterface*); }
 
+// As they come.
 PtrInterface** newBuckets(U32 count) noexcept {
-    auto** out = static_cast<PtrInterface**>(memNewOrNull(arrayBytes(count)));
-    if (out) {
-        std::fill_n(out, count, nullptr);
-    }
-    return out;
+    return static_cast<PtrInterface**>(memNewOrNull(arrayBytes(count)));
 }
 
 }  // namespace
@@ -25,6 +22,7 @@ PtrInterface** newBuckets(U32 count) noexcept {
 HashMapGeneric::HashMapGeneric(U32 bucketCount) : single_(nullptr) {
     if (bucketCount > 1) {
         if (PtrInterface** array = newBuckets(bucketCount)) {
+            std::fill_n(array, bucketCount, nullptr);
             array_ = array;
             bucketCount_ = bucketCount;
         }
@@ -94,6 +92,7 @@ void HashMapGeneric::grow(HashMapVTableGeneric const& table) noexcept {
     }
     if (isOneChain(count)) {
         I32 first = -1;
+        std::fill_n(fresh, count, nullptr);
         table.headsOf(findNextBucketG(&first), fresh, count);
     } else if (isOneChain()) {
         layChains(table, fresh, count);
@@ -107,19 +106,12 @@ void HashMapGeneric::grow(HashMapVTableGeneric const& table) noexcept {
 void HashMapGeneric::cutChains(HashMapVTableGeneric const& table, PtrInterface** fresh) noexcept {
     U32 const bit = mostBuckets >> std::countr_zero(bucketCount_);
     for (U32 i = 0; i < bucketCount_; ++i) {
-        PtrInterface* last = nullptr;
-        PtrInterface* at = buckets()[i];
         fetchAhead(i);
-        fresh[2 * i] = at;
-        while (at && (table.hash(at) & bit) == 0) {
-            last = at;
-            at = table.next(at);
-        }
-        fresh[2 * i + 1] = at;
-        if (at && last) {
-            table.setNext(last, nullptr);
-        } else if (at) {
-            fresh[2 * i] = nullptr;
+        PtrInterface** const heads = fresh + 2 * std::size_t{i};
+        if (array_[i]) {
+            table.cut(array_[i], bit, heads);
+        } else {
+            heads[0] = heads[1] = nullptr;
         }
     }
 }
@@ -128,6 +120,7 @@ void HashMapGeneric::cutChains(HashMapVTableGeneric const& table, PtrInterface**
 // chains go on, and cut off where they don't.
 void HashMapGeneric::layChains(HashMapVTableGeneric const& table, PtrInterface** fresh,
                                U32 count) noexcept {
+    std::fill_n(fresh, count, nullptr);
     PtrInterface* last = nullptr;
     I32 walked = -1;
     PtrInterface* at = findNextBucketG(&walked);

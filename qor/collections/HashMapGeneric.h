@@ -38,6 +38,9 @@ class HashMapVTableGeneric {
     /// Stores the first member of each of `count` buckets, all null so far, of the chain that
     /// begins with `first`.
     virtual void headsOf(PtrInterface* first, PtrInterface** heads, U32 count) const = 0;
+    /// Cuts a chain in front of the first member whose hash has the bit `bit`; stores the heads of
+    /// both parts, either of which may be null.
+    virtual void cut(PtrInterface* first, U32 bit, PtrInterface** heads) const = 0;
 
   protected:
     ~HashMapVTableGeneric() = default;

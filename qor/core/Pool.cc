@@ -128,9 +128,15 @@ class Arena {
         piece_ += bytes;
         left_ -= bytes;
     }
-    bool refill() noexcept {
+    // Large pieces are whole large pages.
+    std::size_t pieceSize() const noexcept {
         std::size_t const size = std::clamp(fromSystem() / pieceShare, leastPiece, mostPiece);
-        void* const piece = withLargePages(::operator new(size, std::nothrow), size);
+        return size < largePage ? size : size / largePage * largePage;
+    }
+    bool refill() noexcept {
+        std::size_t const size = pieceSize();
+        std::align_val_t const alignment{size < largePage ? cacheLine : largePage};
+        void* const piece = withLargePages(::operator new(size, alignment, std::nothrow), size);
         if (!piece) {
             return false;
         }

@@ -1,12 +1,14 @@
 // An ordered intrusive map: members stand in ascending (reversed hash, key) order in and across
 // buckets. The link lives in the member, so linking never allocates. A member is in one map at a
-// time. The map holds a reference on each member; an iterator holds its member too, so it survives
-// insertion, removal and growth, and meets each member that stays exactly once. An iterator must
-// not outlive its map. Not thread-safe.
+// time. The map holds a reference on each member, and an iterator keeps the member that it stands
+// on when that is removed: so it survives insertion, removal, growth and the end of the map, and
+// meets each member that stays exactly once. Not thread-safe.
 //
 // REQUIRES of Member: fwkKey() the key, fwkHash() its reversed hash, fwkHmNext() and fwkHmNextIs().
 #ifndef QOR_COLLECTIONS_HASH_MAP_H
 #define QOR_COLLECTIONS_HASH_MAP_H
+
+#include <utility>
 
 #include <qor/collections/HashMapGeneric.h>
 #include <qor/collections/HashMapKey.h>
@@ -30,6 +32,24 @@ class HashMapVTable final : public HashMapVTableGeneric {
     }
     PtrInterface* next(PtrInterface const* member) const override {
         return of(member)->fwkHmNext();
+    }
+    void headsOf(PtrInterface* first, PtrInterface** heads, U32 count) const override {
+        for (auto* at = static_cast<Member*>(first); at; at = at->fwkHmNext()) {
+            PtrInterface*& head = heads[HashMapGeneric::bucketIndex(at->fwkHash(), count)];
+            head = head ? head : at;
+        }
+    }
+    void cut(PtrInterface* first, U32 bit, PtrInterface** heads) const override {
+        auto* at = static_cast<Member*>(first);
+        Member* last = nullptr;
+        while (at && (at->fwkHash() & bit) == 0) {
+            last = std::exchange(at, at->fwkHmNext());
+        }
+        heads[0] = last ? first : nullptr;
+        heads[1] = at;
+        if (at && last) {
+            last->fwkHmNextIs(nullptr);
+        }
     }
 
   private:
@@ -56,8 +76,20 @@ class HashMap : public HashMapGeneric {
     /// The member with that key, or null. Nothing is kept: the result is borrowed.
     Member* member(Key const& key) const { return member(key, KeyTraits::hash(key)); }
     Member* member(Key const& key, U32 hash) const {
-        Member* at = head(bucketIndex(hash));
-        while (at && !(at->fwkHash() == hash && at->fwkKey() == key)) {
+        if (isOneChain()) {
+            for (Member* at = head(bucketIndex(hash)); at; at = at->fwkHmNext()) {
+                U32 const other = at->fwkHash();
+                if (other == hash && (KeyTraits::hashIsKey || at->fwkKey() == key)) {
+                    return at;
+                }
+                if (other > hash) {  // and so are all that follow
+                    break;
+                }
+            }
+            return nullptr;
+        }
+        auto* at = static_cast<Member*>(manyBuckets()[bucketIndex(hash)]);
+        while (at && !(at->fwkHash() == hash && (KeyTraits::hashIsKey || at->fwkKey() == key))) {
             at = at->fwkHmNext();
         }
         return at;
@@ -89,12 +121,12 @@ class HashMap : public HashMapGeneric {
             before = at;
             at = at->fwkHmNext();
         }
-        t->fwkHmNextIs(at);
         t->qorNewRef();
         if (before) {
+            t->fwkHmNextIs(at);
             before->fwkHmNextIs(t.ptr());
         } else {
-            buckets()[bucket] = t.ptr();
+            linkHead(*t, hash, bucket, at);
         }
         linked();
         maybeGrowG(qorVTable());
@@ -111,14 +143,38 @@ class HashMap : public HashMapGeneric {
     }
     bool contains(Member const& member) const {
         Member const* at = head(bucketIndex(member.fwkHash()));
-        while (at && at != &member) {
+        while (at && at != &member && at->fwkHash() <= member.fwkHash()) {
             at = at->fwkHmNext();
         }
-        return at != nullptr;
+        return at == &member;
     }
 
   private:
     Member* head(U32 bucket) const { return static_cast<Member*>(buckets()[bucket]); }
+    // Makes `fresh` the head of a bucket whose head so far is `next`.
+    void linkHead(Member& fresh, U32 hash, U32 bucket, Member* next) {
+        if (isOneChain()) {
+            next = linkInChain(fresh, hash, bucket, next);
+        }
+        fresh.fwkHmNextIs(next);
+        buckets()[bucket] = &fresh;
+    }
+    // Links `fresh` behind the last member of the buckets in front; gives what follows it.
+    Member* linkInChain(Member& fresh, U32 hash, U32 bucket, Member* next) {
+        I32 const front = bucketBefore(bucket);
+        if (front < 0) {
+            auto behind = static_cast<I32>(bucket);
+            return next ? next : static_cast<Member*>(findNextBucketG(&behind));
+        }
+        Member* before = head(static_cast<U32>(front));
+        next = before->fwkHmNext();
+        while (next && next->fwkHash() < hash) {
+            before = next;
+            next = before->fwkHmNext();
+        }
+        before->fwkHmNextIs(&fresh);
+        return next;
+    }
     static bool goesBefore(Member const& fresh, U32 hash, Member const& at) {
         U32 const other = at.fwkHash();
         return hash < other || (hash == other && fresh.fwkKey() < at.fwkKey());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 namespace Qor {
 
@@ -11,12 +12,9 @@ constexpr U32 mostBuckets = U32{1} << 31;
 
 std::size_t arrayBytes(U32 count) { return std::size_t{count} * sizeof(PtrInterface*); }
 
+// As they come.
 PtrInterface** newBuckets(U32 count) noexcept {
-    auto** out = static_cast<PtrInterface**>(memNewOrNull(arrayBytes(count)));
-    if (out) {
-        std::fill_n(out, count, nullptr);
-    }
-    return out;
+    return static_cast<PtrInterface**>(memNewOrNull(arrayBytes(count)));
 }
 
 }  // namespace
@@ -24,6 +22,7 @@ PtrInterface** newBuckets(U32 count) noexcept {
 HashMapGeneric::HashMapGeneric(U32 bucketCount) : single_(nullptr) {
     if (bucketCount > 1) {
         if (PtrInterface** array = newBuckets(bucketCount)) {
+            std::fill_n(array, bucketCount, nullptr);
             array_ = array;
             bucketCount_ = bucketCount;
         }
@@ -31,17 +30,31 @@ HashMapGeneric::HashMapGeneric(U32 bucketCount) : single_(nullptr) {
 }
 
 HashMapGeneric::~HashMapGeneric() {
+    for (MapWalker* at = walkers_; at; at = at->next_) {
+        at->map_ = nullptr;
+    }
     if (bucketCount_ > 1) {
         memDel(array_, arrayBytes(bucketCount_));
     }
 }
 
-void HashMapGeneric::bucketsAre(PtrInterface** fresh, U32 count) noexcept {
+// A single head stands in the map itself.
+void HashMapGeneric::bucketsAre(HashMapVTableGeneric const& table, PtrInterface** fresh,
+                                U32 count) noexcept {
     if (bucketCount_ > 1) {
         memDel(array_, arrayBytes(bucketCount_));
     }
-    array_ = fresh;
     bucketCount_ = count;
+    if (count > 1) {
+        array_ = fresh;
+    } else {
+        single_ = *fresh;
+    }
+    for (MapWalker* at = walkers_; at; at = at->next_) {
+        if (at->current_ && !at->isLeft_) {
+            at->bucket_ = static_cast<I32>(bucketIndex(table.hash(at->current_)));
+        }
+    }
 }
 
 PtrInterface* HashMapGeneric::findNextG(HashMapVTableGeneric const& table,
@@ -55,44 +68,75 @@ PtrInterface* HashMapGeneric::findNextG(HashMapVTableGeneric const& table,
     *bucket = static_cast<I32>(bucketIndex(hash));
     for (PtrInterface* at = buckets()[*bucket]; at; at = table.next(at)) {
         U32 const other = table.hash(at);
-        if (at == current || (other == hash && table.keyEquals(key, at))) {
-            PtrInterface* next = table.next(at);
-            return next ? next : findNextBucketG(bucket);
-        }
-        if (other > hash || (other == hash && table.keyLessThan(key, at))) {
-            return at;
+        bool const isIts = at == current || (other == hash && table.keyEquals(key, at));
+        if (isIts || other > hash || (other == hash && table.keyLessThan(key, at))) {
+            PtrInterface* const found = isIts ? table.next(at) : at;
+            if (!found) {
+                break;
+            }
+            *bucket = static_cast<I32>(bucketIndex(table.hash(found)));
+            return found;
         }
     }
     return findNextBucketG(bucket);
 }
 
-void HashMapGeneric::maybeGrowG(HashMapVTableGeneric const& table) noexcept {
-    if (size_ <= bucketCount_ || bucketCount_ == mostBuckets) {
+void HashMapGeneric::grow(HashMapVTableGeneric const& table) noexcept {
+    if (bucketCount_ == mostBuckets) {
         return;
     }
-    U32 const count = bucketCount_ * 2;
+    U32 const count = bucketCount_ < leastBuckets ? leastBuckets : 2 * bucketCount_;
     PtrInterface** fresh = newBuckets(count);
     if (!fresh) {
         return;
     }
-    U32 const bit = mostBuckets >> std::countr_zero(bucketCount_);  // the hash bit that now counts
+    if (isOneChain(count)) {
+        I32 first = -1;
+        std::fill_n(fresh, count, nullptr);
+        table.headsOf(findNextBucketG(&first), fresh, count);
+    } else if (isOneChain()) {
+        layChains(table, fresh, count);
+    } else {
+        cutChains(table, fresh);
+    }
+    bucketsAre(table, fresh, count);
+}
+
+// Of twice as many buckets: each chain is cut in two where the hash bit that now counts is set.
+void HashMapGeneric::cutChains(HashMapVTableGeneric const& table, PtrInterface** fresh) noexcept {
+    U32 const bit = mostBuckets >> std::countr_zero(bucketCount_);
     for (U32 i = 0; i < bucketCount_; ++i) {
-        PtrInterface* last = nullptr;
-        PtrInterface* at = buckets()[i];
         fetchAhead(i);
-        fresh[2 * i] = at;
-        while (at && (table.hash(at) & bit) == 0) {
-            last = at;
-            at = table.next(at);
-        }
-        fresh[2 * i + 1] = at;
-        if (at && last) {
-            table.setNext(last, nullptr);
-        } else if (at) {
-            fresh[2 * i] = nullptr;
+        PtrInterface** const heads = fresh + 2 * std::size_t{i};
+        if (array_[i]) {
+            table.cut(array_[i], bit, heads);
+        } else {
+            heads[0] = heads[1] = nullptr;
         }
     }
-    bucketsAre(fresh, count);
+}
+
+// Of any other number of buckets: every member in turn, linked to the one before it where the new
+// chains go on, and cut off where they don't.
+void HashMapGeneric::layChains(HashMapVTableGeneric const& table, PtrInterface** fresh,
+                               U32 count) noexcept {
+    std::fill_n(fresh, count, nullptr);
+    PtrInterface* last = nullptr;
+    I32 walked = -1;
+    PtrInterface* at = findNextBucketG(&walked);
+    while (at) {
+        PtrInterface* const next = table.next(at);
+        auto const bucket = bucketIndex(table.hash(at), count);
+        bool const isHead = !fresh[bucket];
+        if (isHead) {
+            fresh[bucket] = at;
+        }
+        if (last) {
+            table.setNext(last, isHead && !isOneChain(count) ? nullptr : at);
+        }
+        last = at;
+        at = next ? next : headAfterG(&walked);
+    }
 }
 
 void HashMapGeneric::maybeShrinkG(HashMapVTableGeneric const& table) noexcept {
@@ -101,78 +145,89 @@ void HashMapGeneric::maybeShrinkG(HashMapVTableGeneric const& table) noexcept {
     }
     U32 count = bucketCount_;
     while (count > 1 && isSparse(count)) {
-        count /= 2;
+        count = count > leastBuckets ? count / 2 : 1;
     }
     PtrInterface* one = nullptr;
     PtrInterface** fresh = count == 1 ? &one : newBuckets(count);
     if (!fresh) {
         return;
     }
-    U32 const fold = bucketCount_ / count;
-    for (U32 i = 0; i < count; ++i) {
-        PtrInterface* last = nullptr;
-        for (U32 j = i * fold; j < (i + 1) * fold; ++j) {
-            if (PtrInterface* at = array_[j]) {
-                if (last) {
-                    table.setNext(last, at);
-                } else {
-                    fresh[i] = at;
-                }
-                while (at) {
-                    last = at;
-                    at = table.next(at);
-                }
-            }
-        }
-    }
-    if (count == 1) {
-        bucketsAre(nullptr, 1);
-        single_ = one;
-    } else {
-        bucketsAre(fresh, count);
-    }
+    layChains(table, fresh, count);
+    bucketsAre(table, fresh, count);
 }
 
+// `before` is the member in front in the same bucket.
 Ptr<PtrInterface> HashMapGeneric::unlink(HashMapVTableGeneric const& table, U32 bucket,
                                          PtrInterface* before, PtrInterface* member) {
     PtrInterface* const next = table.next(member);
     if (before) {
         table.setNext(before, next);
     } else {
-        buckets()[bucket] = next;
+        unlinkHead(table, bucket, member, next);
     }
     table.setNext(member, nullptr);
     --size_;
     ++version_;
+    if (walkers_) {
+        MapWalker::memberLeaves(walkers_, member);
+    }
     return adopt(member);  // the link's reference
+}
+
+void HashMapGeneric::unlinkHead(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* member,
+                                PtrInterface* next) {
+    if (!isOneChain()) {
+        buckets()[bucket] = next;
+        return;
+    }
+    buckets()[bucket] = next && bucketIndex(table.hash(next)) == bucket ? next : nullptr;
+    I32 const bucketInFront = bucketBefore(bucket);
+    if (bucketInFront < 0) {
+        return;
+    }
+    PtrInterface* before = buckets()[bucketInFront];
+    while (table.next(before) != member) {
+        before = table.next(before);
+    }
+    table.setNext(before, next);
 }
 
 Ptr<PtrInterface> HashMapGeneric::memberDelG(HashMapVTableGeneric const& table, U32 hash,
                                              void const* key) {
     U32 const bucket = bucketIndex(hash);
     PtrInterface* before = nullptr;
-    for (PtrInterface* at = buckets()[bucket]; at; before = at, at = table.next(at)) {
-        if (table.hash(at) == hash && table.keyEquals(key, at)) {
-            Ptr<PtrInterface> out = unlink(table, bucket, before, at);
-            maybeShrinkG(table);
-            return out;
+    PtrInterface* at = buckets()[bucket];
+    while (at && !(table.hash(at) == hash && table.keyEquals(key, at))) {
+        if (table.hash(at) > hash) {
+            return nullptr;
         }
+        before = std::exchange(at, table.next(at));
     }
-    return nullptr;
+    if (!at) {
+        return nullptr;
+    }
+    Ptr<PtrInterface> out = unlink(table, bucket, before, at);
+    maybeShrinkG(table);
+    return out;
 }
 
 bool HashMapGeneric::deleteMemberG(HashMapVTableGeneric const& table, U32 hash,
                                    PtrInterface* member) {
     U32 const bucket = bucketIndex(hash);
     PtrInterface* before = nullptr;
-    for (PtrInterface* at = buckets()[bucket]; at; before = at, at = table.next(at)) {
-        if (at == member) {
-            Ptr<PtrInterface> out = unlink(table, bucket, before, at);
-            maybeShrinkG(table);
-            return true;
+    PtrInterface* at = buckets()[bucket];
+    while (at && at != member) {
+        if (table.hash(at) > hash) {
+            return false;
         }
+        before = std::exchange(at, table.next(at));
     }
-    return false;
+    if (!at) {
+        return false;
+    }
+    Ptr<PtrInterface> out = unlink(table, bucket, before, at);
+    maybeShrinkG(table);
+    return true;
 }
 
 // A member that goes may end objects whose ends reach back into this map, add to it and change its

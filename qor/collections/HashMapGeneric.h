@@ -4,13 +4,19 @@
 // their number: this is the iteration order. Doubling cuts each chain in two and halving joins two
 // neighbours; neither reorders anything.
 //
+// While there are few buckets the chains are one: the last member of a bucket links to the first of
+// the next, so that a walk is that of a plain list. In larger maps each chain ends with its bucket,
+// since the end of the chain in front would be one more line of memory for an insertion to fetch.
+//
 // A link owns one reference on the member it points to. Each member in a map has exactly one link
 // to it, its predecessor's or its bucket's, so moving members between chains changes no count.
 // While there is one bucket, it stands in the map itself: an empty map owns no memory.
-// Not thread-safe.
+//
+// The map knows the iterators over it; see MapWalker. Not thread-safe.
 #ifndef QOR_COLLECTIONS_HASH_MAP_GENERIC_H
 #define QOR_COLLECTIONS_HASH_MAP_GENERIC_H
 
+#include <qor/collections/MapWalker.h>
 #include <qor/core/Export.h>
 #include <qor/core/Ptr.h>
 #include <qor/core/VFPtrInterface.h>
@@ -29,6 +35,12 @@ class HashMapVTableGeneric {
     /// it: the call itself changes no count.
     virtual void setNext(PtrInterface* member, PtrInterface* next) const = 0;
     virtual PtrInterface* next(PtrInterface const* member) const = 0;
+    /// Stores the first member of each of `count` buckets, all null so far, of the chain that
+    /// begins with `first`.
+    virtual void headsOf(PtrInterface* first, PtrInterface** heads, U32 count) const = 0;
+    /// Cuts a chain in front of the first member whose hash has the bit `bit`; stores the heads of
+    /// both parts, either of which may be null.
+    virtual void cut(PtrInterface* first, U32 bit, PtrInterface** heads) const = 0;
 
   protected:
     ~HashMapVTableGeneric() = default;
@@ -51,8 +63,9 @@ class QOR_EXPORT HashMapGeneric {
     void bulkDeleteIs(bool on) noexcept { bulkDelete_ = on ? 1 : 0; }
 
     /// The top bits of the hash, as many as count the buckets; with one bucket always 0.
-    U32 bucketIndex(U32 hash) const noexcept {
-        return static_cast<U32>(U64{hash} * bucketCount_ >> 32);
+    U32 bucketIndex(U32 hash) const noexcept { return bucketIndex(hash, bucketCount_); }
+    static U32 bucketIndex(U32 hash, U32 bucketCount) noexcept {
+        return static_cast<U32>(U64{hash} * bucketCount >> 32);
     }
 
     /// With `current` and `key` null the first member. Otherwise the first member after `key` in
@@ -62,19 +75,21 @@ class QOR_EXPORT HashMapGeneric {
                             I32* bucket, void const* key) const;
     /// Advances `bucket` to the next bucket that is not empty; its head, or null and -1.
     PtrInterface* findNextBucketG(I32* bucket) const noexcept {
-        for (U32 at = static_cast<U32>(*bucket + 1); at < bucketCount_; ++at) {
-            if (buckets()[at]) {
-                *bucket = static_cast<I32>(at);
-                fetchAhead(at);
-                return buckets()[at];
-            }
-        }
-        *bucket = -1;
-        return nullptr;
+        return nextHead(buckets(), bucket);
     }
-    /// Called after each insertion: doubles the buckets at more than one member a bucket. When
+    /// What follows the last member of a chain: the head of the next bucket that is not empty, or
+    /// null.
+    PtrInterface* headAfterG(I32* bucket) const noexcept {
+        return isOneChain() ? nullptr : nextHead(array_, bucket);
+    }
+    /// Called after each insertion: doubles the buckets at more than one member a bucket. A map of
+    /// up to four members makes do with one bucket, and the next one has eight. When
     /// there is no memory for more buckets the chains grow longer, and nothing is lost.
-    void maybeGrowG(HashMapVTableGeneric const& table) noexcept;
+    void maybeGrowG(HashMapVTableGeneric const& table) noexcept {
+        if (size_ > bucketCount_ && size_ > mostInOneBucket) [[unlikely]] {
+            grow(table);
+        }
+    }
     /// Called after removals: halves the buckets while less than a quarter of a member stands in
     /// each. Does nothing during bulk removal.
     void maybeShrinkG(HashMapVTableGeneric const& table) noexcept;
@@ -88,8 +103,23 @@ class QOR_EXPORT HashMapGeneric {
   protected:
     ~HashMapGeneric();
 
+    static constexpr U32 mostInOneBucket = 4;
+    static constexpr U32 leastBuckets = 8;  // beside one
+    static constexpr bool isOneChain(U32 bucketCount) noexcept { return bucketCount <= 16; }
+    bool isOneChain() const noexcept { return isOneChain(bucketCount_); }
+    /// Of a map that is one chain: the last bucket before `bucket` that is not empty, -1 if none.
+    I32 bucketBefore(U32 bucket) const noexcept {
+        auto at = static_cast<I32>(bucket) - 1;
+        while (at >= 0 && !buckets()[at]) {
+            --at;
+        }
+        return at;
+    }
+
     PtrInterface** buckets() noexcept { return bucketCount_ == 1 ? &single_ : array_; }
     PtrInterface* const* buckets() const noexcept { return bucketCount_ == 1 ? &single_ : array_; }
+    // REQUIRES: more than one bucket
+    PtrInterface* const* manyBuckets() const noexcept { return array_; }
     /// Accounts for a member that was linked.
     void linked() noexcept {
         ++size_;
@@ -97,8 +127,26 @@ class QOR_EXPORT HashMapGeneric {
     }
 
   private:
+    friend class MapWalker;
+
     Ptr<PtrInterface> unlink(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* before,
                              PtrInterface* member);
+    void unlinkHead(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* member,
+                    PtrInterface* next);
+    void grow(HashMapVTableGeneric const& table) noexcept;
+    void cutChains(HashMapVTableGeneric const& table, PtrInterface** fresh) noexcept;
+    void layChains(HashMapVTableGeneric const& table, PtrInterface** fresh, U32 count) noexcept;
+    PtrInterface* nextHead(PtrInterface* const* heads, I32* bucket) const noexcept {
+        for (U32 at = static_cast<U32>(*bucket + 1); at < bucketCount_; ++at) {
+            if (heads[at]) {
+                *bucket = static_cast<I32>(at);
+                fetchAhead(at);
+                return heads[at];
+            }
+        }
+        *bucket = -1;
+        return nullptr;
+    }
     // A walk asks for members well before it stands on them: they lie all over the memory.
     void fetchAhead(U32 bucket) const noexcept {
         constexpr U32 distance = 16;
@@ -107,7 +155,7 @@ class QOR_EXPORT HashMapGeneric {
         }
     }
     bool isSparse(U32 count) const noexcept { return U64{size_} * 4 < count; }
-    void bucketsAre(PtrInterface** buckets, U32 count) noexcept;
+    void bucketsAre(HashMapVTableGeneric const& table, PtrInterface** buckets, U32 count) noexcept;
 
     U32 bulkDelete_ = 0;
     U32 version_ = 0;
@@ -117,7 +165,19 @@ class QOR_EXPORT HashMapGeneric {
         PtrInterface* single_;
         PtrInterface** array_;
     };
+    mutable MapWalker* walkers_ = nullptr;
 };
+
+inline void MapWalker::enter() noexcept {
+    if (map_) {
+        next_ = map_->walkers_;
+        back_ = &map_->walkers_;
+        if (next_) {
+            next_->back_ = &next_;
+        }
+        map_->walkers_ = this;
+    }
+}
 
 }  // namespace Qor
 

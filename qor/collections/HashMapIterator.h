@@ -1,5 +1,6 @@
-// The iterators of a map. Both hold a reference on the member they stand on; when the map has
-// changed since the last step they find their place again by that member's key.
+// The iterators of a map. They borrow the member that they stand on until it leaves the map, and
+// hold it from then on; see MapWalker. When the map has changed since the last step they find their
+// place again by that member's key.
 #ifndef QOR_COLLECTIONS_HASH_MAP_ITERATOR_H
 #define QOR_COLLECTIONS_HASH_MAP_ITERATOR_H
 
@@ -15,39 +16,48 @@ namespace Qor {
 // repeats none when the one it stands on is removed. All other key types have nothing to remember.
 template <class Member, bool hasTies>
 struct MetTies {
-    void step(Member const*, Member const*) {}
+    struct Forgotten {};
+    Forgotten step(Member*, Member const*) { return {}; }
+    bool isPast(U32) const { return false; }
+    void versionIs(U32) {}
     bool met(Member const*) const { return true; }
 };
 
 template <class Member>
 struct MetTies<Member, true> {
-    void step(Member* from, Member const* to) {
+    using Forgotten = std::vector<Ptr<Member>>;
+    /// What is returned is to go when the step has been made: ends may run any code.
+    [[nodiscard]] Forgotten step(Member* from, Member const* to) {
         if (from == to) {
-            return;
+            return {};
         }
         if (!from || !to || from->fwkHash() != to->fwkHash()) {
-            members.clear();
-        } else {
-            members.emplace_back(from);
+            return std::exchange(members, {});
         }
+        members.emplace_back(from);
+        return {};
     }
+    /// Whether the map has changed since: a tied member may have been put back behind.
+    bool isPast(U32 now) const { return version != now; }
+    void versionIs(U32 now) { version = now; }
     bool met(Member const* member) const {
         return std::any_of(members.begin(), members.end(),
                            [&](Ptr<Member> const& m) { return m.ptr() == member; });
     }
-    std::vector<Ptr<Member>> members;
+    Forgotten members;
+    U32 version = 0;
 };
 
 template <class Member, class Key>
-class HashMap<Member, Key>::IteratorConst {
+class HashMap<Member, Key>::IteratorConst : private MapWalker {
   public:
     using Map = HashMap<Member, Key>;
 
     IteratorConst() = default;
     /// Stands on the first member of `map`, or at the end of an empty one.
-    explicit IteratorConst(Map const* map) : map_(map) { reset(); }
+    explicit IteratorConst(Map const* map) : MapWalker(map) { reset(); }
     /// Stands on the member with that key, or on the next in the order.
-    IteratorConst(Map const* map, Key const& key) : map_(map) {
+    IteratorConst(Map const* map, Key const& key) : MapWalker(map) {
         if (Member* start = map->startAtHash(key)) {
             meetTiesBefore(start);
             stand(start);
@@ -55,16 +65,15 @@ class HashMap<Member, Key>::IteratorConst {
     }
     IteratorConst(IteratorConst const&) = default;
     IteratorConst& operator=(IteratorConst const&) = default;
-    IteratorConst(IteratorConst&&) noexcept = default;
-    IteratorConst& operator=(IteratorConst&&) = default;
     virtual ~IteratorConst() = default;
 
-    explicit operator bool() const noexcept { return static_cast<bool>(current_); }
-    /// The member it stands on. REQUIRES: not at the end.
-    Member* operator->() const noexcept { return current_.ptr(); }
-    Ptr<Member> const& member() const noexcept { return current_; }
+    explicit operator bool() const noexcept { return this->current() != nullptr; }
+    /// The member it stands on, borrowed. REQUIRES: not at the end.
+    Member* operator->() const noexcept { return stood(); }
+    Member& operator*() const noexcept { return *stood(); }
+    Ptr<Member> member() const noexcept { return Ptr<Member>(stood()); }
     /// A copy: the member it stems from may go in the step that follows.
-    Key key() const { return current_->fwkKey(); }
+    Key key() const { return stood()->fwkKey(); }
 
     IteratorConst& operator++() {
         advance();
@@ -72,35 +81,40 @@ class HashMap<Member, Key>::IteratorConst {
     }
     /// Back to the first member.
     void reset() {
-        current_ = nullptr;  // so that nothing counts as met
+        stand(nullptr);  // so that nothing counts as met
         I32 bucket = -1;
-        stand(map_ ? static_cast<Member*>(map_->findNextBucketG(&bucket)) : nullptr);
+        Map const* const from = map();
+        if (Member* first = from ? static_cast<Member*>(from->findNextBucketG(&bucket)) : nullptr) {
+            refresh();
+            this->standOn(first, bucket);
+        }
     }
     /// Whether it stands on a member whose key is not the empty one of its type.
-    virtual bool hasBookmark() const { return current_ && !KeyTraits::isEmpty(current_->fwkKey()); }
+    virtual bool hasBookmark() const { return *this && !KeyTraits::isEmpty(stood()->fwkKey()); }
 
   protected:
     using MapTies = MetTies<Member, KeyTraits::hasTies>;
 
-    Map const* map() const noexcept { return map_; }
+    /// Null when it has ended.
+    Map const* map() const noexcept { return static_cast<Map const*>(this->walkedMap()); }
     /// Steps to the member after the one it stands on.
     void advance() {
-        if (!current_) {
+        Member* const from = stood();
+        if (!from) {
             return;
         }
-        if (versionSeen_ != map_->version()) {
-            stand(successor(current_.ptr()));
-        } else if (Member* next = current_->fwkHmNext()) {
-            ties_.step(current_.ptr(), next);
-            current_ = next;
-        } else {
+        if (this->isLeft() || ties_.isPast(map()->version())) [[unlikely]] {
+            findAgain();
+            return;
+        }
+        Member* next = from->fwkHmNext();
+        if (!next) {
             // The bucket is carried on and not derived from the member: so the next head can be
             // fetched before this member's memory has arrived.
-            next = static_cast<Member*>(map_->findNextBucketG(&bucket_));
-            ties_.step(current_.ptr(), next);
-            current_ = next;
-            versionSeen_ = next ? versionSeen_ : 0;
+            next = static_cast<Member*>(map()->headAfterG(&this->bucket()));
         }
+        [[maybe_unused]] auto const past = ties_.step(from, next);
+        this->stepTo(next);
     }
     /// The first member after `from`, which need not be in the map any more.
     Member* successor(Member* from) const {
@@ -111,31 +125,39 @@ class HashMap<Member, Key>::IteratorConst {
         }
         I32 bucket = -1;
         Key const key = from->fwkKey();
-        return static_cast<Member*>(map_->findNextG(Map::qorVTable(), from, &bucket, &key));
+        return static_cast<Member*>(map()->findNextG(Map::qorVTable(), from, &bucket, &key));
     }
     /// Stays where it is, in a map that has changed in ways that do not concern its place.
-    void refresh() {
-        versionSeen_ = current_ ? map_->version() : 0;
-        bucket_ = current_ ? static_cast<I32>(map_->bucketIndex(current_->fwkHash())) : -1;
-    }
+    void refresh() { ties_.versionIs(map()->version()); }
     void stand(Member* member) {
-        ties_.step(current_.ptr(), member);
-        current_ = member;
-        refresh();
+        [[maybe_unused]] auto const past = ties_.step(stood(), member);
+        arrive(member);
     }
     /// What was met of the present tie.
     MapTies const& ties() const noexcept { return ties_; }
-    /// Goes back to a member that it stood on, with what was met then, and from there to its
-    /// successor.
-    void standAfter(Ptr<Member> const& from, MapTies met) {
-        ties_ = std::move(met);
-        current_ = from;
-        stand(successor(from.ptr()));
+    /// Goes on from a member that it stood on, with what was met then, to its successor.
+    void standAfter(Member* from, MapTies met) {
+        [[maybe_unused]] MapTies const past = std::exchange(ties_, std::move(met));
+        Member* const next = map() ? successor(from) : nullptr;
+        [[maybe_unused]] auto const forgotten = ties_.step(from, next);
+        arrive(next);
     }
 
   private:
+    Member* stood() const noexcept { return static_cast<Member*>(this->current()); }
+    void arrive(Member* member) {
+        if (member) {
+            refresh();
+            this->standOn(member, static_cast<I32>(map()->bucketIndex(member->fwkHash())));
+        } else {
+            this->standOn(nullptr, -1);
+        }
+    }
+    // Out of line, so that the step of a walk stays short.
+    [[gnu::noinline]] void findAgain() { stand(map() ? successor(stood()) : nullptr); }
+
     Member* tieHead(U32 hash) const {
-        Member* at = map_->head(map_->bucketIndex(hash));
+        Member* at = map()->head(map()->bucketIndex(hash));
         while (at && at->fwkHash() < hash) {
             at = at->fwkHmNext();
         }
@@ -154,14 +176,10 @@ class HashMap<Member, Key>::IteratorConst {
             for (Member* at = tieHead(start->fwkHash()); at && at != start; at = at->fwkHmNext()) {
                 ties_.members.emplace_back(at);
             }
-            current_ = ties_.members.empty() ? nullptr : ties_.members.back();
+            arrive(ties_.members.empty() ? nullptr : ties_.members.back().ptr());
         }
     }
 
-    U32 versionSeen_ = 0;
-    I32 bucket_ = -1;
-    Map const* map_ = nullptr;
-    Ptr<Member> current_;
     [[no_unique_address]] MapTies ties_;
 };
 
@@ -190,17 +208,17 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
     /// behind the removed member is still met. A member that is not in the map any more is passed
     /// over and not told again.
     void del() {
-        if (deleted_ || !this->member()) {
+        Ptr<Member> const gone = this->member();
+        if (deleted_ || !gone) {
             return;
         }
-        Ptr<Member> const gone = this->member();
         tiesAtRemoval_ = this->ties();
         Base::advance();
         deleted_ = gone;
         remove(gone);
     }
     /// Removes all members, those too that are added while it is told: from where it stands to the
-    /// end, and then from the first, until none is left.
+    /// end, and then from the first, until none is left. REQUIRES: the map outlives the call.
     void deleteAll() {
         Map& map = mutableMap();
         BulkDeleteAnchor const bulk(map);
@@ -208,7 +226,7 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
             advance();
         }
         for (;;) {
-            while (this->member()) {
+            while (*this) {
                 del();
                 advance();
             }
@@ -232,8 +250,8 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
             return;
         }
         Ptr<Member> const gone = std::exchange(deleted_, nullptr);
-        if (seenAfterRemoval_ != this->map()->version()) {
-            Base::standAfter(gone, std::exchange(tiesAtRemoval_, {}));
+        if (!this->map() || seenAfterRemoval_ != this->map()->version()) {
+            Base::standAfter(gone.ptr(), std::exchange(tiesAtRemoval_, {}));
         }
     }
 
@@ -255,6 +273,9 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
 
     Map& mutableMap() const { return const_cast<Map&>(*this->map()); }
     void remove(Ptr<Member> const& gone) {
+        if (!this->map()) {
+            return;
+        }
         bool const removed = mutableMap().deleteMember(*gone);
         seenAfterRemoval_ = this->map()->version();
         this->refresh();

@@ -19,6 +19,8 @@ struct HashMapKey {
             return bitReverse(key.hash());
         }
     }
+    // Numbers of up to 32 bits: no two have the same hash, so comparing hashes is comparing keys.
+    static constexpr bool hashIsKey = std::is_integral_v<K> && sizeof(K) <= sizeof(U32);
     static bool isEmpty(K const& key) { return key == K(); }
 
     // True for keys whose `<` can leave two different keys undecided although their hashes are

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-#include <qor/collections/HashMapKey.h>
+#include <qor/collections/MemberFields.h>
 #include <qor/core/Ptr.h>
 #include <qor/core/VFPtrInterface.h>
 
@@ -21,24 +21,24 @@ class ValueMember final : public VFPtrInterface {
     using Value = V;
 
     ValueMember(K key, V value)
-        : hash_(HashMapKey<K>::hash(key)), key_(std::move(key)), value_(std::move(value)) {}
+        : hash_(HashMapKey<K>::hash(key)), link_(std::move(value)), key_(std::move(key)) {}
 
-    K const& key() const noexcept { return key_; }
-    V const& value() const noexcept { return value_; }
+    // Numbers and bools are given by value, all else by reference.
+    decltype(auto) key() const noexcept { return key_.key(hash_); }
+    decltype(auto) value() const noexcept { return link_.value(); }
     /// Changes the value and tells nobody: setters are the owner's.
-    void valueIs(V value) { value_ = std::move(value); }
+    void valueIs(V value) { link_.valueIs(std::move(value)); }
 
-    K const& fwkKey() const noexcept { return key_; }
+    decltype(auto) fwkKey() const noexcept { return key(); }
     U32 fwkHash() const noexcept { return hash_; }
-    ValueMember* fwkHmNext() const noexcept { return fwkHmNext_; }
-    void fwkHmNextIs(ValueMember* next) noexcept { fwkHmNext_ = next; }
+    ValueMember* fwkHmNext() const noexcept { return link_.next(); }
+    void fwkHmNextIs(ValueMember* next) noexcept { link_.nextIs(next); }
 
   private:
     // What a look-up reads of the members that it passes stands together.
     U32 hash_;
-    ValueMember* fwkHmNext_ = nullptr;
-    K key_;
-    V value_;
+    MemberLink<ValueMember, V> link_;
+    [[no_unique_address]] MemberKey<K> key_;
 };
 
 /// A key and a counted reference to an entity that something else owns.

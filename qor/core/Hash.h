@@ -17,8 +17,7 @@ constexpr std::uint32_t bitReverse(std::uint32_t word) noexcept {
     word = (word >> 1 & 0x55555555U) | (word & 0x55555555U) << 1;
     word = (word >> 2 & 0x33333333U) | (word & 0x33333333U) << 2;
     word = (word >> 4 & 0x0F0F0F0FU) | (word & 0x0F0F0F0FU) << 4;
-    word = (word >> 8 & 0x00FF00FFU) | (word & 0x00FF00FFU) << 8;
-    return word >> 16 | word << 16;
+    return __builtin_bswap32(word);
 }
 
 // The reversed hash of a string or a name: what its map is ordered by.

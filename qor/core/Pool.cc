@@ -26,6 +26,7 @@ namespace {
 constexpr std::size_t grain = 8;
 constexpr std::size_t largest = 512;
 constexpr std::size_t classes = largest / grain;
+constexpr std::size_t cacheLine = 64;
 constexpr std::size_t batchBytes = 8192;  // what moves between a cache and the arena
 
 // What is asked of the system at once grows with what is held, so that a small process stays small
@@ -100,12 +101,10 @@ class Arena {
   private:
     Chain carve(std::size_t cls) noexcept {
         std::size_t const size = blockSize(cls);
-        std::size_t const skew = size % 16 == 0 ? odd() : 0;
-        if (left_ >= size + skew) {
-            pass(skew);
-        } else if (!refill()) {
+        if (left_ < size + cacheLine && !refill()) {
             return {};
         }
+        pass(offTheLines(size));
         Chain out;
         std::size_t const n = std::min(batchOf(cls), left_ / size);
         char* at = piece_;
@@ -118,15 +117,26 @@ class Arena {
         pass(n * size);
         return out;
     }
-    // How far the rest of the piece stands from a multiple of 16.
-    std::size_t odd() const noexcept { return reinterpret_cast<std::uintptr_t>(piece_) & 15; }
+    // How far it is from the rest of the piece to where blocks of that size lie as even as they
+    // can: they bear any type of their size, and straddle no more lines of the cache than they
+    // must.
+    std::size_t offTheLines(std::size_t size) const noexcept {
+        std::size_t const alignment = std::min(size & -size, cacheLine);
+        return -reinterpret_cast<std::uintptr_t>(piece_) & (alignment - 1);
+    }
     void pass(std::size_t bytes) noexcept {
         piece_ += bytes;
         left_ -= bytes;
     }
-    bool refill() noexcept {
+    // Large pieces are whole large pages.
+    std::size_t pieceSize() const noexcept {
         std::size_t const size = std::clamp(fromSystem() / pieceShare, leastPiece, mostPiece);
-        void* const piece = withLargePages(::operator new(size, std::nothrow), size);
+        return size < largePage ? size : size / largePage * largePage;
+    }
+    bool refill() noexcept {
+        std::size_t const size = pieceSize();
+        std::align_val_t const alignment{size < largePage ? cacheLine : largePage};
+        void* const piece = withLargePages(::operator new(size, alignment, std::nothrow), size);
         if (!piece) {
             return false;
         }

@@ -53,11 +53,15 @@ void PtrInterface::newRefOfMarked() const noexcept {
     if (isNondestructing()) {
         return;
     }
-    if (isSingleThreaded()) {
-        word_.store(word() + 1, std::memory_order_relaxed);
-    } else {
-        word_.fetch_add(1, std::memory_order_relaxed);
+    countOneMore(word(), isSingleThreaded());
+}
+
+bool PtrInterface::newRefOfMarkedUnlessEnding() const noexcept {
+    bool const begins = !qorIsEnding();
+    if (begins) {
+        newRefOfMarked();
     }
+    return begins;
 }
 
 void PtrInterface::deleteRefOfMarked() const {

@@ -54,18 +54,26 @@ class QOR_EXPORT PtrInterface {
         U32 const now = word();
         if (now >= leastMarked) [[unlikely]] {
             newRefOfMarked();
-        } else if (isSingleThreaded()) {
-            word_.store(now + 1, std::memory_order_relaxed);
         } else {
-            word_.fetch_add(1, std::memory_order_relaxed);
+            countOneMore(now, isSingleThreaded());
         }
+    }
+    /// Takes a reference, unless the end of the object has begun; whether it did. `isAlone` is
+    /// isSingleThreaded(), asked once by who takes many.
+    bool qorNewRefUnlessEnding(bool isAlone) const noexcept {
+        U32 const now = word();
+        if (now >= leastMarked) [[unlikely]] {
+            return newRefOfMarkedUnlessEnding();
+        }
+        countOneMore(now, isAlone);
+        return true;
     }
     /// Gives up a reference; the object may be gone afterwards.
     void qorDeleteRef() const {
         U32 const now = word();
         if (now - 2 >= leastMarked - 2) [[unlikely]] {
             deleteRefOfMarked();
-        } else if (isSingleThreaded()) {
+        } else if (isSingleThreaded()) [[likely]] {
             word_.store(now - 1, std::memory_order_relaxed);
         } else if (((word_.fetch_sub(1, std::memory_order_acq_rel) - 1) & zeroMask) == 0) {
             handleZeroRef();
@@ -100,7 +108,15 @@ class QOR_EXPORT PtrInterface {
     // From here on the word bears marks or is that of a non-destructing object.
     static constexpr U32 leastMarked = nondestructingByte << 24;
 
+    void countOneMore(U32 now, bool isAlone) const noexcept {
+        if (isAlone) [[likely]] {
+            word_.store(now + 1, std::memory_order_relaxed);
+        } else {
+            word_.fetch_add(1, std::memory_order_relaxed);
+        }
+    }
     void newRefOfMarked() const noexcept;
+    bool newRefOfMarkedUnlessEnding() const noexcept;
     // Also of the last reference.
     void deleteRefOfMarked() const;
     void handleZeroRef() const;

@@ -254,7 +254,7 @@ inline void StringN<unsigned char>::Data::give() noexcept {
 
 inline bool StringN<unsigned char>::Data::operator==(Data const& other) const noexcept {
     if (length_ != other.length_) return false;
-    if (length_ < sizeof(std::uint64_t)) return std::memcmp(bytes(), other.bytes(), length_) == 0;
+    return std::memcmp(bytes(), other.bytes(), length_) == 0;
     // Most strings that differ do so at once: that is settled without a call.
     std::uint64_t mine;
     std::uint64_t its;
@@ -299,7 +299,8 @@ inline char const* StringN<unsigned char>::charPtr() const noexcept {
 
 inline bool StringN<unsigned char>::equal(StringN const& left, StringN const& right) noexcept {
     if (left.data_ == right.data_) return true;
-    return left.data_ != nullptr && right.data_ != nullptr && *left.data_ == *right.data_;
+    if (left.data_ == nullptr || right.data_ == nullptr) return false;
+    return *left.data_ == *right.data_;
 }
 
 inline StringN<unsigned char>::IteratorConst StringN<unsigned char>::begin() const noexcept {

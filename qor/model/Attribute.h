@@ -58,7 +58,7 @@ struct ValueMapAttribute : AttributeBase<E, n, AttributeKind::valueMap> {
     using Value = V;
     using Member = ValueMember<K, V>;
     using Map = HashMap<Member, K>;
-    static V const& valueOf(Member const& member) noexcept { return member.value(); }
+    static decltype(auto) valueOf(Member const& member) noexcept { return member.value(); }
 };
 
 template <class E, AttributeId n, class K, class X>

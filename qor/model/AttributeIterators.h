@@ -25,7 +25,7 @@ class AttributeIteratorConst : public A::Map::IteratorConst {
         Base::operator++();
         return *this;
     }
-    typename A::Value value() const { return A::valueOf(*this->member()); }
+    typename A::Value value() const { return A::valueOf(Base::operator*()); }
 };
 
 /// X::AIterator and X::QorAIterator: member() gives the member object.
@@ -44,7 +44,7 @@ class AttributeIterator : public A::Map::Iterator {
         Base::operator++();
         return *this;
     }
-    typename A::Value value() const { return A::valueOf(*this->member()); }
+    typename A::Value value() const { return A::valueOf(Base::operator*()); }
 
   protected:
     using Base::deleteNotify;

@@ -21,7 +21,7 @@ void dispatch(ListRawGeneric const& list, AttributeId id, NotifieeKind const* ki
               void const* key) {
     Expect const expect(Exception::Id{0});
     SnapshotIterator<ListRawGeneric> snapshot(list);
-    for (Entity::NotifieeConst** at = snapshot.begin(); at != snapshot.end();) {
+    for (Entity::NotifieeConst** at = snapshot.begin(); at; at = snapshot.pass(at)) {
         Entity::NotifieeConst& notifiee = **at;
         try {
             if (!kind || notifiee.kind().is(*kind)) {
@@ -30,7 +30,6 @@ void dispatch(ListRawGeneric const& list, AttributeId id, NotifieeKind const* ki
         } catch (...) {
             reportException(notifiee, id);
         }
-        at = snapshot.pass(at);
     }
 }
 

@@ -23,13 +23,11 @@ class SnapshotIterator {
         }
         // The count is never less than what is on the list. A notifiee that ends is on it until its
         // destructor takes it off, and hears nothing any more.
+        bool const isAlone = isSingleThreaded();
         T** end = at_;
         for (T* node = list.head(); node; node = List::next(*node)) {
-            if (node->qorIsEnding()) [[unlikely]] {
-                continue;
-            }
-            node->qorNewRef();
-            *end++ = node;
+            *end = node;
+            end += node->qorNewRefUnlessEnding(isAlone) ? 1 : 0;
         }
         end_ = end;
     }
@@ -52,15 +50,18 @@ class SnapshotIterator {
     }
 
     // The walk with the position in the caller's hands, and so in a register: from begin() by
-    // pass(), which gives the next position, to end().
-    T** begin() const noexcept { return at_; }
-    T** end() const noexcept { return end_; }
+    // pass(), which gives the next position, to null.
+    T** begin() const noexcept { return at_ != end_ ? at_ : nullptr; }
     T** pass(T** served) {
-        do {
+        for (;;) {
             release(served);
-            ++served;
-        } while (served != end_ && (*served)->qorRefs() == 1);
-        return served;
+            if (++served == end_) {
+                return nullptr;
+            }
+            if ((*served)->qorRefs() != 1) {
+                return served;
+            }
+        }
     }
 
   private:

@@ -44,13 +44,69 @@ TEST_F(MapIterator, OfAnEmptyMapIsAtItsEnd) {
     EXPECT_FALSE(walk);
 }
 
-TEST_F(MapIterator, HoldsTheMemberItStandsOn) {
+TEST_F(MapIterator, HoldsTheMemberItStandsOnFromItsRemovalOn) {
     have(2);
     PlaceMap::IteratorConst walk(&map);
-    EXPECT_EQ(walk->qorRefs(), 2U);
-    PlaceNode* const first = walk.member().ptr();
-    ++walk;
+    PlaceNode* const first = walk.operator->();
     EXPECT_EQ(first->qorRefs(), 1U);
+    {
+        auto const removed = map.memberDel({at(1), 0});
+        EXPECT_EQ(first->qorRefs(), 2U);
+    }
+    EXPECT_EQ(first->qorRefs(), 1U);
+    int const living = PlaceNode::living;
+    ++walk;
+    EXPECT_EQ(PlaceNode::living, living - 1);
+}
+
+TEST_F(MapIterator, EachIteratorOnARemovedMemberHoldsItOnItsOwn) {
+    have(2);
+    PlaceMap::IteratorConst walk(&map);
+    PlaceMap::IteratorConst other(&map);
+    PlaceMap::IteratorConst elsewhere(&map);
+    ++elsewhere;
+    auto const removed = map.memberDel({at(1), 0});
+    EXPECT_EQ(removed->qorRefs(), 3U);
+    PlaceMap::IteratorConst const copy(other);
+    EXPECT_EQ(removed->qorRefs(), 4U);
+    other = elsewhere;
+    EXPECT_EQ(removed->qorRefs(), 3U);
+    walk.reset();
+    EXPECT_EQ(removed->qorRefs(), 2U);
+    EXPECT_EQ(walk.key().place, at(2));
+}
+
+TEST_F(MapIterator, OutlivesItsMap) {
+    int const living = PlaceNode::living;
+    PlaceMap::IteratorConst atFirst;
+    PlaceMap::IteratorConst atEnd;
+    {
+        PlaceMap other;
+        add(other, at(1));
+        add(other, at(2));
+        atFirst = PlaceMap::IteratorConst(&other);
+        atEnd = PlaceMap::IteratorConst(&other, {at(3), 0});
+    }
+    EXPECT_EQ(PlaceNode::living, living + 1);
+    EXPECT_EQ(atFirst.key().place, at(1));
+    PlaceMap::IteratorConst copy(atFirst);
+    ++copy;
+    EXPECT_FALSE(copy);
+    atFirst.reset();
+    EXPECT_FALSE(atFirst);
+    EXPECT_FALSE(atEnd);
+    EXPECT_EQ(PlaceNode::living, living);
+}
+
+TEST_F(MapIterator, EndOfARemovedMemberMayRemoveItsSuccessor) {
+    have(3);
+    PlaceMap::IteratorConst walk(&map);
+    walk->onEnd = [&] { remove(2); };
+    remove(1);
+    ++walk;
+    EXPECT_EQ(walk.key().place, at(2));
+    ++walk;
+    EXPECT_EQ(rest(walk), ats({3}));
 }
 
 TEST_F(MapIterator, InsertionBeforeTheCurrentIsNotSeen) {

@@ -23,14 +23,51 @@ TEST(MapSize, EmptyMapHasOneBucket) {
     EXPECT_FALSE(map.bulkDelete());
 }
 
+TEST(MapSize, UpToFourMembersMakeDoWithOneBucket) {
+    PlaceMap map;
+    fill(map, 4);
+    EXPECT_EQ(map.bucketCount(), 1U);
+    fill(map, 5);
+    EXPECT_EQ(map.bucketCount(), 8U);
+}
+
 TEST(MapSize, GrowsWhenThereIsMoreThanOneMemberABucket) {
     PlaceMap map;
-    for (U32 buckets = 1; buckets <= 1024; buckets *= 2) {
+    for (U32 buckets = 8; buckets <= 1024; buckets *= 2) {
         fill(map, buckets);
         EXPECT_EQ(map.bucketCount(), buckets) << map.size();
         fill(map, buckets + 1);
         EXPECT_EQ(map.bucketCount(), 2 * buckets) << map.size();
     }
+}
+
+TEST(MapSize, ChainsAreOneWhileThereAreFewBuckets) {
+    PlaceMap map;
+    fill(map, 16);
+    ASSERT_EQ(map.bucketCount(), 16U);
+    Qor::I32 bucket = -1;
+    auto const* at = static_cast<PlaceNode const*>(map.findNextBucketG(&bucket));
+    for (U32 met = 1; met < 16; ++met) {
+        ASSERT_NE(at->fwkHmNext(), nullptr) << met;
+        EXPECT_LT(at->fwkHash(), at->fwkHmNext()->fwkHash());
+        at = at->fwkHmNext();
+    }
+    EXPECT_EQ(at->fwkHmNext(), nullptr);
+}
+
+TEST(MapSize, ChainsEndWithTheirBucketsWhereThereAreMany) {
+    PlaceMap map;
+    fill(map, 17);
+    ASSERT_EQ(map.bucketCount(), 32U);
+    for (PlaceMap::IteratorConst at(&map); at; ++at) {
+        EXPECT_EQ(at->fwkHmNext(), nullptr) << at.key();
+    }
+    map.memberDel({spread(16), 16});
+    while (map.size() >= 8) {
+        map.memberDel({spread(map.size() - 1), map.size() - 1});
+    }
+    ASSERT_EQ(map.bucketCount(), 16U);
+    EXPECT_NE(PlaceMap::IteratorConst(&map)->fwkHmNext(), nullptr);
 }
 
 TEST(MapSize, ShrinksWhenLessThanAQuarterOfAMemberStandsInEach) {
@@ -150,14 +187,14 @@ TEST(MapSize, RemovalDuringBulkRemovalLeavesTheBuckets) {
     PlaceMap map;
     fill(map, 64);
     map.bulkDeleteIs(true);
-    for (U32 i = 1; i < 64; ++i) {
+    for (U32 i = 2; i < 64; ++i) {
         map.memberDel({spread(i), i});
     }
     EXPECT_EQ(map.bucketCount(), 64U);
     map.bulkDeleteIs(false);
     map.maybeShrinkG(PlaceMap::qorVTable());
-    EXPECT_EQ(map.bucketCount(), 4U);
-    EXPECT_EQ(keys(map).size(), 1U);
+    EXPECT_EQ(map.bucketCount(), 8U);
+    EXPECT_EQ(keys(map).size(), 2U);
 }
 
 TEST(MapSize, MemberWhoseEndRemovesOthersLeavesTheDestructionWhole) {

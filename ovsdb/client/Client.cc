@@ -26,6 +26,15 @@ constexpr std::array<Method, 3> methods{Method{"monitor_cond_since", UpdateForm:
                                         Method{"monitor_cond", UpdateForm::differences, false},
                                         Method{"monitor", UpdateForm::whole, false}};
 
+std::optional<RpcError> failureOf(RpcReply const& transact, std::size_t operations) {
+    if (transact.error) return transact.error;
+    try {
+        return transactError(transact.result, operations);
+    } catch (ProtocolError const& e) {
+        return RpcError{RpcError::Kind::refused, "unreadable reply", e.what(), 0};
+    }
+}
+
 }  // namespace
 
 void Client::watchServer(bool conditional) {
@@ -50,7 +59,10 @@ void Client::handleServerUpdate(simdjson::dom::element tableUpdates) {
 // False: the connection was given up.
 bool Client::memberIsUsable() {
     ServerDatabase const* const database = server_.find(options_.database);
-    if (database == nullptr || !database->clustered()) return true;
+    if (database == nullptr || !database->clustered()) {
+        leaderIs(true);
+        return true;
+    }
     if (!database->connected) {
         abandon("the server is not connected to its cluster");
         return false;
@@ -64,6 +76,7 @@ bool Client::memberIsUsable() {
         return false;
     }
     clusterIndex_ = std::max(clusterIndex_, reached);
+    leaderIs(database->leader);
     return true;
 }
 
@@ -96,42 +109,80 @@ void Client::startMonitor() {
         params.push_back(lastTransaction_.empty() ? std::string(zeroTransaction)
                                                   : lastTransaction_);
     stateIs(ClientState::copying, "");
+    listener_.onRequest(RequestKind::monitor, method.name + (" of " + there()));
     session_->request(method.name, params, [this](RpcReply const& reply) { handleMonitor(reply); });
 }
 
 void Client::handleMonitor(RpcReply const& reply) {
-    if (!reply.error) {
+    if (reply.error) return handleMonitorError(*reply.error);
+    try {
         applyCopy(reply.result);
-        return;
+    } catch (std::exception const& e) {
+        RpcError const unreadable{RpcError::Kind::refused, "unreadable reply", e.what(), 0};
+        listener_.onOutcome(RequestKind::monitor, there(), &unreadable);
+        throw;
     }
-    if (reply.error->kind == RpcError::Kind::lost) return;
-    if (reply.error->error == "unknown method" && method_ + 1 < methods.size()) {
+    handleCopied();
+}
+
+void Client::handleMonitorError(RpcError const& error) {
+    Method const& method = methods.at(method_);
+    listener_.onOutcome(RequestKind::monitor, method.name + (" of " + there()), &error);
+    if (error.kind == RpcError::Kind::lost) return;
+    if (error.error == "unknown method" && method_ + 1 < methods.size()) {
         ++method_;
         return startMonitor();
     }
-    abandon(std::string(methods.at(method_).name) + " failed: " + reply.error->text());
+    abandon(std::string(method.name) + " failed: " + error.text());
 }
 
 void Client::applyCopy(simdjson::dom::element result) {
     Method const& method = methods.at(method_);
-    if (!method.since) {
-        apply(result, method.form, true);
-    } else {
-        simdjson::dom::array parts;
-        bool found = false;
-        if (result.get(parts) != SUCCESS || parts.size() != 3 || parts.at(0).get(found) != SUCCESS)
-            throw ProtocolError(
-                "the reply to monitor_cond_since is not [found, last-txn-id, updates]");
-        apply(parts.at(2).value(), method.form, !found);
-        noteTransaction(parts.at(1).value());
-    }
+    if (!method.since) return apply(result, method.form, true);
+    simdjson::dom::array parts;
+    bool found = false;
+    if (result.get(parts) != SUCCESS || parts.size() != 3 || parts.at(0).get(found) != SUCCESS)
+        throw ProtocolError("the reply to monitor_cond_since is not [found, last-txn-id, updates]");
+    apply(parts.at(2).value(), method.form, !found);
+    noteTransaction(parts.at(1).value());
+}
+
+void Client::handleCopied() {
     failures_ = 0;
     backoff_.reset();
-    say(LogLevel::info, "in step by " + std::string(method.name) + ", " +
-                            std::to_string(store_.size()) + " rows, " +
+    said_.assign(said_.size(), "");
+    std::string const rows = std::to_string(store_.size()) + " rows";
+    say(LogLevel::info, "in step by " + std::string(methods.at(method_).name) + ", " + rows + ", " +
                             std::to_string(session_->sinceLastByte().count()) +
                             " ms after the last byte");
     stateIs(ClientState::inStep, "");
+    listener_.onOutcome(RequestKind::monitor, rows + " of " + there(), nullptr);
+}
+
+void Client::transact(nlohmann::json const& operations, std::string const& summary,
+                      TransactHandler handler) {
+    json params = json::array({options_.database});
+    for (json const& operation : operations) params.push_back(operation);
+    auto const timer = std::make_shared<asio::steady_timer>(loop_, options_.transactLimit);
+    limitTransact(timer);
+    listener_.onRequest(RequestKind::transact, summary);
+    session_->request("transact", params,
+                      [this, timer, summary, handler = std::move(handler),
+                       count = operations.size()](RpcReply const& reply) {
+                          std::optional<RpcError> const error = failureOf(reply, count);
+                          RpcError const* const failed = error ? &*error : nullptr;
+                          listener_.onOutcome(RequestKind::transact, summary, failed);
+                          handler(failed);
+                      });
+}
+
+// The reply's handler owns the timer: once it ran, or is gone, there is nothing left to limit.
+void Client::limitTransact(std::shared_ptr<asio::steady_timer> const& timer) {
+    timer->async_wait([this, life = life_, waiting = std::weak_ptr(timer)](std::error_code error) {
+        if (!error && life == life_ && !waiting.expired())
+            abandon("no answer to a transaction for " +
+                    std::to_string(options_.transactLimit.count()) + " ms");
+    });
 }
 
 void Client::apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole) {
@@ -172,7 +223,7 @@ void Client::handleUpdate(std::string_view method, simdjson::dom::array params) 
 }
 
 void Client::handleCanceled(std::string const& id) {
-    if (id != monitorId_) return;
+    if (id != monitorId_ || left_) return;
     monitorId_.clear();
     say(LogLevel::warning,
         "the server took back the monitor: the schema changed or the database went");

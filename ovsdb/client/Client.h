@@ -1,7 +1,7 @@
 #ifndef OVSDB_CLIENT_CLIENT_H
 #define OVSDB_CLIENT_CLIENT_H
 
-// Keeps a copy of one database's mirrored rows in step with a server, for as long as it runs.
+// Keeps a copy of one database's mirrored rows in step with a server, from start() to stop().
 //
 //     disconnected -> connecting -> copying -> inStep -> (any loss) -> disconnected
 //
@@ -11,13 +11,20 @@
 // A whole copy that comes after a loss is compared with what is kept: the listener hears of
 // differences only, and the rows are never gone meanwhile. A cluster's server may instead send what
 // happened since the last transaction seen. When the server takes back the monitor (the schema was
-// changed, the database removed), schema and monitor are asked for again on the same connection.
+// changed, the database removed), schema and monitor are asked for again on the same connection. A
+// connection that goes silent is told so after a second, and left when the server turns out to
+// answer on another one (SecondOpinion).
+//
+// While in step it also takes transactions. One that is not answered in time costs the connection:
+// a cluster's member without its majority would keep it for ever, and another one may not.
 //
 // The listener is called on the event loop's thread. Each onChanges() is one message of the server,
 // applied as a whole. Not thread-safe; outlives neither loop nor listener.
 
 #include <ovsdb/client/Backoff.h>
+#include <ovsdb/client/ClientListener.h>
 #include <ovsdb/client/Log.h>
+#include <ovsdb/client/SecondOpinion.h>
 #include <ovsdb/client/ServerDatabases.h>
 #include <ovsdb/rpc/Connector.h>
 #include <ovsdb/rpc/RpcSession.h>
@@ -29,35 +36,23 @@
 #include <asio/steady_timer.hpp>
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace Ovsdb {
 
-enum class ClientState { disconnected, connecting, copying, inStep };
-
-class ClientListener {
-  public:
-    virtual ~ClientListener() = default;
-    /// Before the rows: what the server's schema has of the mirrored tables.
-    virtual void onPlan(MonitorPlan const& plan) = 0;
-    /// The store already holds the new rows; the changes live until this returns.
-    virtual void onChanges(std::vector<RowChange> const& changes) = 0;
-    /// `reason` tells why, on the way to disconnected or back to copying.
-    virtual void onState(ClientState state, std::string const& reason) = 0;
-    /// All remotes were tried once without success.
-    virtual void onRoundFailed(std::string const& reason) = 0;
-};
-
 struct ClientOptions {
     std::vector<Remote> remotes;
     TlsFiles tls;
     std::string database = "hardware_vtep";
     RpcTimes times;
-    std::chrono::milliseconds connectLimit{5000};
-    std::chrono::milliseconds leastBackoff{1000};
-    std::chrono::milliseconds mostBackoff{8000};
+    std::chrono::milliseconds connectLimit{3000};
+    std::chrono::milliseconds leastBackoff{100};
+    std::chrono::milliseconds mostBackoff{1000};
+    std::chrono::milliseconds transactLimit{10000};
 };
 
 class Client final : private RpcListener {
@@ -65,9 +60,20 @@ class Client final : private RpcListener {
     Client(asio::io_context& loop, ClientOptions options, ClientListener& listener, LogSink log);
     ~Client() override;
 
+    /// What became of a transaction: null, or why it failed.
+    using TransactHandler = std::function<void(RpcError const*)>;
+
+    /// REQUIRES: stopped, as a new client is.
     void start();
-    /// Ends the connection for good; the rows stay, and the listener hears nothing more.
+    /// Ends the connection at once; the rows stay, and the listener hears nothing more.
     void stop();
+    /// The same, but takes back the monitor first, and tells when all is over: soon, whether the
+    /// server answers or not.
+    void leave(std::function<void()> left);
+    /// Sends operations as one transaction; `summary` is their detail in the books. The handler
+    /// runs once, unless stop() comes first. REQUIRES: in step.
+    void transact(nlohmann::json const& operations, std::string const& summary,
+                  TransactHandler handler);
 
     ClientState state() const { return state_; }
     RowStore const& rows() const { return store_; }
@@ -76,11 +82,15 @@ class Client final : private RpcListener {
 
   private:
     void onNotification(std::string_view method, simdjson::dom::element params) override;
+    void onSilent(bool silent) override;
     void onClosed(std::string const& reason) override;
 
     void connect();
     void handleConnected(std::shared_ptr<Transport> transport, std::string const& error);
     void lose(std::string const& reason);
+    void sayLoss(std::string const& reason, bool roundFailed);
+    void retryIn(Backoff::Duration wait);
+    void leaderIs(bool leader);
     void abandon(std::string const& reason);
     void stateIs(ClientState state, std::string const& reason);
 
@@ -91,7 +101,12 @@ class Client final : private RpcListener {
     void handleSchema(RpcReply const& reply);
     void startMonitor();
     void handleMonitor(RpcReply const& reply);
+    void handleMonitorError(RpcError const& error);
     void applyCopy(simdjson::dom::element result);
+    void handleCopied();
+    void limitTransact(std::shared_ptr<asio::steady_timer> const& timer);
+    void finishLeaving();
+    std::string there() const { return options_.database + ", " + remoteName(); }
     void apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole);
     void handleUpdate(std::string_view method, simdjson::dom::array params);
     void handleCanceled(std::string const& id);
@@ -105,14 +120,20 @@ class Client final : private RpcListener {
     ClientListener& listener_;
     LogSink log_;
     Connector connector_;
-    asio::steady_timer retry_;
+    asio::steady_timer retry_;  // or, while leaving, how long the server may take
     Backoff backoff_;
+    SecondOpinion opinion_;
     std::shared_ptr<RpcSession> session_;
     ClientState state_ = ClientState::disconnected;
+    std::uint64_t life_ = 0;         // a timer of another life than this is late
+    std::function<void()> left_;     // set while leaving
+    std::vector<std::string> said_;  // of each remote: what was said of it since the last success
     std::size_t remote_ = 0;
     std::size_t failures_ = 0;  // remotes tried since the last success or wait
 
     ServerDatabases server_;
+    bool leader_ = true;
+    bool silent_ = false;  // the listener was told so
     std::string clusterId_;
     std::int64_t clusterIndex_ = 0;  // the furthest a member's log was seen at
 

@@ -4,7 +4,14 @@
 
 #include <nlohmann/json.hpp>
 
+#include <utility>
+
 namespace Ovsdb {
+namespace {
+
+constexpr std::chrono::milliseconds leaveLimit{1000};
+
+}  // namespace
 
 Client::Client(asio::io_context& loop, ClientOptions options, ClientListener& listener, LogSink log)
     : loop_(loop),
@@ -13,18 +20,54 @@ Client::Client(asio::io_context& loop, ClientOptions options, ClientListener& li
       log_(std::move(log)),
       connector_(loop),
       retry_(loop),
-      backoff_(options_.leastBackoff, options_.mostBackoff) {}
+      backoff_(options_.leastBackoff, options_.mostBackoff),
+      opinion_(loop),
+      said_(options_.remotes.size()) {}
 
 Client::~Client() { stop(); }
 
-void Client::start() { connect(); }
+void Client::start() {
+    ++life_;
+    connect();
+}
 
 void Client::stop() {
+    ++life_;
+    left_ = nullptr;
     retry_.cancel();
     connector_.cancel();
+    opinion_.cancel();
     if (session_ != nullptr) session_->close();
     session_.reset();
+    backoff_.reset();
+    failures_ = 0;
+    silent_ = false;
+    said_.assign(said_.size(), "");
     state_ = ClientState::disconnected;
+}
+
+void Client::leave(std::function<void()> left) {
+    left_ = std::move(left);
+    if (state_ != ClientState::inStep) return finishLeaving();
+    std::string const detail = "monitor of " + there();
+    listener_.onRequest(RequestKind::cancel, detail);
+    session_->request("monitor_cancel", {monitorId_}, [this, detail](RpcReply const& reply) {
+        listener_.onOutcome(RequestKind::cancel, detail, reply.error ? &*reply.error : nullptr);
+        bool const lost = reply.error && reply.error->kind == RpcError::Kind::lost;
+        if (!lost) finishLeaving();
+    });
+    retry_.expires_after(leaveLimit);
+    retry_.async_wait([this, life = life_](std::error_code error) {
+        if (!error && life == life_) abandon("the server did not answer when it was left");
+    });
+}
+
+void Client::finishLeaving() {
+    std::function<void()> const left = std::exchange(left_, nullptr);
+    if (std::shared_ptr<RpcSession> const session = std::exchange(session_, nullptr))
+        session->abandon("left on purpose");
+    stop();
+    left();
 }
 
 void Client::connect() {
@@ -51,6 +94,21 @@ void Client::handleConnected(std::shared_ptr<Transport> transport, std::string c
     askSchema();
 }
 
+// The rows may be out of step, or the server is busy: what it does on another connection tells.
+void Client::onSilent(bool silent) {
+    if (silent)
+        opinion_.ask(options_.remotes[remote_], options_.tls, [this] {
+            abandon("silent, though the server answers on another connection");
+        });
+    else
+        opinion_.cancel();
+    if (silent == silent_ || (silent && state_ != ClientState::inStep)) return;
+    silent_ = silent;
+    say(LogLevel::warning,
+        silent ? "silent; the mirror may be out of step" : "speaks again; the mirror is in step");
+    listener_.onSilent(silent);
+}
+
 void Client::onClosed(std::string const& reason) {
     session_.reset();
     lose(reason);
@@ -58,29 +116,46 @@ void Client::onClosed(std::string const& reason) {
 
 // This connection serves us no more, though it lives.
 void Client::abandon(std::string const& reason) {
-    if (session_ != nullptr) session_->close();
-    session_.reset();
+    std::shared_ptr<RpcSession> const session = std::exchange(session_, nullptr);
+    if (session != nullptr) session->abandon(reason);
     lose(reason);
 }
 
 void Client::lose(std::string const& reason) {
-    std::string const whom = remoteName();
-    bool const wasInStep = state_ == ClientState::inStep;
-    remote_ = (remote_ + 1) % options_.remotes.size();
+    ++life_;
+    opinion_.cancel();
+    if (left_) return finishLeaving();
+    silent_ = false;
+    std::string const loss = remoteName() + ": " + reason;
     bool const roundFailed = ++failures_ >= options_.remotes.size();
-    auto const wait = roundFailed ? backoff_.next() : Backoff::Duration(0);
-    std::string text = whom + ": " + reason;
-    if (wasInStep) text += "; the mirror is kept, but out of step";
-    if (roundFailed) text += "; next try in " + std::to_string(wait.count()) + " ms";
-    log_(LogLevel::warning, text);
-    stateIs(ClientState::disconnected, whom + ": " + reason);
+    sayLoss(reason, roundFailed);
+    remote_ = (remote_ + 1) % options_.remotes.size();
+    std::uint64_t const life = life_;
+    stateIs(ClientState::disconnected, loss);
     if (roundFailed) {
         failures_ = 0;
-        listener_.onRoundFailed(whom + ": " + reason);
+        listener_.onRoundFailed(loss);
     }
+    // The listener may have stopped us.
+    if (life == life_) retryIn(roundFailed ? backoff_.next() : Backoff::Duration(0));
+}
+
+// What is the same try after try is said once.
+void Client::sayLoss(std::string const& reason, bool roundFailed) {
+    bool const known = said_[remote_] == reason && state_ != ClientState::inStep;
+    said_[remote_] = reason;
+    std::string text = reason;
+    if (state_ == ClientState::inStep) text += "; the mirror is kept, but out of step";
+    if (roundFailed)
+        text +=
+            "; tried again, at least every " + std::to_string(options_.mostBackoff.count()) + " ms";
+    say(known ? LogLevel::debug : LogLevel::warning, text);
+}
+
+void Client::retryIn(Backoff::Duration wait) {
     retry_.expires_after(wait);
-    retry_.async_wait([this](std::error_code error) {
-        if (!error) connect();
+    retry_.async_wait([this, life = life_](std::error_code error) {
+        if (!error && life == life_) connect();
     });
 }
 
@@ -88,6 +163,10 @@ void Client::stateIs(ClientState state, std::string const& reason) {
     if (state == state_) return;
     state_ = state;
     listener_.onState(state, reason);
+}
+
+void Client::leaderIs(bool leader) {
+    if (std::exchange(leader_, leader) != leader) listener_.onLeader(leader);
 }
 
 }  // namespace Ovsdb

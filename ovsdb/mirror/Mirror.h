@@ -56,6 +56,7 @@ class Mirror {
     void spread();
     void remove();
     void removeRows(Table table);
+    void removeRow(RowChange const& change);
     void add();
     void addRows(Table table);
     void addRow(RowChange const& change);

@@ -25,38 +25,32 @@ void Mirror::remove() {
 }
 
 void Mirror::removeRows(Table table) {
-    for (RowChange const* const change : changes_[index(table)]) {
-        if (change->after != nullptr) continue;
-        Qor::Name const name = textOf(change->uuid);
-        switch (table) {
-            case Table::manager:
-                database_->managerDel(name);
-                break;
-            case Table::global:
-                database_->rootDel(name);
-                break;
-            case Table::physicalSwitch:
-                database_->physicalSwitchRawDel(name);
-                break;
-            case Table::logicalSwitch:
-                database_->logicalSwitchDel(name);
-                break;
-            case Table::logicalBindingStats:
-                database_->logicalBindingStatsDel(name);
-                break;
-            case Table::physicalPort:
-                database_->physicalPortDel(name);
-                break;
-            case Table::physicalLocator:
-                graph_.locator(change->uuid).row = nullptr;
-                database_->physicalLocatorRawDel(name);
-                break;
-            case Table::physicalLocatorSet:
-                database_->physicalLocatorSetDel(name);
-                break;
-            default:
-                break;
-        }
+    for (RowChange const* const change : changes_[index(table)])
+        if (change->after == nullptr) removeRow(*change);
+}
+
+void Mirror::removeRow(RowChange const& change) {
+    Qor::Name const name = textOf(change.uuid);
+    switch (change.table) {
+        case Table::manager:
+            return void(database_->managerDel(name));
+        case Table::global:
+            return void(database_->rootDel(name));
+        case Table::physicalSwitch:
+            return void(database_->physicalSwitchRawDel(name));
+        case Table::logicalSwitch:
+            return void(database_->logicalSwitchDel(name));
+        case Table::logicalBindingStats:
+            return void(database_->logicalBindingStatsDel(name));
+        case Table::physicalPort:
+            return void(database_->physicalPortDel(name));
+        case Table::physicalLocator:
+            graph_.locator(change.uuid).row = nullptr;
+            return void(database_->physicalLocatorRawDel(name));
+        case Table::physicalLocatorSet:
+            return void(database_->physicalLocatorSetDel(name));
+        default:
+            return;
     }
 }
 

@@ -104,17 +104,17 @@ bool JsonFramer::scanPlain() {
             inString_ = true;
             return false;
         }
-        if (kind == Kind::open) {
-            open(c);
-            ++scan_;
-            continue;
-        }
-        if (kind != Kind::close || depth_ == 0) refuse(scan_);
-        bool const whole = close(c);
-        ++scan_;
-        if (whole) return true;
+        if (kind != Kind::open && (kind != Kind::close || depth_ == 0)) refuse(scan_);
+        if (scanBracket(c, kind == Kind::open)) return true;
     }
     return false;
+}
+
+bool JsonFramer::scanBracket(char bracket, bool opens) {
+    if (opens) open(bracket);
+    bool const whole = !opens && close(bracket);
+    ++scan_;
+    return whole;
 }
 
 // A quote ends the string unless an odd number of backslashes stands before it. Only the

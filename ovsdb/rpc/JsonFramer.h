@@ -51,6 +51,7 @@ class JsonFramer {
     };
 
     bool scanPlain();
+    bool scanBracket(char bracket, bool opens);
     bool scanString();
     void open(char bracket);
     bool close(char bracket);

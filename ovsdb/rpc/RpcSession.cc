@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <utility>
 
 namespace Ovsdb {
 namespace {
@@ -43,14 +44,19 @@ std::chrono::milliseconds RpcSession::sinceLastByte() const {
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - lastByte_);
 }
 
-void RpcSession::fail(std::string const& reason) {
+void RpcSession::abandon(std::string const& reason) {
     if (listener_ == nullptr) return;
-    RpcListener* const listener = listener_;
     std::map<std::int64_t, ReplyHandler> const pending = std::move(pending_);
     close();
     RpcReply lost;
     lost.error = RpcError{RpcError::Kind::lost, "connection lost", reason, 0};
     for (auto const& [id, handler] : pending) handler(lost);
+}
+
+void RpcSession::fail(std::string const& reason) {
+    if (listener_ == nullptr) return;
+    RpcListener* const listener = listener_;
+    abandon(reason);
     listener->onClosed(reason);
 }
 
@@ -96,6 +102,7 @@ void RpcSession::handleRead(std::error_code error, std::size_t size) {
     lastHeard_ = lastByte_ = Clock::now();
     framer_.commit(size);
     try {
+        heard();
         handleMessages();
         if (listener_ != nullptr) read();
     } catch (std::exception const& e) {
@@ -167,11 +174,15 @@ void RpcSession::handleReply(simdjson::dom::object message) {
     handler(reply);
 }
 
+void RpcSession::heard() {
+    if (std::exchange(silent_, false)) listener_->onSilent(false);
+}
+
+// Looked at twice an interval: an answer that does not come is noticed within half of one.
 void RpcSession::scheduleProbe() {
     if (times_.probe.count() == 0) return;
-    // Looked at twice an interval: a loss is noticed between 2 and 2.5 intervals after the last
-    // byte.
-    probe_.expires_after(std::max(times_.probe / 2, std::chrono::milliseconds(1)));
+    nextProbe_ = Clock::now() + std::max(times_.probe / 2, std::chrono::milliseconds(1));
+    probe_.expires_at(nextProbe_);
     probe_.async_wait([self = shared_from_this()](std::error_code error) {
         if (error || self->listener_ == nullptr) return;
         self->handleProbe();
@@ -179,19 +190,28 @@ void RpcSession::scheduleProbe() {
 }
 
 void RpcSession::handleProbe() {
-    auto const silent = Clock::now() - lastHeard_;
-    bool const waiting = pending_.size() > (echoing_ ? 1U : 0U);
-    auto const allowed = waiting ? std::max(times_.patience, 2 * times_.probe) : 2 * times_.probe;
-    if (silent >= allowed)
-        return fail(
-            "no answer for " +
-            std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(silent).count()) +
-            " ms");
-    if (silent >= times_.probe && !echoing_) {
+    // Late: this process did not run, and what waits in the socket is yet to be read.
+    if (Clock::now() - nextProbe_ > times_.probe / 2) lastHeard_ = Clock::now();
+    auto const silence =
+        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - lastHeard_);
+    if (isPastLimit(silence))
+        return fail("no answer for " + std::to_string(silence.count()) + " ms");
+    if (silence >= times_.probe && !echoing_) {
         echoing_ = true;
         request("echo", nlohmann::json::array(), [this](RpcReply const&) { echoing_ = false; });
     }
     scheduleProbe();
+    if (silence < 2 * times_.probe || std::exchange(silent_, true)) return;
+    try {
+        listener_->onSilent(true);
+    } catch (std::exception const& e) {
+        fail(e.what());
+    }
+}
+
+bool RpcSession::isPastLimit(std::chrono::milliseconds silence) const {
+    bool const waiting = pending_.size() > (echoing_ ? 1U : 0U);
+    return silence >= (waiting ? std::max(times_.patience, times_.limit) : times_.limit);
 }
 
 }  // namespace Ovsdb

@@ -8,10 +8,12 @@
 // Replies are matched by id, and ids are never used twice on a connection. A request that is
 // pending when the connection ends is told so once (RpcError::Kind::lost), before the listener
 // hears that the session closed. The server's echoes are answered before anything behind them is
-// looked at. Our own echo is sent after `probe` without a byte from the server, and the connection
-// given up after as much again; while a reply is outstanding it may take `patience`, since a server
-// that puts together a first copy says nothing meanwhile. Bytes that come, whole message or not,
-// count as life.
+// looked at. Our own echo is sent after `probe` without a byte from the server; when twice `probe`
+// has brought none, the listener hears that the server is silent, and when a byte comes, that it is
+// not.
+// After `limit` the connection is given up; while a reply is outstanding it may take `patience`,
+// since a server that puts together a first copy says nothing meanwhile. Bytes that come, whole
+// message or not, count as life, and time in which this process did not run is not silence.
 //
 // No exception leaves the session: what the peer sends wrong, and what a handler throws, closes it
 // with that reason.
@@ -46,14 +48,16 @@ class RpcListener {
   public:
     virtual ~RpcListener() = default;
     virtual void onNotification(std::string_view method, simdjson::dom::element params) = 0;
+    /// The server left an echo unanswered, or spoke again after that.
+    virtual void onSilent(bool silent) = 0;
     /// The last call of a session, not made after close().
     virtual void onClosed(std::string const& reason) = 0;
 };
 
 struct RpcTimes {
-    std::chrono::milliseconds probe{5000};  ///< 0: no echoes of our own
-    std::chrono::milliseconds patience{
-        60000};  ///< how long an outstanding reply may keep the server silent
+    std::chrono::milliseconds probe{500};       ///< 0: no echoes of our own
+    std::chrono::milliseconds patience{60000};  ///< as limit, while a reply is outstanding
+    std::chrono::milliseconds limit{10000};     ///< how long the server may be silent
 };
 
 class RpcSession : public std::enable_shared_from_this<RpcSession> {
@@ -70,6 +74,8 @@ class RpcSession : public std::enable_shared_from_this<RpcSession> {
     void notify(std::string_view method, nlohmann::json const& params);
     /// Ends the session; neither listener nor handlers hear of it.
     void close();
+    /// The same, but the handlers of what is pending hear that it is lost, and why.
+    void abandon(std::string const& reason);
 
     std::uint64_t bytesReceived() const { return received_; }
     std::size_t outstanding() const { return pending_.size(); }
@@ -89,6 +95,8 @@ class RpcSession : public std::enable_shared_from_this<RpcSession> {
     void write();
     void scheduleProbe();
     void handleProbe();
+    bool isPastLimit(std::chrono::milliseconds silence) const;
+    void heard();
     void fail(std::string const& reason);
 
     std::shared_ptr<Transport> transport_;
@@ -103,7 +111,9 @@ class RpcSession : public std::enable_shared_from_this<RpcSession> {
     std::uint64_t received_ = 0;
     Clock::time_point lastHeard_;
     Clock::time_point lastByte_;
-    bool echoing_ = false;  // an echo of ours is among the pending
+    Clock::time_point nextProbe_;  // when the timer should run out
+    bool echoing_ = false;         // an echo of ours is among the pending
+    bool silent_ = false;          // the listener was told so
 };
 
 }  // namespace Ovsdb

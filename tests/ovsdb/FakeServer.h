@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace Ovsdb {
 
@@ -31,6 +32,8 @@ class FakeServer {
 
     std::string path() const { return directory_ + "/db.sock"; }
     void scriptIs(Script script) { script_ = std::move(script); }
+    /// Connections before the newest stay open, unread and unanswered.
+    void keepsOldIs(bool keeps) { keepsOld_ = keeps; }
     int connections() const { return connections_; }
     std::vector<Json> const& received() const { return received_; }
 
@@ -76,6 +79,10 @@ class FakeServer {
             [this](std::error_code error, asio::local::stream_protocol::socket socket) {
                 if (error) return;
                 ++connections_;
+                if (keepsOld_) {
+                    socket_.cancel(error);
+                    old_.push_back(std::move(socket_));
+                }
                 socket_ = std::move(socket);
                 framer_ = JsonFramer();
                 read();
@@ -104,6 +111,8 @@ class FakeServer {
     JsonFramer framer_;
     std::vector<Json> received_;
     int connections_ = 0;
+    bool keepsOld_ = false;
+    std::vector<asio::local::stream_protocol::socket> old_;
 };
 
 }  // namespace Ovsdb

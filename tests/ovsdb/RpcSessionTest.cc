@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <thread>
+
 namespace Ovsdb {
 namespace {
 
@@ -21,10 +23,12 @@ class Listener : public RpcListener {
                                    std::string(simdjson::minify(params)));
         if (method == "throw") throw std::runtime_error("a handler's own trouble");
     }
+    void onSilent(bool silent) override { silences.push_back(silent); }
     void onClosed(std::string const& reason) override { reasons.push_back(reason); }
 
     std::vector<std::string> notifications;
     std::vector<std::string> reasons;
+    std::vector<bool> silences;
 };
 
 class RpcSessionTest : public testing::Test {
@@ -199,11 +203,44 @@ TEST_F(RpcSessionTest, CallsOtherThanEchoGetNoReply) {
 }
 
 TEST_F(RpcSessionTest, ASilentServerIsAskedAndThenGivenUp) {
-    open({milliseconds(100), milliseconds(10000)});
+    open({milliseconds(100), milliseconds(10000), milliseconds(300)});
     ASSERT_TRUE(closed());
     ASSERT_EQ(server_.received().size(), 1U);
     EXPECT_EQ(server_.received()[0]["method"], "echo");
     EXPECT_EQ(listener_.reasons[0].substr(0, 13), "no answer for");
+}
+
+TEST_F(RpcSessionTest, ASilentServerIsToldOnceAndSoIsItsFirstByte) {
+    open({milliseconds(50), milliseconds(10000)});
+    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.silences.empty(); }));
+    ASSERT_FALSE(runUntil(
+        loop_, [&] { return listener_.silences.size() > 1; }, milliseconds(300)));
+    server_.send("{");
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.silences.size() == 2; }));
+    EXPECT_EQ(listener_.silences, (std::vector<bool>{true, false}));
+    EXPECT_TRUE(listener_.reasons.empty());
+}
+
+TEST_F(RpcSessionTest, TimeInWhichThisProcessDidNotRunIsNoSilence) {
+    server_.scriptIs(
+        [](FakeServer& server, json const& message) { server.reply(message, message["params"]); });
+    open({milliseconds(100), milliseconds(200), milliseconds(200)});
+    for (int i = 0; i < 3; ++i) {
+        std::this_thread::sleep_for(milliseconds(500));
+        ASSERT_FALSE(runUntil(
+            loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(50)));
+    }
+    EXPECT_TRUE(listener_.silences.empty());
+}
+
+TEST_F(RpcSessionTest, AnAbandonedSessionTellsWhatIsPendingAndNotItsListener) {
+    open();
+    std::string lost;
+    session_->request("a", json::array(),
+                      [&](RpcReply const& reply) { lost = reply.error->text(); });
+    session_->abandon("left");
+    EXPECT_EQ(lost, "connection lost: left");
+    EXPECT_TRUE(listener_.reasons.empty());
 }
 
 TEST_F(RpcSessionTest, AServerThatAnswersEchoesIsKept) {
@@ -215,7 +252,7 @@ TEST_F(RpcSessionTest, AServerThatAnswersEchoesIsKept) {
 }
 
 TEST_F(RpcSessionTest, ALongSilenceBeforeAReplyIsNoLoss) {
-    open({milliseconds(50), milliseconds(10000)});
+    open({milliseconds(50), milliseconds(10000), milliseconds(100)});
     json asked;
     server_.scriptIs([&](FakeServer&, json const& message) {
         if (message["method"] == "monitor") asked = message;
@@ -231,7 +268,7 @@ TEST_F(RpcSessionTest, ALongSilenceBeforeAReplyIsNoLoss) {
 }
 
 TEST_F(RpcSessionTest, PatienceWithAReplyEnds) {
-    open({milliseconds(50), milliseconds(300)});
+    open({milliseconds(50), milliseconds(300), milliseconds(100)});
     bool lost = false;
     session_->request("monitor", json::array(),
                       [&](RpcReply const& reply) { lost = reply.error.has_value(); });
@@ -240,7 +277,7 @@ TEST_F(RpcSessionTest, PatienceWithAReplyEnds) {
 }
 
 TEST_F(RpcSessionTest, BytesOfAnUnfinishedValueCountAsLife) {
-    open({milliseconds(100), milliseconds(100)});
+    open({milliseconds(100), milliseconds(200), milliseconds(200)});
     server_.send("{\"id\":null,\"method\":\"update\",\"params\":[");
     for (int i = 0; i < 10; ++i) {
         ASSERT_FALSE(runUntil(

@@ -1,75 +1,70 @@
 #ifndef VGWD_AGENT_AGENT_H
 #define VGWD_AGENT_AGENT_H
 
-// The agent: a database client, the mirror that it feeds, and the tree in which the mirror stands:
+// The agent: the tree of its state, the OVSDB side that keeps it, and what the process does beside:
+// signals, the one print of --once, dumps, the process id. docs/agent.md tells operators what each
+// attribute of the tree does.
 //
-//     /vgw/status           Vgw::Status, with ovsdb (the mirror) and ovsdbSessionStatus below it
-//     /vgw/ucastMacsLocal   and mcastMacsLocal, ucastMacsRemote, mcastMacsRemote: directories of
-//                           MAC rows
-//
-// While the mirror is not in step with the database, these entries of the tree are stale and the
-// session's state is stateDisconnected; the rows stay. The session's books are kept for the
-// monitor, the one request that the agent makes.
+// What stands in the tree is all of its interface: whoever has root() configures and watches it.
 
-#include <ovsdb/client/Client.h>
-#include <ovsdb/mirror/Mirror.h>
-#include <qor/tree/Dir.h>
-#include <vgw/agent/Status.h>
-#include <vgwd/agent/EmbeddedServer.h>
+#include <vgwd/agent/ConfigReactor.h>
+#include <vgwd/agent/DatabaseSession.h>
+#include <vgwd/agent/LogOutputs.h>
 #include <vgwd/agent/Options.h>
+#include <vgwd/agent/StateTree.h>
 #include <vgwd/watch/Watcher.h>
 
 #include <asio/io_context.hpp>
 #include <asio/signal_set.hpp>
 #include <asio/steady_timer.hpp>
 
-#include <memory>
 #include <optional>
 #include <string>
 
 namespace Vgwd {
 
-class Agent final : private Ovsdb::ClientListener {
+class Agent final : private SessionListener {
   public:
-    Agent(asio::io_context& loop, Options options, Ovsdb::LogSink log);
+    Agent(asio::io_context& loop, Options options, LogOutputs& logs);
     ~Agent() override;
 
-    /// Runs until a signal or, with --once, the end of its task; the exit code.
+    /// start(), the event loop until a signal or, with --once, the end of its task, stop(); the
+    /// exit code.
     int run();
 
-  private:
-    void onPlan(Ovsdb::MonitorPlan const& plan) override;
-    void onChanges(std::vector<Ovsdb::RowChange> const& changes) override;
-    void onState(Ovsdb::ClientState state, std::string const& reason) override;
-    void onRoundFailed(std::string const& reason) override;
+    /// Begins to work in the event loop, by what the command line says. Raises std::runtime_error
+    /// when that is impossible.
+    void start();
+    /// Ends all that it does, and waits for what it started.
+    void stop();
 
-    Ovsdb::MacDirectories makeDirectories() const;
-    Ovsdb::ClientOptions clientOptions();
+    StateTree& tree() { return tree_; }
+
+  private:
+    void onStep() override;
+    void onInStep() override;
+    void onFailed(std::string const& reason) override;
+    void onListening() override { starting_ = false; }
+
+    void prepareRunDirectory();
+    void configure();
     void awaitSignal();
     void startTimeout();
-    void writePidFile() const;
-    void writeDump() const;
-    void printOnce();
+    void writeDump();
     void end(int exitCode);
-    void entriesAre(Qor::Dir::EntryState state);
-    void accountLoss(std::string const& reason);
 
     asio::io_context& loop_;
     Options options_;
+    LogOutputs& logs_;
     Ovsdb::LogSink log_;
     asio::signal_set signals_;
     asio::steady_timer timeout_;
-    std::optional<EmbeddedServer> server_;
-
-    Qor::Dir::Ptr root_;
-    Vgw::Status::Ptr status_;
-    Vgw::OvsdbSessionStatus::Ptr session_;
-    std::optional<Ovsdb::Client> client_;
-    std::optional<Ovsdb::Mirror> mirror_;
+    StateTree tree_;
+    DatabaseSession session_;
+    ConfigReactor::Ptr reactor_;
     std::optional<Watcher> watcher_;
-    std::string lastReason_;
-    bool synced_ = false;      // a first copy was applied
-    bool monitoring_ = false;  // a monitor was asked for and not told as lost
+    std::string lastReason_ = "no server has answered";
+    bool starting_ = true;  // our own server has never listened
     int exitCode_ = 0;
 };
 

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 
@@ -26,10 +27,14 @@ namespace {
 
 }  // namespace
 
-std::string findProgram(std::string const& name) {
+std::string findProgram(std::string const& name, std::string const& companion) {
+    std::string places;
+    if (!companion.empty()) {
+        std::string const folder = std::filesystem::absolute(companion).parent_path().string();
+        places = folder + ":" + folder + "/../bin:" + folder + "/../sbin:";
+    }
     char const* const path = std::getenv("PATH");
-    std::string const places =
-        std::string(path != nullptr ? path : "") + ":/usr/sbin:/usr/bin:/sbin:/bin";
+    places += std::string(path != nullptr ? path : "") + ":/usr/sbin:/usr/bin:/sbin:/bin";
     for (std::size_t from = 0; from <= places.size();) {
         std::size_t const colon = std::min(places.find(':', from), places.size());
         std::string const candidate = places.substr(from, colon - from) + "/" + name;

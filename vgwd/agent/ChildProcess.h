@@ -9,9 +9,10 @@
 
 namespace Vgwd {
 
-/// The full path of a program, looked for in PATH and in the folders of system programs; raises
+/// The full path of a program, looked for where the program `companion` is (unless that is empty)
+/// and in the bin and sbin beside it, in PATH, and in the folders of system programs; raises
 /// std::runtime_error when there is none.
-std::string findProgram(std::string const& name);
+std::string findProgram(std::string const& name, std::string const& companion);
 /// Starts a program that gets SIGTERM when we end, however we end. Its standard input and output
 /// are /dev/null; standard error is ours.
 pid_t startProgram(std::vector<std::string> const& words);

@@ -1,107 +1,186 @@
 #include <vgwd/agent/EmbeddedServer.h>
 
 #include <vgwd/agent/ChildProcess.h>
+#include <vgwd/agent/RunDirectory.h>
 
 #include <sys/wait.h>
-#include <cerrno>
-#include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace Vgwd {
 namespace {
 
+using Ovsdb::LogLevel;
 using std::chrono::milliseconds;
 
-constexpr milliseconds step{20};
-constexpr int stepsToStart = 250;
-constexpr int stepsToEnd = 250;
+constexpr milliseconds look{20};        // how often it is looked whether it listens, or has ended
+constexpr milliseconds endLimit{5000};  // how long it may take to end
+constexpr milliseconds leastRestart{100};
+constexpr milliseconds mostRestart{5000};
+constexpr std::chrono::seconds steady{10};  // one that ran so long is restarted at once again
 
 }  // namespace
 
-EmbeddedServer::EmbeddedServer(asio::io_context& loop, std::string const& runDirectory,
-                               std::string schemaFile, Ovsdb::LogSink log)
-    : log_(std::move(log)),
-      restart_(loop),
-      directory_(std::filesystem::absolute(runDirectory)),
-      schemaFile_(std::move(schemaFile)) {}
+EmbeddedServer::EmbeddedServer(asio::io_context& loop, Options const& options, Handlers handlers,
+                               Ovsdb::LogSink log)
+    : options_(options),
+      handlers_(std::move(handlers)),
+      log_(std::move(log)),
+      timer_(loop),
+      backoff_(leastRestart, mostRestart) {
+    static_cast<void>(remote());  // refuses a path that is too long for a socket
+}
+
+std::string EmbeddedServer::file(char const* name) const {
+    return runFile(options_.runDirectory, name);
+}
 
 Ovsdb::Remote EmbeddedServer::remote() const {
     return Ovsdb::parseRemote("unix:" + file("db.sock"));
 }
 
-void EmbeddedServer::start() {
-    static_cast<void>(remote());  // refuses a path that is too long for a socket
-    std::filesystem::create_directories(directory_);
-    if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
-    launch();
-    awaitSocket();
+void EmbeddedServer::wantedIs(bool wanted) {
+    if (std::exchange(wanted_, wanted) == wanted) return;
+    if (wanted) {
+        backoff_.reset();
+        // One that is still ending is followed by the new one.
+        if (server_ == 0) begin();
+        return;
+    }
+    ending_ = true;
+    if (server_ == 0) return handleEnd();
+    ::kill(server_, SIGTERM);
+    after(endLimit, &EmbeddedServer::kill);
 }
 
-void EmbeddedServer::createDatabase() {
-    if (!std::filesystem::exists(schemaFile_))
-        throw std::runtime_error("schema " + schemaFile_ + " is not there (--schema)");
-    int const code = awaitProgram(
-        startProgram({findProgram("ovsdb-tool"), "create", file("vtep.db"), schemaFile_}));
+void EmbeddedServer::begin() {
+    ending_ = false;
+    try {
+        if (!persist_) removeDatabase();
+        if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
+        launch();
+    } catch (std::exception const& e) {
+        fail(e.what());
+    }
+}
+
+void EmbeddedServer::createDatabase() const {
+    if (!std::filesystem::exists(options_.schemaFile))
+        throw std::runtime_error("schema " + options_.schemaFile + " is not there (--schema)");
+    std::string const tool = findProgram("ovsdb-tool", options_.serverProgram);
+    int const code =
+        awaitProgram(startProgram({tool, "create", file("vtep.db"), options_.schemaFile}));
     if (code != 0)
-        throw std::runtime_error("ovsdb-tool create " + file("vtep.db") + " " + schemaFile_ +
+        throw std::runtime_error(tool + " create " + file("vtep.db") + " " + options_.schemaFile +
                                  " ended with " + std::to_string(code));
+}
+
+std::vector<std::string> EmbeddedServer::words() const {
+    std::string const program =
+        options_.serverProgram.empty() ? findProgram("ovsdb-server", "") : options_.serverProgram;
+    std::vector<std::string> words{program,
+                                   "--no-chdir",
+                                   "-vconsole:off",
+                                   "-vsyslog:off",
+                                   "--log-file=" + file("ovsdb-server.log"),
+                                   "--unixctl=" + file("server.ctl"),
+                                   "--pidfile=" + file("server.pid"),
+                                   "--remote=punix:" + file("db.sock"),
+                                   "--remote=db:hardware_vtep,Global,managers"};
+    if (options_.tls.complete()) {
+        words.push_back("--private-key=" + options_.tls.privateKey);
+        words.push_back("--certificate=" + options_.tls.certificate);
+        words.push_back("--ca-cert=" + options_.tls.authority);
+    }
+    words.push_back(file("vtep.db"));
+    return words;
 }
 
 void EmbeddedServer::launch() {
     std::filesystem::remove(file("db.sock"));
-    server_ = startProgram({findProgram("ovsdb-server"), "--no-chdir", "-vconsole:off",
-                            "-vsyslog:off", "--log-file=" + file("ovsdb-server.log"),
-                            "--unixctl=" + file("server.ctl"), "--remote=punix:" + file("db.sock"),
-                            "--remote=db:hardware_vtep,Global,managers", file("vtep.db")});
-    log_(Ovsdb::LogLevel::info,
-         "ovsdb-server runs in " + directory_ + ", process " + std::to_string(server_));
+    server_ = startProgram(words());
+    launched_ = Clock::now();
+    log_(LogLevel::info,
+         "ovsdb-server runs in " + options_.runDirectory + ", process " + std::to_string(server_));
+    awaitSocket();
 }
 
 void EmbeddedServer::awaitSocket() {
-    for (int i = 0; i < stepsToStart; ++i) {
-        if (std::filesystem::exists(file("db.sock"))) return;
-        if (::waitpid(server_, nullptr, WNOHANG) != 0) {
-            server_ = 0;
-            throw std::runtime_error("ovsdb-server ended at once; its log is " +
-                                     file("ovsdb-server.log"));
-        }
-        std::this_thread::sleep_for(step);
-    }
-    throw std::runtime_error("ovsdb-server doesn't listen on " + file("db.sock"));
-}
-
-void EmbeddedServer::stop() {
-    restart_.cancel();
-    if (server_ == 0) return;
-    ::kill(server_, SIGTERM);
-    for (int i = 0; i < stepsToEnd; ++i) {
-        if (::waitpid(server_, nullptr, WNOHANG) != 0) {
-            server_ = 0;
-            return;
-        }
-        std::this_thread::sleep_for(step);
-    }
-    ::kill(server_, SIGKILL);
-    static_cast<void>(awaitProgram(server_));
-    server_ = 0;
+    if (!std::filesystem::exists(file("db.sock"))) return after(look, &EmbeddedServer::awaitSocket);
+    if (handlers_.listening) handlers_.listening();
 }
 
 void EmbeddedServer::handleChild() {
-    if (server_ == 0 || ::waitpid(server_, nullptr, WNOHANG) == 0) return;
-    log_(Ovsdb::LogLevel::error,
-         "our ovsdb-server, process " + std::to_string(server_) + ", ended; it is started again");
+    int status = 0;
+    if (server_ == 0 || ::waitpid(server_, &status, WNOHANG) == 0) return;
+    pid_t const ended = std::exchange(server_, 0);
+    ++step_;
+    if (ending_) return handleEnd();
+    fail("our ovsdb-server, process " + std::to_string(ended) + ", ended; its log is " +
+         file("ovsdb-server.log"));
+}
+
+// It ended as it was told to.
+void EmbeddedServer::handleEnd() {
+    ++step_;
+    timer_.cancel();
+    if (!persist_) removeDatabase();
+    if (wanted_) begin();
+}
+
+void EmbeddedServer::fail(std::string const& reason) {
+    if (Clock::now() - launched_ > steady) backoff_.reset();
+    launched_ = {};
+    milliseconds const wait = backoff_.next();
+    log_(LogLevel::error,
+         reason + "; it is started again in " + std::to_string(wait.count()) + " ms");
+    after(wait, &EmbeddedServer::restart);
+    if (handlers_.failed) handlers_.failed(reason);
+}
+
+// The database stays what it was: the agent has not ended.
+void EmbeddedServer::restart() {
+    try {
+        if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
+        launch();
+    } catch (std::exception const& e) {
+        fail(e.what());
+    }
+}
+
+void EmbeddedServer::kill() {
+    if (server_ != 0) ::kill(server_, SIGKILL);
+}
+
+void EmbeddedServer::stop() {
+    ++step_;
+    timer_.cancel();
+    wanted_ = false;
+    ending_ = true;
+    if (server_ == 0) return;
+    ::kill(server_, SIGTERM);
+    auto const limit = Clock::now() + endLimit;
+    while (::waitpid(server_, nullptr, WNOHANG) == 0) {
+        if (Clock::now() >= limit) ::kill(server_, SIGKILL);
+        std::this_thread::sleep_for(look);
+    }
     server_ = 0;
-    restart_.expires_after(milliseconds(500));
-    restart_.async_wait([this](std::error_code error) {
-        if (error) return;
-        try {
-            launch();
-        } catch (std::exception const& e) {
-            log_(Ovsdb::LogLevel::error, e.what());
-        }
+    if (!persist_) removeDatabase();
+}
+
+void EmbeddedServer::removeDatabase() const {
+    std::error_code ignored;
+    std::filesystem::remove(file("vtep.db"), ignored);
+    std::filesystem::remove(file(".vtep.db.~lock~"), ignored);
+}
+
+void EmbeddedServer::after(milliseconds wait, void (EmbeddedServer::*step)()) {
+    timer_.expires_after(wait);
+    timer_.async_wait([this, step, at = ++step_](std::error_code error) {
+        if (!error && at == step_) (this->*step)();
     });
 }
 

@@ -1,19 +1,30 @@
 #ifndef VGWD_AGENT_EMBEDDED_SERVER_H
 #define VGWD_AGENT_EMBEDDED_SERVER_H
 
-// An ovsdb-server of our own: in a run directory, on a unix socket there, with a hardware_vtep
-// database that is made from the schema the first time and kept. It ends with us, also when we are
-// killed; one that ends by itself is started again.
+// An ovsdb-server of our own: in the run directory, on a unix socket there, with a hardware_vtep
+// database that is made from the schema the first time. It is wanted or not; what there is follows,
+// without keeping the event loop waiting:
 //
-// Files in the run directory: vtep.db, db.sock, server.ctl, ovsdb-server.log.
+//     idle -> starting -> listening -> (not wanted) -> ending -> idle
+//
+// One that ends by itself is started again, the first time at once, then ever more rarely. It ends
+// with us, also when we are killed. The database is kept, unless it is told not to: then it is
+// removed when the server has ended because it was not wanted, and before a start that is not a
+// restart. With a key and certificates the server reaches managers by ssl, as its database names
+// them.
 
+#include <ovsdb/client/Backoff.h>
 #include <ovsdb/client/Log.h>
 #include <ovsdb/rpc/Remote.h>
+#include <vgwd/agent/Options.h>
 
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 
 #include <sys/types.h>
+#include <chrono>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,16 +32,20 @@ namespace Vgwd {
 
 class EmbeddedServer {
   public:
-    EmbeddedServer(asio::io_context& loop, std::string const& runDirectory, std::string schemaFile,
+    struct Handlers {
+        std::function<void()> listening;                 ///< each time it has begun to listen
+        std::function<void(std::string const&)> failed;  ///< it can't be started, and why
+    };
+
+    EmbeddedServer(asio::io_context& loop, Options const& options, Handlers handlers,
                    Ovsdb::LogSink log);
     EmbeddedServer(EmbeddedServer const&) = delete;
     EmbeddedServer& operator=(EmbeddedServer const&) = delete;
     ~EmbeddedServer() { stop(); }
 
-    /// Makes the database if need be, starts the server and waits until its socket is there. Raises
-    /// std::runtime_error, which names what is missing or failed.
-    void start();
-    /// Ends it and waits for its end.
+    void wantedIs(bool wanted);
+    void persistIs(bool persist) { persist_ = persist; }
+    /// Ends it and waits for its end; nothing is told any more.
     void stop();
     /// A child of ours may have ended (SIGCHLD).
     void handleChild();
@@ -38,16 +53,32 @@ class EmbeddedServer {
     Ovsdb::Remote remote() const;
 
   private:
-    std::string file(char const* name) const { return directory_ + "/" + name; }
-    void createDatabase();
-    void launch();
-    void awaitSocket();
+    using Clock = std::chrono::steady_clock;
 
+    std::string file(char const* name) const;
+    std::vector<std::string> words() const;
+    void begin();
+    void createDatabase() const;
+    void launch();
+    void restart();
+    void kill();
+    void awaitSocket();
+    void handleEnd();
+    void fail(std::string const& reason);
+    void removeDatabase() const;
+    void after(std::chrono::milliseconds wait, void (EmbeddedServer::*step)());
+
+    Options options_;
+    Handlers handlers_;
     Ovsdb::LogSink log_;
-    asio::steady_timer restart_;
-    std::string directory_;
-    std::string schemaFile_;
+    asio::steady_timer timer_;  // of the one thing that is awaited: socket, restart, end
+    Ovsdb::Backoff backoff_;
     pid_t server_ = 0;  // 0: none runs
+    Clock::time_point launched_;
+    std::uint64_t step_ = 0;  // a timer of an earlier one is late
+    bool wanted_ = false;
+    bool ending_ = false;  // it was told to end
+    bool persist_ = true;
 };
 
 }  // namespace Vgwd

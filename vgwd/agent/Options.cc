@@ -1,21 +1,33 @@
 #include <vgwd/agent/Options.h>
 
+#include <vgwd/agent/LogWords.h>
+
 #include <CLI/CLI.hpp>
 
 namespace Vgwd {
 namespace {
 
-void describe(CLI::App& app, Options& options, std::string& remotes) {
-    app.add_option("--ovsdb", remotes,
+// As they stand on the command line, before they are understood.
+struct Words {
+    std::string remotes;
+    std::vector<std::string> logs;
+};
+
+void describeServer(CLI::App& app, Options& options, Words& words) {
+    app.add_option("--ovsdb", words.remotes,
                    "servers of the database, tried in turn: unix:PATH, tcp:HOST:PORT, "
                    "ssl:HOST:PORT, parted by commas; "
                    "without it an ovsdb-server of our own is started in the run directory")
         ->type_name("REMOTE[,REMOTE...]");
     app.add_option("--run-dir", options.runDirectory,
-                   "where our own server has its database and sockets")
+                   "where our log and our own server's database and sockets are; made for the "
+                   "owner alone")
         ->capture_default_str();
     app.add_option("--schema", options.schemaFile, "schema of our own server's database")
         ->capture_default_str();
+    app.add_option("--ovsdb-server", options.serverProgram,
+                   "our own server's program; without it ovsdb-server is looked for in PATH")
+        ->type_name("FILE");
     app.add_option("-p,--private-key", options.tls.privateKey, "our private key, for ssl: (PEM)")
         ->type_name("FILE");
     app.add_option("-c,--certificate", options.tls.certificate, "our certificate, for ssl: (PEM)")
@@ -23,12 +35,15 @@ void describe(CLI::App& app, Options& options, std::string& remotes) {
     app.add_option("-C,--ca-cert", options.tls.authority,
                    "authority that signed the server's certificate (PEM)")
         ->type_name("FILE");
+}
+
+void describeOutput(CLI::App& app, Options& options) {
     app.add_flag("--once", options.once, "print the mirror once it is in step, and end");
     app.add_option("-f,--format", options.format, "of what --once prints: json or tree")
         ->check(CLI::IsMember({"json", "tree"}))
         ->capture_default_str();
     app.add_flag("--watch", options.watch,
-                 "print each change of the mirror, attribute by attribute");
+                 "print each change of the mirror and of the session, attribute by attribute");
     app.add_option("--dump-file", options.dumpFile, "written, as json, on SIGUSR1")
         ->type_name("FILE");
     app.add_option("-t,--timeout", options.timeout,
@@ -36,13 +51,31 @@ void describe(CLI::App& app, Options& options, std::string& remotes) {
                    "the first round of remotes")
         ->check(CLI::NonNegativeNumber)
         ->type_name("SECONDS");
+}
+
+void describeProcess(CLI::App& app, Options& options, Words& words) {
+    app.add_flag("--disabled", options.disabled,
+                 "begin with enableAgent false: nothing runs until it is set");
     app.add_option("--log-file", options.logFile, "log there too, besides standard error")
         ->type_name("FILE");
-    app.add_option("-v,--verbose", options.logLevel, "what is logged: off, err, warn, info or dbg")
-        ->check(CLI::IsMember({"off", "err", "warn", "info", "dbg"}))
-        ->capture_default_str();
+    app.add_option("-v,--verbose", words.logs,
+                   "what is logged: off, emer, err, warn, info or dbg, for one destination "
+                   "(console, syslog, file) or without one for console and log file [info]")
+        ->allow_extra_args(false)
+        ->type_name("[DESTINATION:]LEVEL");
     app.add_option("--pidfile", options.pidFile, "our process id, written once signals are taken")
         ->type_name("FILE");
+}
+
+void take(Words const& words, Options& options) {
+    try {
+        if (!words.remotes.empty()) options.remotes = Ovsdb::parseRemotes(words.remotes);
+    } catch (Ovsdb::RemoteError const& e) {
+        throw CLI::ValidationError("--ovsdb", e.what());
+    }
+    for (std::string const& word : words.logs)
+        if (std::string const wrong = takeLogWord(options, word); !wrong.empty())
+            throw CLI::ValidationError("--verbose", wrong);
 }
 
 void check(Options const& options) {
@@ -52,6 +85,8 @@ void check(Options const& options) {
                 "--ovsdb",
                 remote.text() +
                     " needs a private key (-p), a certificate (-c) and an authority (-C)");
+    if (options.once && options.disabled)
+        throw CLI::ValidationError("--once", "prints nothing when --disabled");
 }
 
 }  // namespace
@@ -60,15 +95,13 @@ std::optional<Options> parseOptions(int count, char const* const* words, int& ex
     CLI::App app("Keeps a typed, observable mirror of an OVSDB hardware_vtep database.", "vgwd");
     app.set_version_flag("-V,--version", "vgwd " VGWD_VERSION);
     Options options;
-    std::string remotes;
-    describe(app, options, remotes);
+    Words said;
+    describeServer(app, options, said);
+    describeOutput(app, options);
+    describeProcess(app, options, said);
     try {
         app.parse(count, words);
-        try {
-            if (!remotes.empty()) options.remotes = Ovsdb::parseRemotes(remotes);
-        } catch (Ovsdb::RemoteError const& e) {
-            throw CLI::ValidationError("--ovsdb", e.what());
-        }
+        take(said, options);
         check(options);
     } catch (CLI::ParseError const& e) {
         exitCode = app.exit(e) == 0 ? 0 : 1;

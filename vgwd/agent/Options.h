@@ -5,6 +5,7 @@
 
 #include <ovsdb/rpc/Remote.h>
 #include <ovsdb/rpc/TlsFiles.h>
+#include <vgw/values/OvsdbLogLevel.h>
 
 #include <optional>
 #include <string>
@@ -17,14 +18,22 @@ struct Options {
     Ovsdb::TlsFiles tls;
     std::string runDirectory = "/run/vgwd";
     std::string schemaFile = "/usr/share/openvswitch/vtep.ovsschema";
+    std::string serverProgram;  ///< of the server of our own; empty: ovsdb-server is looked for
     std::string dumpFile;
-    std::string logFile;
-    std::string logLevel = "info";
+    std::string logFile;  ///< empty: vgwd.log in the run directory, when a level asks for it
+    Vgw::OvsdbLogLevel logConsole = Vgw::OvsdbLogLevel::information;
+    Vgw::OvsdbLogLevel logSyslog = Vgw::OvsdbLogLevel::disabled;
+    std::optional<Vgw::OvsdbLogLevel> logFileLevel;  ///< none: as the console, if there is a file
     std::string pidFile;
     std::string format = "json";
     double timeout = 0;  ///< seconds; 0: none
     bool once = false;
     bool watch = false;
+    bool disabled = false;
+
+    Vgw::OvsdbLogLevel fileLevel() const {
+        return logFileLevel.value_or(logFile.empty() ? Vgw::OvsdbLogLevel::disabled : logConsole);
+    }
 };
 
 /// Nothing when the program is to end at once; `exitCode` is set then, and what is to be said was

@@ -76,6 +76,21 @@ void tellMacRows(std::string_view table, Qor::Dir const& directory, ContentSink&
     sink.end();
 }
 
+void tellSession(Vgw::OvsdbSessionStatus const& session, ContentSink& sink) {
+    sink.begin("ovsdbSessionStatus");
+    sink.value("lastErrorCode", session.lastErrorCode().view());
+    sink.value("lastFailedMsg", session.lastFailedMsg().view());
+    sink.value("lastFailedMsgDetail", session.lastFailedMsgDetail().view());
+    sink.value("lastMsgSent", session.lastMsgSent().view());
+    sink.value("lastMsgSentDetail", session.lastMsgSentDetail().view());
+    sink.value("lastSuccessfulMsg", session.lastSuccessfulMsg().view());
+    sink.value("lastSuccessfulMsgDetail", session.lastSuccessfulMsgDetail().view());
+    sink.value("numFailedMsg", std::uint64_t{session.numFailedMsg()});
+    sink.value("numSuccessfulMsg", std::uint64_t{session.numSuccessfulMsg()});
+    sink.value("sessionState", Vgw::stringValue(session.sessionState()).view());
+    sink.end();
+}
+
 }  // namespace
 
 void tellMirror(Ovsdb::Mirror const& mirror, ContentSink& sink) {
@@ -92,14 +107,7 @@ void tellMirror(Ovsdb::Mirror const& mirror, ContentSink& sink) {
 
 void tellStatus(Vgw::Status const& status, ContentSink& sink) {
     sink.begin("status");
-    if (auto const session = status.ovsdbSessionStatus()) {
-        sink.begin("ovsdbSessionStatus");
-        sink.value("sessionState", Vgw::stringValue(session->sessionState()).view());
-        sink.value("lastErrorCode", session->lastErrorCode().view());
-        sink.value("numSuccessfulMsg", std::uint64_t{session->numSuccessfulMsg()});
-        sink.value("numFailedMsg", std::uint64_t{session->numFailedMsg()});
-        sink.end();
-    }
+    if (auto const session = status.ovsdbSessionStatus()) tellSession(*session, sink);
     sink.value("running", std::string_view(status.running() ? "true" : "false"));
     sink.value("vtepListType", Vgw::stringValue(status.vtepListType()).view());
     sink.end();

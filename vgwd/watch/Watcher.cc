@@ -1,6 +1,8 @@
 #include <vgwd/watch/Watcher.h>
 
+#include <vgw/OvsdbDataTypes.h>
 #include <vgwd/watch/RowWatch.h>
+#include <vgwd/watch/StatusWatch.h>
 
 #include <map>
 
@@ -100,12 +102,12 @@ class DirectoryWatch final : public Qor::Dir::NotifieeConst {
 
 }  // namespace
 
-Watcher::Watcher(Vgw::HwVtepOvsdb::Ptr const& database,
-                 std::vector<Qor::Dir::Ptr> const& directories, std::FILE* out)
-    : printer_(out) {
+Watcher::Watcher(Vgw::Status::Ptr const& status, Ovsdb::MacDirectories const& macs, std::FILE* out)
+    : printer_(out), watches_(watchStatus(status, printer_)) {
     watches_.push_back(Qor::make<DatabaseWatch>(printer_));
-    watches_.back()->notifierIs(database);
-    for (Qor::Dir::Ptr const& directory : directories) {
+    watches_.back()->notifierIs(status->ovsdb());
+    for (Qor::Dir::Ptr const& directory :
+         {macs.ucastMacsLocal, macs.mcastMacsLocal, macs.ucastMacsRemote, macs.mcastMacsRemote}) {
         watches_.push_back(Qor::make<DirectoryWatch>(printer_));
         watches_.back()->notifierIs(directory);
     }

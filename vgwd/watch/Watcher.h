@@ -1,11 +1,12 @@
 #ifndef VGWD_WATCH_WATCHER_H
 #define VGWD_WATCH_WATCHER_H
 
-// Watches a database and the MAC rows' directories, and every row in them while it is there, and
-// prints what they tell. It only listens: it is an example of an agent's reactors.
+// Watches the agent's status and session, the database and the MAC rows' directories, and every row
+// in them while it is there, and prints what they tell. It only listens: it is an example of an
+// agent's reactors.
 
-#include <qor/tree/Dir.h>
-#include <vgw/tables/HwVtepOvsdb.h>
+#include <ovsdb/mirror/MacRows.h>
+#include <vgw/agent/Status.h>
 #include <vgwd/watch/ChangePrinter.h>
 
 #include <vector>
@@ -14,8 +15,7 @@ namespace Vgwd {
 
 class Watcher {
   public:
-    Watcher(Vgw::HwVtepOvsdb::Ptr const& database, std::vector<Qor::Dir::Ptr> const& directories,
-            std::FILE* out);
+    Watcher(Vgw::Status::Ptr const& status, Ovsdb::MacDirectories const& macs, std::FILE* out);
     ~Watcher();
 
     /// To be called after each step of the mirror.

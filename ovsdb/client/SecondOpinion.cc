@@ -1,0 +1,66 @@
+#include <ovsdb/client/SecondOpinion.h>
+
+#include <nlohmann/json.hpp>
+
+namespace Ovsdb {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds connectLimit{1000};
+constexpr milliseconds betweenTries{500};
+constexpr milliseconds grace{200};
+
+}  // namespace
+
+void SecondOpinion::ask(Remote const& remote, TlsFiles const& tls, std::function<void()> answered) {
+    remote_ = remote;
+    tls_ = tls;
+    answered_ = std::move(answered);
+    connect();
+}
+
+void SecondOpinion::cancel() {
+    ++turn_;
+    timer_.cancel();
+    connector_.cancel();
+    if (session_ != nullptr) session_->close();
+    session_.reset();
+}
+
+void SecondOpinion::connect() {
+    connector_.connect(remote_, tls_, connectLimit,
+                       [this](std::shared_ptr<Transport> transport, std::string const&) {
+                           if (transport == nullptr) return again();
+                           echo(std::move(transport));
+                       });
+}
+
+void SecondOpinion::echo(std::shared_ptr<Transport> transport) {
+    session_ = std::make_shared<RpcSession>(loop_, std::move(transport),
+                                            static_cast<RpcListener&>(*this), RpcTimes());
+    session_->start();
+    session_->request("echo", nlohmann::json::array(), [this](RpcReply const& reply) {
+        if (!reply.error) after(grace, &SecondOpinion::tell);
+    });
+}
+
+void SecondOpinion::again() {
+    session_.reset();
+    after(betweenTries, &SecondOpinion::connect);
+}
+
+// A timer that has run out can't be taken back: its handler asks whether it is still wanted.
+void SecondOpinion::after(milliseconds wait, void (SecondOpinion::*step)()) {
+    timer_.expires_after(wait);
+    timer_.async_wait([this, step, turn = turn_](std::error_code error) {
+        if (!error && turn == turn_) (this->*step)();
+    });
+}
+
+void SecondOpinion::tell() {
+    cancel();
+    answered_();
+}
+
+}  // namespace Ovsdb

@@ -1,0 +1,149 @@
+#include <vgwd/agent/DatabaseSession.h>
+
+#include <vgwd/agent/RunDirectory.h>
+
+#include <utility>
+
+namespace Vgwd {
+
+using Ovsdb::ClientState;
+using EntryState = Qor::Dir::EntryState;
+
+namespace {
+
+Ovsdb::ClientOptions clientOptions(Options const& options) {
+    Ovsdb::ClientOptions client;
+    client.remotes = options.remotes;
+    client.tls = options.tls;
+    if (client.remotes.empty())
+        client.remotes.push_back(
+            Ovsdb::parseRemote("unix:" + runFile(options.runDirectory, "db.sock")));
+    return client;
+}
+
+}  // namespace
+
+DatabaseSession::DatabaseSession(asio::io_context& loop, Options const& options, StateTree& tree,
+                                 SessionListener& listener, Ovsdb::LogSink log)
+    : tree_(tree),
+      listener_(listener),
+      client_(loop, clientOptions(options), static_cast<Ovsdb::ClientListener&>(*this), log),
+      mirror_(client_.rows(), tree.database(), tree.macs()),
+      books_(loop, tree.session(), tree.config()),
+      manager_(loop, client_, tree.database(), log) {
+    if (options.remotes.empty()) addServer(loop, options, log);
+}
+
+DatabaseSession::~DatabaseSession() { stop(); }
+
+void DatabaseSession::addServer(asio::io_context& loop, Options const& options,
+                                Ovsdb::LogSink const& log) {
+    EmbeddedServer::Handlers handlers;
+    handlers.listening = [this] {
+        listener_.onListening();
+        begin();
+    };
+    handlers.failed = [this](std::string const& reason) { listener_.onFailed(reason); };
+    server_.emplace(loop, options, std::move(handlers), log);
+}
+
+void DatabaseSession::enabledIs(bool enabled) {
+    if (std::exchange(enabled_, enabled) == enabled) return;
+    if (leaving_) return;  // what holds when it has ended decides
+    if (!enabled) return end();
+    books_.awaitCopy("starting");
+    if (server_)
+        server_->wantedIs(true);
+    else
+        begin();
+}
+
+void DatabaseSession::begin() {
+    if (!enabled_ || std::exchange(running_, true)) return;
+    client_.start();
+}
+
+void DatabaseSession::end() {
+    leaving_ = true;
+    manager_.inStepIs(false);
+    client_.leave([this] { handleLeft(); });
+}
+
+void DatabaseSession::handleLeft() {
+    running_ = leaving_ = false;
+    tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    books_.close();
+    if (server_) server_->wantedIs(false);
+    listener_.onStep();
+    if (std::exchange(enabled_, false)) enabledIs(true);
+}
+
+void DatabaseSession::persistIs(bool persist) {
+    if (server_) server_->persistIs(persist);
+}
+
+void DatabaseSession::handleChild() {
+    if (server_) server_->handleChild();
+}
+
+void DatabaseSession::stop() {
+    client_.stop();
+    manager_.inStepIs(false);
+    if (server_) server_->stop();
+}
+
+void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) { mirror_.planIs(plan); }
+
+void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
+    mirror_.apply(changes);
+    listener_.onStep();
+}
+
+void DatabaseSession::onState(ClientState state, std::string const& reason) {
+    if (state == ClientState::inStep) {
+        // The schema may have changed, and no row with it.
+        mirror_.apply({});
+        synced_ = true;
+        tree_.mirrorStateIs(EntryState::ready);
+    } else if (!reason.empty()) {
+        tree_.session()->lastErrorCodeIs(std::string_view(reason));
+        handleOutOfStep(reason);
+    }
+    listener_.onStep();
+}
+
+void DatabaseSession::handleOutOfStep(std::string const& reason) {
+    manager_.inStepIs(false);
+    tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    books_.awaitCopy(reason);
+}
+
+void DatabaseSession::onRequest(Ovsdb::RequestKind kind, std::string const& detail) {
+    books_.request(kind, detail);
+}
+
+void DatabaseSession::onOutcome(Ovsdb::RequestKind kind, std::string const& detail,
+                                Ovsdb::RpcError const* error) {
+    books_.outcome(kind, detail, error);
+    listener_.onStep();
+    if (kind != Ovsdb::RequestKind::monitor || error != nullptr) return;
+    manager_.inStepIs(true);
+    listener_.onInStep();
+}
+
+void DatabaseSession::onSilent(bool silent) {
+    if (silent) {
+        tree_.mirrorStateIs(EntryState::stale);
+        books_.awaitCopy("the server does not answer");
+    } else {
+        tree_.mirrorStateIs(EntryState::ready);
+        books_.resume();
+    }
+    listener_.onStep();
+}
+
+void DatabaseSession::onLeader(bool leader) { books_.leaderIs(leader); }
+
+void DatabaseSession::onRoundFailed(std::string const& reason) { listener_.onFailed(reason); }
+
+}  // namespace Vgwd

@@ -1,0 +1,33 @@
+#ifndef VGWD_AGENT_RUN_DIRECTORY_H
+#define VGWD_AGENT_RUN_DIRECTORY_H
+
+// The folder in which the agent keeps what is its own:
+//
+//     vtep.db            the database of the server of our own      db.sock      its socket
+//     ovsdb-server.log   its log                                    server.ctl   its control socket
+//     vgwd.log           our log, unless --log-file names another   server.pid   its process id
+//
+// Only the owner may enter it, since whoever can open the sockets can write the database.
+
+#include <ovsdb/client/Log.h>
+#include <vgw/agent/Config.h>
+#include <vgwd/agent/Options.h>
+
+#include <string>
+
+namespace Vgwd {
+
+/// Makes the folder, with its parents, for the owner alone. One that is there is left as it is;
+/// that others may write to it is said. Raises std::runtime_error, which names the folder.
+void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log);
+
+/// A file of the folder, by its full path.
+std::string runFile(std::string const& directory, char const* name);
+
+/// Writes down where things are. What the agent has no part in (files of a server that others run,
+/// backups, certificates that were not named) stays empty.
+void describeRunDirectory(Vgw::Config& config, Options const& options);
+
+}  // namespace Vgwd
+
+#endif

@@ -1,0 +1,75 @@
+#ifndef VGWD_AGENT_SESSION_BOOKS_H
+#define VGWD_AGENT_SESSION_BOOKS_H
+
+// Keeps a Vgw::OvsdbSessionStatus: each request that the client makes, how each ended, and the
+// state of the session.
+//
+// sessionState says whether the mirror is in step: stateConnected when it is, stateBackupDbSynced
+// when it is through a server that follows the leader of its cluster, stateDisconnected when it is
+// not. A loss is not reported at once: a server that restarts is back within a moment, and who
+// follows the state wants to hear of outages. So the state stays what it was until the mirror is in
+// step again, or until a whole copy has been awaited for Config::restartSyncShort seconds, or
+// restartSyncLimit seconds when there was none before; then stateDisconnected is reported, as a
+// monitor that failed. 0 reports it at once. The limits are read whenever they change. What the
+// tree tells of its entries (stale) is not delayed.
+//
+// A request that fails while the session goes on leaves the state alone: the accounting marks it as
+// disconnected, and it is set back to what holds before anything else happens.
+
+#include <ovsdb/client/ClientListener.h>
+#include <vgw/agent/Config.h>
+#include <vgw/agent/OvsdbSessionStatus.h>
+
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+
+#include <chrono>
+#include <string>
+
+namespace Vgwd {
+
+class SessionBooks {
+  public:
+    SessionBooks(asio::io_context& loop, Vgw::OvsdbSessionStatus::Ptr session,
+                 Vgw::Config::Ptr config);
+    ~SessionBooks();
+
+    void request(Ovsdb::RequestKind kind, std::string const& detail);
+    /// Null: it went well. A monitor that goes well brings the mirror in step.
+    void outcome(Ovsdb::RequestKind kind, std::string const& detail, Ovsdb::RpcError const* error);
+
+    /// The mirror is not in step, or no longer: a whole copy is awaited from now on, if it was not
+    /// already.
+    void awaitCopy(std::string const& reason);
+    /// The mirror turned out to be in step all the time.
+    void resume();
+    /// The session was ended on purpose.
+    void close();
+    /// The server leads its cluster or stands alone, or it follows.
+    void leaderIs(bool leader);
+
+  private:
+    class LimitReactor;
+
+    void rearm();
+    void reportOverdue();
+    void stateIs(Vgw::SessionState state);
+    Vgw::SessionState inStepState() const {
+        return leader_ ? Vgw::stateConnected : Vgw::stateBackupDbSynced;
+    }
+
+    asio::steady_timer overdue_;
+    Vgw::OvsdbSessionStatus::Ptr session_;
+    Vgw::Config::Ptr config_;
+    Vgw::Config::NotifieeConst::Ptr limits_;
+    std::chrono::steady_clock::time_point since_;  // when awaiting began
+    std::string reason_;
+    bool awaiting_ = false;
+    bool reported_ = false;  // that it takes too long
+    bool synced_ = false;    // there was a whole copy once
+    bool leader_ = true;
+};
+
+}  // namespace Vgwd
+
+#endif

@@ -1,4 +1,6 @@
 """A lost connection costs the mirror nothing but time."""
+import time
+
 import process_case
 from support.agent import SLOWNESS, Agent
 from support.proxy import Proxy
@@ -33,25 +35,25 @@ class ReconnectTest(process_case.ProcessCase):
         agent.await_equal(self.db.read())
         self.describe_switch("before")
         agent.await_heard("before")
-        told = len(agent.heard())
+        told = len(agent.heard_of_rows())
         for turn in range(3):
             self.cut_and_await_reconnect(agent)
             self.describe_switch(f"after {turn}")
             agent.await_heard(f"after {turn}")
-        after = agent.heard()[told:]
+        after = agent.heard_of_rows()[told:]
         # Each turn's one change was told, and nothing else.
         self.assertEqual([f"after {n}" in line for n, line in enumerate(after)], [True] * 3, after)
 
     def test_what_changed_while_cut_off_is_told_and_nothing_else(self):
         agent = self.agent(watch=True)
         agent.await_equal(self.db.read())
-        told = len(agent.heard())
+        told = len(agent.heard_of_rows())
         self.proxy.limit = 0
         self.cut_and_await_reconnect(agent)
         self.describe_switch("while cut off")
         self.proxy.limit = None
         agent.await_equal(self.db.read())
-        after = agent.heard()[told:]
+        after = agent.heard_of_rows()[told:]
         self.assertEqual(len(after), 1, after)
         self.assertIn("while cut off", after[0])
 
@@ -74,14 +76,34 @@ class ReconnectTest(process_case.ProcessCase):
             self.churn(self.db, self.generator, 100)
         agent.await_equal(self.db.read())
 
-    def test_a_server_that_stops_answering_is_noticed_and_left(self):
+    def test_a_server_that_does_not_answer_for_a_while_is_said_and_waited_for(self):
         agent = self.agent()
         agent.await_equal(self.db.read())
-        before = self.proxy.connections
+        in_step = agent.said().count("in step by")
         self.db.pause()
-        agent.await_that(lambda: self.proxy.connections > before, "vgwd gives up the silent connection", 60 / SLOWNESS)
+        agent.await_said("silent; the mirror may be out of step", timeout=4)
+        time.sleep(2)
+        self.db.resume()
+        agent.await_said("speaks again")
+        self.churn(self.db, self.generator, 10)
+        agent.await_equal(self.db.read())
+        self.assertEqual(agent.said().count("in step by"), in_step)
+
+    def test_a_server_that_never_answers_again_is_left(self):
+        agent = self.agent()
+        agent.await_equal(self.db.read())
+        self.db.pause()
+        agent.await_said("no answer for", timeout=30)
         self.db.resume()
         agent.await_equal(self.db.read())
+
+    def test_a_dead_link_to_a_living_server_is_left_within_the_promised_time(self):
+        agent = self.agent()
+        agent.await_equal(self.db.read())
+        for _ in range(3):
+            self.proxy.swallow()
+            self.churn(self.db, self.generator, 10)
+            self.assertLess(agent.await_equal(self.db.read()), 2 * SLOWNESS)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 """The program under test, as a child process: vgwd, told by the environment variable VGWD where it is."""
 import json
 import os
+import re
 import signal
 import subprocess
 import time
@@ -67,6 +68,15 @@ class Agent:
 
     def heard(self):
         return self._heard.read_text(encoding="utf-8", errors="replace").splitlines()
+
+    def heard_of_rows(self):
+        """What --watch printed of the mirror, without the status and the session's books."""
+        return [line for line in self.heard() if not re.search(r" /vgw/status(/ovsdbSessionStatus)?\.", line)]
+
+    def heard_value(self, place):
+        """What --watch printed last of that attribute; None if nothing."""
+        values = [line.split(" -> ")[-1] for line in self.heard() if f" {place} " in line]
+        return values[-1] if values else None
 
     def dump_text(self, timeout=30):
         """The mirror as it is now."""

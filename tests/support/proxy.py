@@ -17,6 +17,7 @@ class Proxy:
         self.cuts = 0  # by the limit
         self.limit = None
         self._open = set()
+        self._dead = set()
         self._lock = threading.Lock()
         self._listener = socket.socket(socket.AF_UNIX, socket.SOCK_STREAM)
         self._listener.bind(str(self.path))
@@ -29,6 +30,11 @@ class Proxy:
             pairs, self._open = self._open, set()
         for pair in pairs:
             _close(pair)
+
+    def swallow(self):
+        """Keeps all connections open and forwards nothing on them any more; new ones are as usual."""
+        with self._lock:
+            self._dead |= self._open
 
     def close(self):
         _close((self._listener,))
@@ -66,6 +72,8 @@ class Proxy:
                 data = source.recv(1 << 16 if left is None else min(left, 1 << 16))
                 if not data:
                     break
+                if pair in self._dead:
+                    continue
                 sink.sendall(data)
                 left = None if left is None else left - len(data)
             if left == 0:

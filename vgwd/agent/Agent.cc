@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <utility>
 
 namespace Vgwd {
 
@@ -42,8 +43,12 @@ void Agent::start() {
     prepareRunDirectory();
     reactor_->follow(tree_.cliConfig());
     awaitSignal();
-    if (!options_.pidFile.empty()) writeWhole(options_.pidFile, std::to_string(::getpid()) + "\n");
     startTimeout();
+    if (!starting_) writePidFile();
+}
+
+void Agent::writePidFile() {
+    if (!options_.pidFile.empty()) writeWhole(options_.pidFile, std::to_string(::getpid()) + "\n");
 }
 
 // An agent that was started is to run: the library's own default is not to.
@@ -53,7 +58,7 @@ void Agent::configure() {
     config.logSyslogIs(options_.logSyslog);
     config.logFileIs(options_.fileLevel());
     config.enableAgentIs(!options_.disabled);
-    starting_ = config.enableAgent();
+    starting_ = options_.remotes.empty() && config.enableAgent();
 }
 
 // A print of someone else's database needs none.
@@ -124,12 +129,15 @@ void Agent::onInStep() {
     end(written ? 0 : 1);
 }
 
+void Agent::onListening() {
+    if (std::exchange(starting_, false)) writePidFile();
+}
+
 void Agent::onFailed(std::string const& reason) {
     lastReason_ = reason;
-    bool const ownServerIsMissing = options_.remotes.empty() && starting_;
     bool const giveUp = options_.once && options_.timeout <= 0;
-    if (!giveUp && !ownServerIsMissing) return;
-    log_(LogLevel::error, reason);
+    if (!giveUp && !starting_) return;
+    logs_.logFatal(reason);
     end(1);
 }
 

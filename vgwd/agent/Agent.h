@@ -25,6 +25,7 @@ namespace Vgwd {
 
 class Agent final : private SessionListener {
   public:
+    /// What goes wrong before start() has set the logs' levels is said as they are.
     Agent(asio::io_context& loop, Options options, LogOutputs& logs);
     ~Agent() override;
 
@@ -44,13 +45,14 @@ class Agent final : private SessionListener {
     void onStep() override;
     void onInStep() override;
     void onFailed(std::string const& reason) override;
-    void onListening() override { starting_ = false; }
+    void onListening() override;
 
     void prepareRunDirectory();
     void configure();
     void awaitSignal();
     void startTimeout();
     void writeDump();
+    void writePidFile();
     void end(int exitCode);
 
     asio::io_context& loop_;
@@ -64,7 +66,7 @@ class Agent final : private SessionListener {
     ConfigReactor::Ptr reactor_;
     std::optional<Watcher> watcher_;
     std::string lastReason_ = "no server has answered";
-    bool starting_ = true;  // our own server has never listened
+    bool starting_ = false;  // our own server is to run and has not listened yet
     int exitCode_ = 0;
 };
 

@@ -4,6 +4,7 @@
 #include <vgwd/agent/RunDirectory.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 #include <csignal>
 #include <filesystem>
 #include <stdexcept>
@@ -58,30 +59,33 @@ void EmbeddedServer::wantedIs(bool wanted) {
 
 void EmbeddedServer::begin() {
     ending_ = false;
-    try {
-        if (!persist_) removeDatabase();
-        if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
-        launch();
-    } catch (std::exception const& e) {
-        fail(e.what());
-    }
+    if (!persist_) removeDatabase();
+    launch();
 }
 
+// Made aside, so that one that was interrupted is not taken for a database.
 void EmbeddedServer::createDatabase() const {
     if (!std::filesystem::exists(options_.schemaFile))
         throw std::runtime_error("schema " + options_.schemaFile + " is not there (--schema)");
     std::string const tool = findProgram("ovsdb-tool", options_.serverProgram);
-    int const code =
-        awaitProgram(startProgram({tool, "create", file("vtep.db"), options_.schemaFile}));
+    std::string const aside = file("vtep.db.new");
+    std::filesystem::remove(aside);
+    int const code = awaitProgram(startProgram({tool, "create", aside, options_.schemaFile}));
     if (code != 0)
-        throw std::runtime_error(tool + " create " + file("vtep.db") + " " + options_.schemaFile +
+        throw std::runtime_error(tool + " create " + aside + " " + options_.schemaFile +
                                  " ended with " + std::to_string(code));
+    std::filesystem::rename(aside, file("vtep.db"));
+    std::filesystem::remove(file(".vtep.db.new.~lock~"));
+}
+
+std::string EmbeddedServer::program() const {
+    if (options_.serverProgram.empty()) return findProgram("ovsdb-server", "");
+    if (::access(options_.serverProgram.c_str(), X_OK) == 0) return options_.serverProgram;
+    throw std::runtime_error("program " + options_.serverProgram + " can't be executed");
 }
 
 std::vector<std::string> EmbeddedServer::words() const {
-    std::string const program =
-        options_.serverProgram.empty() ? findProgram("ovsdb-server", "") : options_.serverProgram;
-    std::vector<std::string> words{program,
+    std::vector<std::string> words{program(),
                                    "--no-chdir",
                                    "-vconsole:off",
                                    "-vsyslog:off",
@@ -100,8 +104,14 @@ std::vector<std::string> EmbeddedServer::words() const {
 }
 
 void EmbeddedServer::launch() {
-    std::filesystem::remove(file("db.sock"));
-    server_ = startProgram(words());
+    try {
+        std::vector<std::string> const server = words();
+        if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
+        std::filesystem::remove(file("db.sock"));
+        server_ = startProgram(server);
+    } catch (std::exception const& e) {
+        return fail(e.what());
+    }
     launched_ = Clock::now();
     log_(LogLevel::info,
          "ovsdb-server runs in " + options_.runDirectory + ", process " + std::to_string(server_));
@@ -137,18 +147,9 @@ void EmbeddedServer::fail(std::string const& reason) {
     milliseconds const wait = backoff_.next();
     log_(LogLevel::error,
          reason + "; it is started again in " + std::to_string(wait.count()) + " ms");
-    after(wait, &EmbeddedServer::restart);
+    // The database stays what it was: the agent has not ended.
+    after(wait, &EmbeddedServer::launch);
     if (handlers_.failed) handlers_.failed(reason);
-}
-
-// The database stays what it was: the agent has not ended.
-void EmbeddedServer::restart() {
-    try {
-        if (!std::filesystem::exists(file("vtep.db"))) createDatabase();
-        launch();
-    } catch (std::exception const& e) {
-        fail(e.what());
-    }
 }
 
 void EmbeddedServer::kill() {

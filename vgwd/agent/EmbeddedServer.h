@@ -56,11 +56,11 @@ class EmbeddedServer {
     using Clock = std::chrono::steady_clock;
 
     std::string file(char const* name) const;
+    std::string program() const;
     std::vector<std::string> words() const;
     void begin();
     void createDatabase() const;
     void launch();
-    void restart();
     void kill();
     void awaitSocket();
     void handleEnd();

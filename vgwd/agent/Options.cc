@@ -63,7 +63,9 @@ void describeProcess(CLI::App& app, Options& options, Words& words) {
                    "(console, syslog, file) or without one for console and log file [info]")
         ->allow_extra_args(false)
         ->type_name("[DESTINATION:]LEVEL");
-    app.add_option("--pidfile", options.pidFile, "our process id, written once signals are taken")
+    app.add_option("--pidfile", options.pidFile,
+                   "our process id, written once signals are taken and our own server, if "
+                   "any, listens")
         ->type_name("FILE");
 }
 

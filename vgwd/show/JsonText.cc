@@ -37,40 +37,23 @@ void appendEscape(std::string& out, char32_t unit) {
 }
 
 void appendCharacter(std::string& out, char32_t character) {
+    static constexpr std::string_view marked = "\"\\\b\f\n\r\t";
+    static constexpr std::string_view letters = "\"\\bfnrt";
     if (character >= 0x10000) {
         appendEscape(out, 0xD800 + ((character - 0x10000) >> 10));
         appendEscape(out, 0xDC00 + ((character - 0x10000) & 0x3FF));
         return;
     }
-    switch (character) {
-        case '"':
-            out += "\\\"";
-            return;
-        case '\\':
-            out += "\\\\";
-            return;
-        case '\b':
-            out += "\\b";
-            return;
-        case '\f':
-            out += "\\f";
-            return;
-        case '\n':
-            out += "\\n";
-            return;
-        case '\r':
-            out += "\\r";
-            return;
-        case '\t':
-            out += "\\t";
-            return;
-        default:
-            break;
-    }
-    if (character < 0x20 || character > 0x7E)
+    std::size_t const at =
+        character < 0x80 ? marked.find(static_cast<char>(character)) : std::string_view::npos;
+    if (at != std::string_view::npos) {
+        out += '\\';
+        out += letters[at];
+    } else if (character < 0x20 || character > 0x7E) {
         appendEscape(out, character);
-    else
+    } else {
         out += static_cast<char>(character);
+    }
 }
 
 }  // namespace

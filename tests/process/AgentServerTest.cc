@@ -2,6 +2,8 @@
 
 #include "AgentUnderTest.h"
 
+#include <vgwd/agent/ChildProcess.h>
+
 #include <csignal>
 #include <filesystem>
 #include <fstream>
@@ -101,6 +103,19 @@ TEST_F(OwnServerTest, SwitchingItOffAndOnQuicklyLeavesOneServerRunning) {
     }
     ASSERT_TRUE(becomes(Vgw::stateConnected));
     EXPECT_TRUE(serverRuns());
+}
+
+// Its signals were written to the pipe in which the agent hears of its own.
+TEST_F(OwnServerTest, AServerThatIsEndedTheMomentItWasStartedDoesNotEndTheAgent) {
+    start();
+    for (int i = 0; i < 20; ++i) {
+        pid_t const child = startProgram({"/bin/true"});
+        ::kill(child, SIGTERM);
+        static_cast<void>(awaitProgram(child));
+    }
+    runFor(milliseconds(50));
+    EXPECT_TRUE(status().running());
+    EXPECT_EQ(console_.str().find("SIGTERM"), std::string::npos);
 }
 
 TEST_F(OwnServerTest, AMissingProgramIsNamedAndEndsAnAgentThatStarts) {

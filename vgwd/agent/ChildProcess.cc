@@ -14,8 +14,34 @@
 namespace Vgwd {
 namespace {
 
+// Blocks every signal for as long as it lives.
+class SignalsBlocked {
+  public:
+    SignalsBlocked() {
+        sigset_t all;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_BLOCK, &all, &before_);
+    }
+    ~SignalsBlocked() { restore(); }
+    SignalsBlocked(SignalsBlocked const&) = delete;
+    SignalsBlocked& operator=(SignalsBlocked const&) = delete;
+
+    void restore() const { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+  private:
+    sigset_t before_{};
+};
+
+// Our handlers write to a pipe that the child shares with us: a signal that it gets before it is
+// another program would be taken for ours.
+void forgetHandlers() {
+    for (int number = 1; number < NSIG; ++number) ::signal(number, SIG_DFL);
+}
+
 // In the child, between fork and exec: nothing here may allocate.
-[[noreturn]] void become(char* const* words, pid_t parent) {
+[[noreturn]] void become(char* const* words, pid_t parent, SignalsBlocked const& blocked) {
+    forgetHandlers();
+    blocked.restore();
     ::prctl(PR_SET_PDEATHSIG, SIGTERM);
     if (::getppid() != parent) ::_exit(1);
     int const null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
@@ -50,9 +76,10 @@ pid_t startProgram(std::vector<std::string> const& words) {
     for (std::string const& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     pid_t const parent = ::getpid();
+    SignalsBlocked const blocked;
     pid_t const child = ::fork();
     if (child < 0) throw std::system_error(errno, std::generic_category(), "fork");
-    if (child == 0) become(arguments.data(), parent);
+    if (child == 0) become(arguments.data(), parent, blocked);
     return child;
 }
 

@@ -82,6 +82,23 @@ TEST_F(OwnServerTest, ADatabaseThatIsNotToPersistIsGoneAfterTheEnd) {
     EXPECT_FALSE(fs::exists(file("vtep.db")));
 }
 
+TEST_F(OwnServerTest, ADatabaseThatIsNotToPersistIsGoneAfterACrashToo) {
+    start();
+    addSwitch();
+    cli().persistDatabaseIs(false);
+    runFor(milliseconds(20));
+    for (char const* const left : {"vtep.db", "vtep.db.transient"})
+        fs::copy_file(file(left), directory_ + "/" + left);
+    agent_.reset();
+    for (char const* const left : {"vtep.db", "vtep.db.transient"})
+        fs::rename(directory_ + "/" + left, file(left));
+    start();
+    EXPECT_EQ(switches(), 0U);
+    addSwitch();
+    agent_.reset();
+    EXPECT_TRUE(fs::exists(file("vtep.db")));  // this agent was told nothing
+}
+
 TEST_F(OwnServerTest, AServerThatDiesIsStartedAgainAndKeepsWhatIsNotToPersist) {
     start();
     cli().persistDatabaseIs(false);

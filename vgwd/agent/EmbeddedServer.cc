@@ -7,6 +7,7 @@
 #include <unistd.h>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -17,6 +18,7 @@ namespace {
 using Ovsdb::LogLevel;
 using std::chrono::milliseconds;
 
+constexpr char const* transient = "vtep.db.transient";
 constexpr milliseconds look{20};        // how often it is looked whether it listens, or has ended
 constexpr milliseconds endLimit{5000};  // how long it may take to end
 constexpr milliseconds leastRestart{100};
@@ -59,8 +61,23 @@ void EmbeddedServer::wantedIs(bool wanted) {
 
 void EmbeddedServer::begin() {
     ending_ = false;
-    if (!persist_) removeDatabase();
+    if (!persist_ || std::filesystem::exists(file(transient))) removeDatabase();
+    markTransient();
     launch();
+}
+
+void EmbeddedServer::persistIs(bool persist) {
+    if (std::exchange(persist_, persist) != persist) markTransient();
+}
+
+// Outlives us, so that the next start knows what a kill left behind.
+void EmbeddedServer::markTransient() const {
+    if (persist_) {
+        std::error_code ignored;
+        std::filesystem::remove(file(transient), ignored);
+    } else {
+        std::ofstream(file(transient)) << "vtep.db is removed at the next start\n";
+    }
 }
 
 // Made aside, so that one that was interrupted is not taken for a database.
@@ -174,8 +191,8 @@ void EmbeddedServer::stop() {
 
 void EmbeddedServer::removeDatabase() const {
     std::error_code ignored;
-    std::filesystem::remove(file("vtep.db"), ignored);
-    std::filesystem::remove(file(".vtep.db.~lock~"), ignored);
+    for (char const* const name : {"vtep.db", ".vtep.db.~lock~", transient})
+        std::filesystem::remove(file(name), ignored);
 }
 
 void EmbeddedServer::after(milliseconds wait, void (EmbeddedServer::*step)()) {

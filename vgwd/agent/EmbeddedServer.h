@@ -44,7 +44,7 @@ class EmbeddedServer {
     ~EmbeddedServer() { stop(); }
 
     void wantedIs(bool wanted);
-    void persistIs(bool persist) { persist_ = persist; }
+    void persistIs(bool persist);
     /// Ends it and waits for its end; nothing is told any more.
     void stop();
     /// A child of ours may have ended (SIGCHLD).
@@ -66,6 +66,7 @@ class EmbeddedServer {
     void handleEnd();
     void fail(std::string const& reason);
     void removeDatabase() const;
+    void markTransient() const;
     void after(std::chrono::milliseconds wait, void (EmbeddedServer::*step)());
 
     Options options_;

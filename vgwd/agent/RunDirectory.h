@@ -6,6 +6,7 @@
 //     vtep.db            the database of the server of our own      db.sock      its socket
 //     ovsdb-server.log   its log                                    server.ctl   its control socket
 //     vgwd.log           our log, unless --log-file names another   server.pid   its process id
+//     vtep.db.transient  there while that database is not to persist
 //
 // Only the owner may enter it, since whoever can open the sockets can write the database.
 

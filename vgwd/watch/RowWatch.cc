@@ -1,62 +1,23 @@
 #include <vgwd/watch/RowWatch.h>
 
 #include <vgw/OvsdbDataTypes.h>
+#include <vgwd/watch/EntityWatch.h>
 
 namespace Vgwd {
 namespace {
 
-std::string quoted(Qor::String8 const& text) { return "\"" + std::string(text.view()) + "\""; }
-
-std::string textOf(Qor::String8 const& text) { return quoted(text); }
-std::string textOf(Kelp::IpAddr address) { return std::string(address.stringValue().view()); }
-std::string textOf(Kelp::EthAddr const& address) {
-    return std::string(address.stringValue().view());
-}
-std::string textOf(Vxlan::Vni vni) { return std::to_string(vni.value()); }
-std::string textOf(bool flag) { return flag ? "true" : "false"; }
-template <class N>
-requires std::is_unsigned_v<N> std::string textOf(N number) { return std::to_string(number); }
-std::string textOf(Vgw::PhysicalLocatorKey const& key) {
-    return std::string(Vgw::stringValue(key.encapType()).view()) + " " + textOf(key.dstIp());
-}
-std::string textOf(Vgw::MacVniPair const& pair) {
-    return textOf(pair.mac()) + " " + textOf(pair.vni());
-}
-
-std::string keyText(Qor::String8 const& key) { return std::string(key.view()); }
-template <class K>
-std::string keyText(K const& key) {
-    return textOf(key);
-}
-
 // What the row classes' watches share.
 template <class X>
-class Watch : public X::NotifieeConst {
+class Watch : public EntityWatch<X> {
   public:
-    Watch(std::string path, ChangePrinter& printer) : path_(std::move(path)), printer_(printer) {}
+    using EntityWatch<X>::EntityWatch;
 
     void onInvalidAttrib(Qor::String8 key) override {
-        keyed("invalidAttrib", key, row().invalidAttribIteratorConst());
+        this->keyed("invalidAttrib", key, row().invalidAttribIteratorConst());
     }
 
   protected:
-    X const& row() const { return static_cast<X const&>(*this->qorNotifier()); }
-
-    template <class V>
-    void scalar(std::string_view attribute, V const& value) {
-        printer_.tell(path_, attribute, textOf(value));
-    }
-    // A key may be gone, which its default value wouldn't tell.
-    template <class K, class Walk>
-    void keyed(std::string_view attribute, K const& key, Walk walk) {
-        while (walk && !(walk.key() == key)) ++walk;
-        printer_.tellKey(path_, attribute, keyText(key),
-                         walk ? textOf(walk.value()) : ChangePrinter::removed);
-    }
-
-  private:
-    std::string path_;
-    ChangePrinter& printer_;
+    X const& row() const { return this->entity(); }
 };
 
 template <class X>

@@ -1,75 +1,49 @@
 #include <vgwd/watch/StatusWatch.h>
 
-#include <array>
-#include <cstdio>
+#include <vgwd/watch/EntityWatch.h>
 
 namespace Vgwd {
 namespace {
 
-std::string textOf(Qor::String8 const& text) { return "\"" + std::string(text.view()) + "\""; }
-std::string textOf(bool flag) { return flag ? "true" : "false"; }
-std::string textOf(Qor::U32 number) { return std::to_string(number); }
-std::string textOf(Vgw::SessionState state) { return std::string(Vgw::stringValue(state).view()); }
-std::string textOf(Vgw::VtepListType type) { return std::string(Vgw::stringValue(type).view()); }
-// Seconds, to the millisecond.
-std::string textOf(Qor::Seconds const& seconds) {
-    std::array<char, 48> text{};
-    std::snprintf(text.data(), text.size(), "%.3f", seconds);
-    return text.data();
-}
-
-// What both watches share.
-template <class X>
-class Watch : public X::NotifieeConst {
+class StatusWatch final : public EntityWatch<Vgw::Status> {
   public:
-    Watch(std::string path, ChangePrinter& printer) : path_(std::move(path)), printer_(printer) {}
+    using EntityWatch::EntityWatch;
+    void onRunning() override { scalar("running", entity().running()); }
+    void onVtepListType() override { scalar("vtepListType", entity().vtepListType()); }
+};
 
-  protected:
-    X const& entity() const { return static_cast<X const&>(*this->qorNotifier()); }
-
-    template <class V>
-    void tell(std::string_view attribute, V const& value) {
-        printer_.tell(path_, attribute, textOf(value));
+class SessionWatch final : public EntityWatch<Vgw::OvsdbSessionStatus> {
+  public:
+    using EntityWatch::EntityWatch;
+    void onSessionState() override { scalar("sessionState", entity().sessionState()); }
+    void onLastStateChange() override { scalar("lastStateChange", entity().lastStateChange()); }
+    void onLastMsgSent() override { scalar("lastMsgSent", entity().lastMsgSent()); }
+    void onLastMsgSentDetail() override {
+        scalar("lastMsgSentDetail", entity().lastMsgSentDetail());
     }
-
-  private:
-    std::string path_;
-    ChangePrinter& printer_;
-};
-
-class StatusWatch final : public Watch<Vgw::Status> {
-  public:
-    using Watch::Watch;
-    void onRunning() override { tell("running", entity().running()); }
-    void onVtepListType() override { tell("vtepListType", entity().vtepListType()); }
-};
-
-class SessionWatch final : public Watch<Vgw::OvsdbSessionStatus> {
-  public:
-    using Watch::Watch;
-    void onSessionState() override { tell("sessionState", entity().sessionState()); }
-    void onLastStateChange() override { tell("lastStateChange", entity().lastStateChange()); }
-    void onLastMsgSent() override { tell("lastMsgSent", entity().lastMsgSent()); }
-    void onLastMsgSentDetail() override { tell("lastMsgSentDetail", entity().lastMsgSentDetail()); }
-    void onTimeOfLastMsg() override { tell("timeOfLastMsg", entity().timeOfLastMsg()); }
+    void onTimeOfLastMsg() override { scalar("timeOfLastMsg", entity().timeOfLastMsg()); }
     void onResponseTimeForLastMsg() override {
-        tell("responseTimeForLastMsg", entity().responseTimeForLastMsg());
+        scalar("responseTimeForLastMsg", entity().responseTimeForLastMsg());
     }
-    void onLastSuccessfulMsg() override { tell("lastSuccessfulMsg", entity().lastSuccessfulMsg()); }
+    void onLastSuccessfulMsg() override {
+        scalar("lastSuccessfulMsg", entity().lastSuccessfulMsg());
+    }
     void onLastSuccessfulMsgDetail() override {
-        tell("lastSuccessfulMsgDetail", entity().lastSuccessfulMsgDetail());
+        scalar("lastSuccessfulMsgDetail", entity().lastSuccessfulMsgDetail());
     }
-    void onNumSuccessfulMsg() override { tell("numSuccessfulMsg", entity().numSuccessfulMsg()); }
-    void onLastFailedMsg() override { tell("lastFailedMsg", entity().lastFailedMsg()); }
+    void onNumSuccessfulMsg() override { scalar("numSuccessfulMsg", entity().numSuccessfulMsg()); }
+    void onLastFailedMsg() override { scalar("lastFailedMsg", entity().lastFailedMsg()); }
     void onLastFailedMsgDetail() override {
-        tell("lastFailedMsgDetail", entity().lastFailedMsgDetail());
+        scalar("lastFailedMsgDetail", entity().lastFailedMsgDetail());
     }
-    void onNumFailedMsg() override { tell("numFailedMsg", entity().numFailedMsg()); }
+    void onNumFailedMsg() override { scalar("numFailedMsg", entity().numFailedMsg()); }
     void onLastSuccessfulMsgTime() override {
-        tell("lastSuccessfulMsgTime", entity().lastSuccessfulMsgTime());
+        scalar("lastSuccessfulMsgTime", entity().lastSuccessfulMsgTime());
     }
-    void onLastFailedMsgTime() override { tell("lastFailedMsgTime", entity().lastFailedMsgTime()); }
-    void onLastErrorCode() override { tell("lastErrorCode", entity().lastErrorCode()); }
+    void onLastFailedMsgTime() override {
+        scalar("lastFailedMsgTime", entity().lastFailedMsgTime());
+    }
+    void onLastErrorCode() override { scalar("lastErrorCode", entity().lastErrorCode()); }
 };
 
 template <class W, class X>

@@ -1,6 +1,4 @@
-#include "MirrorUnderTest.h"
-
-#include <vgwd/watch/Watcher.h>
+#include "MirrorMessages.h"
 
 #include <gtest/gtest.h>
 
@@ -8,85 +6,6 @@
 
 namespace Ovsdb {
 namespace {
-
-using nlohmann::json;
-
-constexpr unsigned red = 1;
-constexpr unsigned blue = 2;
-constexpr unsigned locatorA = 11;
-constexpr unsigned locatorB = 12;
-constexpr unsigned locatorSet = 21;
-
-json insert(json const& columns) { return {{"insert", columns}}; }
-json modify(json const& columns) { return {{"modify", columns}}; }
-// Values as they are on the wire.
-json set(std::vector<json> const& items) { return json::array({"set", items}); }
-json pairs(std::vector<std::pair<json, json>> const& items) {
-    json all = json::array();
-    for (auto const& [key, value] : items) all.push_back(json::array({key, value}));
-    return all;
-}
-json map(std::vector<std::pair<json, json>> const& items) {
-    return json::array({"map", pairs(items)});
-}
-
-json const gone = {{"delete", nullptr}};
-
-json logicalSwitch(char const* name, json const& key) {
-    return insert({{"name", name}, {"tunnel_key", key}});
-}
-json locator(char const* address) {
-    return insert({{"encapsulation_type", "vxlan_over_ipv4"}, {"dst_ip", address}});
-}
-json ucast(char const* mac, unsigned sw, unsigned at) {
-    return insert({{"MAC", mac}, {"logical_switch", ref(sw)}, {"locator", ref(at)}});
-}
-json mcast(char const* mac, unsigned sw, unsigned set) {
-    return insert({{"MAC", mac}, {"logical_switch", ref(sw)}, {"locator_set", ref(set)}});
-}
-
-// Two switches, two locators.
-json network() {
-    return {
-        {"Logical_Switch",
-         {{uuidText(red), logicalSwitch("red", 5001)},
-          {uuidText(blue), logicalSwitch("blue", 5002)}}},
-        {"Physical_Locator",
-         {{uuidText(locatorA), locator("192.0.2.1")}, {uuidText(locatorB), locator("192.0.2.2")}}}};
-}
-
-// What a watcher prints, without the times.
-class Heard {
-  public:
-    explicit Heard(MirrorUnderTest const& mirror)
-        : file_(std::tmpfile()),
-          watcher_(mirror.database(),
-                   {mirror.directories().ucastMacsLocal, mirror.directories().mcastMacsLocal,
-                    mirror.directories().ucastMacsRemote, mirror.directories().mcastMacsRemote},
-                   file_) {}
-    ~Heard() { std::fclose(file_); }
-
-    /// Since the last call.
-    std::vector<std::string> lines() {
-        watcher_.flush();
-        std::vector<std::string> lines;
-        std::fseek(file_, read_, SEEK_SET);
-        std::array<char, 400> line{};
-        while (std::fgets(line.data(), line.size(), file_) != nullptr) {
-            std::string text(line.data());
-            text.pop_back();
-            lines.push_back(text.substr(text.find(' ') + 1));
-        }
-        read_ = std::ftell(file_);
-        std::fseek(file_, 0, SEEK_END);
-        return lines;
-    }
-
-  private:
-    std::FILE* file_;
-    long read_ = 0;
-    Vgwd::Watcher watcher_;
-};
 
 TEST(Mirror, ReferencesMayNameRowsThatComeLaterInTheMessage) {
     json tables = network();
@@ -208,71 +127,6 @@ TEST(Mirror, SwitchesMaySwapTheirNamesInOneMessage) {
               (json{{"tor-1", uuidText(42)}, {"tor-9", uuidText(41)}}));
 }
 
-TEST(Mirror, WhatDoesNotFitIsMarkedAndThePartThatFitsIsHeld) {
-    MirrorUnderTest mirror;
-    mirror.update(
-        {{"Physical_Switch",
-          {{uuidText(41), insert({{"name", "tor-1"},
-                                  {"description", "a"},
-                                  {"management_ips", set({"192.0.2.101", "2001:db8::1"})}})}}}});
-    auto const row = [&] { return mirror.dump()["ovsdb"]["physicalSwitchRaw"][uuidText(41)]; };
-    EXPECT_EQ(row()["mgmtIp"], json::array({"192.0.2.101"}));
-    EXPECT_EQ(row()["invalidAttrib"], json::array({"mgmtIp"}));
-    EXPECT_EQ(mirror.dump()["lost"],
-              json::array({"Physical_Switch " + uuidText(41) + " management_ips"}));
-    // Differences go on applying to the column, marked or not.
-    mirror.update(
-        {{"Physical_Switch",
-          {{uuidText(41), modify({{"description", "b"},
-                                  {"management_ips", set({"192.0.2.101", "192.0.2.102"})}})}}}});
-    EXPECT_EQ(row()["mgmtIp"], json::array({"192.0.2.102"}));
-    EXPECT_EQ(row()["desc"], "b");
-    EXPECT_EQ(row()["invalidAttrib"], json::array({"mgmtIp"}));
-    mirror.update(
-        {{"Physical_Switch", {{uuidText(41), modify({{"management_ips", "2001:db8::1"}})}}}});
-    EXPECT_EQ(row()["mgmtIp"], json::array({"192.0.2.102"}));
-    EXPECT_TRUE(row()["invalidAttrib"].empty());
-    EXPECT_TRUE(mirror.dump()["lost"].empty());
-}
-
-TEST(Mirror, NumbersOutsideTheModelAreMarkedAndReadAsTheirDefault) {
-    MirrorUnderTest mirror;
-    mirror.update(
-        {{"Logical_Switch", {{uuidText(red), logicalSwitch("red", 99999999999)}}},
-         {"Logical_Binding_Stats",
-          {{uuidText(51), insert({{"bytes_from_local", -1}, {"packets_to_local", 4}})}}}});
-    json const dump = mirror.dump();
-    EXPECT_EQ(dump["ovsdb"]["logicalSwitch"][uuidText(red)]["tunnelKey"], 0x1000000);
-    EXPECT_EQ(dump["ovsdb"]["logicalSwitch"][uuidText(red)]["invalidAttrib"],
-              json::array({"tunnelKey"}));
-    EXPECT_EQ(dump["ovsdb"]["logicalBindingStats"][uuidText(51)],
-              (json{{"inBytes", 0},
-                    {"inPackets", 0},
-                    {"outBytes", 0},
-                    {"outPackets", 4},
-                    {"invalidAttrib", json::array({"inBytes"})}}));
-    EXPECT_EQ(dump["lost"],
-              json::array({"Logical_Binding_Stats " + uuidText(51) + " bytes_from_local",
-                           "Logical_Switch " + uuidText(red) + " tunnel_key"}));
-}
-
-TEST(Mirror, ATextThatIsNoAddressMakesNoRow) {
-    MirrorUnderTest mirror;
-    mirror.update(network());
-    mirror.update({{"Ucast_Macs_Remote",
-                    {{uuidText(31), ucast("junk", red, locatorA)},
-                     {uuidText(32), ucast("unknown-dst", red, locatorA)}}}});
-    EXPECT_TRUE(mirror.dump()["ucastMacsRemote"].empty());
-    EXPECT_EQ(mirror.dump()["lost"].size(), 2U);
-    mirror.update(
-        {{"Ucast_Macs_Remote", {{uuidText(31), modify({{"MAC", "00:00:5e:00:53:07"}})}}}});
-    EXPECT_EQ(mirror.dump()["ucastMacsRemote"][uuidText(31)]["mac"], "00:00:5e:00:53:07");
-    mirror.update({{"Ucast_Macs_Remote", {{uuidText(31), modify({{"MAC", "junk"}})}}}});
-    EXPECT_TRUE(mirror.dump()["ucastMacsRemote"].empty());
-    EXPECT_TRUE(
-        mirror.dump()["ovsdb"]["physicalLocatorRaw"][uuidText(locatorA)]["ucastMacRef"].empty());
-}
-
 TEST(Mirror, ALocalRowWhoseAddressChangesIsANewObject) {
     MirrorUnderTest mirror;
     mirror.update(network());
@@ -284,69 +138,6 @@ TEST(Mirror, ALocalRowWhoseAddressChangesIsANewObject) {
     mirror.update({{"Ucast_Macs_Local", {{uuidText(31), modify({{"MAC", "00:00:5e:00:53:02"}})}}}});
     EXPECT_FALSE(mirror.directories().ucastMacsLocal->entry(std::string_view(uuidText(31))) == row);
     EXPECT_EQ(mirror.dump()["ucastMacsLocal"][uuidText(31)]["macAddr"], "00:00:5e:00:53:02");
-}
-
-TEST(Mirror, TunnelsThatDisagreeGiveNoBfd) {
-    auto const tunnel = [](char const* state) {
-        return insert({{"remote", ref(locatorA)},
-                       {"bfd_params", map({{"enable", "true"}})},
-                       {"bfd_status", map({{"state", state}})}});
-    };
-    json schema = fullSchema();
-    schema["tables"]["Physical_Locator"]["columns"].erase("bfd");
-    schema["tables"]["Physical_Locator"]["columns"].erase("bfd_status");
-    MirrorUnderTest mirror(schema);
-    mirror.update(network());
-    mirror.update({{"Tunnel", {{uuidText(61), tunnel("up")}, {uuidText(62), tunnel("up")}}}});
-    auto const row = [&] {
-        return mirror.dump()["ovsdb"]["physicalLocatorRaw"][uuidText(locatorA)];
-    };
-    EXPECT_EQ(row()["bfd"], pairs({{"enable", "true"}}));
-    EXPECT_EQ(row()["bfdStatus"], pairs({{"state", "up"}}));
-    mirror.update(
-        {{"Tunnel", {{uuidText(62), modify({{"bfd_status", map({{"state", "down"}})}})}}}});
-    EXPECT_TRUE(row()["bfdStatus"].empty());
-    EXPECT_EQ(row()["invalidAttrib"], json::array({"bfdStatus"}));
-    EXPECT_EQ(mirror.dump()["lost"],
-              json::array({"Physical_Locator " + uuidText(locatorA) + " bfdStatus"}));
-    mirror.update({{"Tunnel", {{uuidText(61), gone}}}});
-    EXPECT_EQ(row()["bfdStatus"], pairs({{"state", "down"}}));
-    EXPECT_TRUE(row()["invalidAttrib"].empty());
-}
-
-TEST(Mirror, BfdColumnsOfALocatorGoBeforeTunnels) {
-    json schema = fullSchema();
-    MirrorUnderTest mirror(schema);
-    json tables = network();
-    tables["Physical_Locator"][uuidText(locatorA)]["insert"]["bfd_status"] = map({{"state", ""}});
-    tables["Tunnel"][uuidText(61)] =
-        insert({{"remote", ref(locatorA)}, {"bfd_status", map({{"state", "up"}})}});
-    mirror.update(tables);
-    auto const status = [&] {
-        return mirror.dump()["ovsdb"]["physicalLocatorRaw"][uuidText(locatorA)]["bfdStatus"];
-    };
-    EXPECT_EQ(status(), pairs({{"state", ""}}));
-    // The schema is changed: the columns move to the tunnels.
-    schema["tables"]["Physical_Locator"]["columns"].erase("bfd");
-    schema["tables"]["Physical_Locator"]["columns"].erase("bfd_status");
-    mirror.planIs(schema);
-    mirror.update(json::object());
-    EXPECT_EQ(status(), pairs({{"state", "up"}}));
-}
-
-TEST(Mirror, AnEmptyBfdValueIsNeitherLostNorToldTwice) {
-    MirrorUnderTest mirror;
-    Heard heard(mirror);
-    json tables = network();
-    tables["Physical_Locator"][uuidText(locatorA)]["insert"]["bfd"] = map({{"a", ""}});
-    mirror.update(tables);
-    static_cast<void>(heard.lines());
-    mirror.update(
-        {{"Physical_Locator", {{uuidText(locatorA), modify({{"bfd", map({{"b", ""}})}})}}}});
-    EXPECT_EQ(heard.lines(), std::vector<std::string>{"/ovsdb/physicalLocatorRaw/" +
-                                                      uuidText(locatorA) + ".bfd[b] -> \"\""});
-    EXPECT_EQ(mirror.dump()["ovsdb"]["physicalLocatorRaw"][uuidText(locatorA)]["bfd"],
-              pairs({{"a", ""}, {"b", ""}}));
 }
 
 TEST(Mirror, TheSameDatabaseAgainTellsNobody) {

@@ -17,8 +17,8 @@ class EmbeddedTest(process_case.ProcessCase):
         super().setUp()
         programs = f"{ovs.prefix() / 'usr/sbin'}:{ovs.prefix() / 'usr/bin'}"
         self.enterContext(mock.patch.dict(os.environ, PATH=f"{programs}:{os.environ['PATH']}"))
-        schema = ovs.prefix() / "usr/share/openvswitch/vtep.ovsschema"
-        self.agent = Agent(self.directory / "agent", None, "--schema", str(schema))
+        self.schema = str(ovs.prefix() / "usr/share/openvswitch/vtep.ovsschema")
+        self.agent = Agent(self.directory / "agent", None, "--schema", self.schema)
         self.addCleanup(self.agent.stop)
         self.socket = self.agent.directory / "db.sock"
 
@@ -70,6 +70,23 @@ class EmbeddedTest(process_case.ProcessCase):
         self.agent.await_that(self.answers, "the server answers")
         self.add_switch("blue")
         self.agent.await_equal(self.read())
+
+    def test_its_program_can_be_named(self):
+        with mock.patch.dict(os.environ, PATH="/usr/bin:/bin"):
+            program = str(ovs.program("ovsdb-server"))
+            with Agent(self.directory / "named", None, "--schema", self.schema, "--ovsdb-server", program) as agent:
+                agent.await_said("in step by")
+
+    def test_a_program_that_is_not_there_ends_vgwd_and_is_named(self):
+        agent = Agent(self.directory / "missing", None, "--schema", self.schema, "--ovsdb-server", "/nonexistent/server")
+        with self.assertRaisesRegex(RuntimeError, "(?s)vgwd ended with 1: .*critical: program /nonexistent/server"):
+            agent.start()
+
+    def test_a_disabled_agent_starts_none(self):
+        self.agent = Agent(self.directory / "agent", None, "--schema", self.schema, "--disabled")
+        self.agent.start()
+        self.assertFalse(self.socket.exists())
+        self.assertEqual(self.agent.stop(), 0)
 
     def answers(self):
         try:

@@ -26,10 +26,19 @@ Agent::Agent(asio::io_context& loop, Options options, LogOutputs& logs)
       reactor_(Qor::make<ConfigReactor>(loop, tree_.status(), session_, logs_)) {
     signals_.add(SIGCHLD);
     describeRunDirectory(*tree_.config(), options_);
-    if (options_.watch) watcher_.emplace(tree_.status(), tree_.macs(), stdout);
+    if (options_.watch) addWatcher();
 }
 
 Agent::~Agent() { stop(); }
+
+void Agent::addWatcher() {
+    Ovsdb::MacDirectories const& macs = tree_.macs();
+    watcher_.emplace(tree_.database(),
+                     std::vector{macs.ucastMacsLocal, macs.mcastMacsLocal, macs.ucastMacsRemote,
+                                 macs.mcastMacsRemote},
+                     stdout);
+    watcher_->watch(tree_.status());
+}
 
 int Agent::run() {
     start();

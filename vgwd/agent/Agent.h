@@ -47,6 +47,7 @@ class Agent final : private SessionListener {
     void onFailed(std::string const& reason) override;
     void onListening() override;
 
+    void addWatcher();
     void prepareRunDirectory();
     void configure();
     void awaitSignal();

@@ -23,6 +23,8 @@ constexpr milliseconds look{20};        // how often it is looked whether it lis
 constexpr milliseconds endLimit{5000};  // how long it may take to end
 constexpr milliseconds leastRestart{100};
 constexpr milliseconds mostRestart{5000};
+// A predecessor whose agent was killed may hold the database for a moment.
+constexpr int bearableDeaths = 5;
 constexpr std::chrono::seconds steady{10};  // one that ran so long is restarted at once again
 
 }  // namespace
@@ -127,7 +129,8 @@ void EmbeddedServer::launch() {
         std::filesystem::remove(file("db.sock"));
         server_ = startProgram(server);
     } catch (std::exception const& e) {
-        return fail(e.what());
+        fail(e.what());
+        return handlers_.failed(e.what());
     }
     launched_ = Clock::now();
     log_(LogLevel::info,
@@ -137,7 +140,8 @@ void EmbeddedServer::launch() {
 
 void EmbeddedServer::awaitSocket() {
     if (!std::filesystem::exists(file("db.sock"))) return after(look, &EmbeddedServer::awaitSocket);
-    if (handlers_.listening) handlers_.listening();
+    deaths_ = 0;
+    handlers_.listening();
 }
 
 void EmbeddedServer::handleChild() {
@@ -146,8 +150,10 @@ void EmbeddedServer::handleChild() {
     pid_t const ended = std::exchange(server_, 0);
     ++step_;
     if (ending_) return handleEnd();
-    fail("our ovsdb-server, process " + std::to_string(ended) + ", ended; its log is " +
-         file("ovsdb-server.log"));
+    std::string const reason = "our ovsdb-server, process " + std::to_string(ended) +
+                               ", ended; its log is " + file("ovsdb-server.log");
+    fail(reason);
+    if (++deaths_ > bearableDeaths) handlers_.failed(reason);
 }
 
 // It ended as it was told to.
@@ -166,7 +172,6 @@ void EmbeddedServer::fail(std::string const& reason) {
          reason + "; it is started again in " + std::to_string(wait.count()) + " ms");
     // The database stays what it was: the agent has not ended.
     after(wait, &EmbeddedServer::launch);
-    if (handlers_.failed) handlers_.failed(reason);
 }
 
 void EmbeddedServer::kill() {

@@ -33,8 +33,9 @@ namespace Vgwd {
 class EmbeddedServer {
   public:
     struct Handlers {
-        std::function<void()> listening;                 ///< each time it has begun to listen
-        std::function<void(std::string const&)> failed;  ///< it can't be started, and why
+        std::function<void()> listening;  ///< each time it has begun to listen
+        std::function<void(std::string const&)>
+            failed;  ///< it can't be started, or dies anew each time
     };
 
     EmbeddedServer(asio::io_context& loop, Options const& options, Handlers handlers,
@@ -77,6 +78,7 @@ class EmbeddedServer {
     pid_t server_ = 0;  // 0: none runs
     Clock::time_point launched_;
     std::uint64_t step_ = 0;  // a timer of an earlier one is late
+    int deaths_ = 0;          // since it last listened
     bool wanted_ = false;
     bool ending_ = false;  // it was told to end
     bool persist_ = true;

@@ -102,15 +102,19 @@ class DirectoryWatch final : public Qor::Dir::NotifieeConst {
 
 }  // namespace
 
-Watcher::Watcher(Vgw::Status::Ptr const& status, Ovsdb::MacDirectories const& macs, std::FILE* out)
-    : printer_(out), watches_(watchStatus(status, printer_)) {
+Watcher::Watcher(Vgw::HwVtepOvsdb::Ptr const& database,
+                 std::vector<Qor::Dir::Ptr> const& directories, std::FILE* out)
+    : printer_(out) {
     watches_.push_back(Qor::make<DatabaseWatch>(printer_));
-    watches_.back()->notifierIs(status->ovsdb());
-    for (Qor::Dir::Ptr const& directory :
-         {macs.ucastMacsLocal, macs.mcastMacsLocal, macs.ucastMacsRemote, macs.mcastMacsRemote}) {
+    watches_.back()->notifierIs(database);
+    for (Qor::Dir::Ptr const& directory : directories) {
         watches_.push_back(Qor::make<DirectoryWatch>(printer_));
         watches_.back()->notifierIs(directory);
     }
+}
+
+void Watcher::watch(Vgw::Status::Ptr const& status) {
+    for (auto const& watch : watchStatus(status, printer_)) watches_.push_back(watch);
 }
 
 Watcher::~Watcher() = default;

@@ -1,11 +1,11 @@
 #ifndef VGWD_WATCH_WATCHER_H
 #define VGWD_WATCH_WATCHER_H
 
-// Watches the agent's status and session, the database and the MAC rows' directories, and every row
-// in them while it is there, and prints what they tell. It only listens: it is an example of an
-// agent's reactors.
+// Watches a database and the MAC rows' directories, every row in them while it is there, and, if
+// asked to, the agent's status and session, and prints what they tell. It only listens: it is an
+// example of an agent's reactors.
 
-#include <ovsdb/mirror/MacRows.h>
+#include <qor/tree/Dir.h>
 #include <vgw/agent/Status.h>
 #include <vgwd/watch/ChangePrinter.h>
 
@@ -15,8 +15,12 @@ namespace Vgwd {
 
 class Watcher {
   public:
-    Watcher(Vgw::Status::Ptr const& status, Ovsdb::MacDirectories const& macs, std::FILE* out);
+    Watcher(Vgw::HwVtepOvsdb::Ptr const& database, std::vector<Qor::Dir::Ptr> const& directories,
+            std::FILE* out);
     ~Watcher();
+
+    /// Watches the status, and the session below it, too.
+    void watch(Vgw::Status::Ptr const& status);
 
     /// To be called after each step of the mirror.
     void flush() { printer_.flush(); }

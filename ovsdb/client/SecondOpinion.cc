@@ -7,7 +7,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds connectLimit{1000};
+constexpr milliseconds connectLimit{5000};
 constexpr milliseconds betweenTries{500};
 constexpr milliseconds grace{200};
 

@@ -190,8 +190,9 @@ void RpcSession::scheduleProbe() {
 }
 
 void RpcSession::handleProbe() {
-    // Late: this process did not run, and what waits in the socket is yet to be read.
-    if (Clock::now() - nextProbe_ > times_.probe / 2) lastHeard_ = Clock::now();
+    // Late: this process did not run for a while, and what came meanwhile is yet to be read.
+    auto const late = Clock::now() - nextProbe_;
+    if (late > times_.probe / 2) lastHeard_ += late;
     auto const silence =
         std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - lastHeard_);
     if (isPastLimit(silence))

@@ -83,12 +83,11 @@ TEST_F(BooksTest, AServerThatIsBackWithinTheShortLimitIsNoDisconnection) {
 TEST_F(BooksTest, AServerThatStaysAwayIsADisconnectionAfterTheShortLimit) {
     start();
     config().restartSyncShortIs(1);
+    Qor::Seconds const before = Qor::now();
     server_.stop();
     ASSERT_TRUE(becomes([&] { return entryState() == EntryState::stale; }));
-    Qor::Seconds const lost = Qor::now();
     ASSERT_TRUE(becomes(Vgw::stateDisconnected));
-    EXPECT_GT(session().lastStateChange() - lost, 0.8);
-    EXPECT_LT(session().lastStateChange() - lost, 2.0);
+    EXPECT_GT(session().lastStateChange() - before, 0.99);
     EXPECT_EQ(session().numFailedMsg(), 1U);
     EXPECT_EQ(text(session().lastFailedMsg()), "Monitor request");
     EXPECT_EQ(text(session().lastFailedMsgDetail()).substr(0, 13), "not in step: ");
@@ -120,7 +119,7 @@ TEST_F(BooksTest, ALimitThatIsLoweredWhileItRunsIsHeeded) {
 TEST_F(BooksTest, TheFirstCopyIsAwaitedForTheOtherLimit) {
     startAgent();
     config().restartSyncShortIs(0);
-    config().restartSyncLimitIs(1);
+    config().restartSyncLimitIs(2);
     runFor(milliseconds(500));
     EXPECT_EQ(session().sessionState(), Vgw::stateUnknown);
     EXPECT_EQ(entryState(), EntryState::pending);

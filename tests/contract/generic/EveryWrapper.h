@@ -78,12 +78,14 @@ class EveryWrapper : public EveryClass {
         return valueOf("Qor::Name", "'text " + std::to_string(i) + "'");
     }
 
+    /// The same was told on both sides.
+    void expectToldAlike() const { EXPECT_EQ(take(), twinRecorder_.take()); }
     /// Both doors have led to the same.
     void expectAlike() const {
         for (Attribute const* const attribute : class_.attributes) {
             EXPECT_TRUE(attribute->held(*entity_) == attribute->held(*twin_)) << attribute->name;
         }
-        EXPECT_EQ(take(), twinRecorder_.take());
+        expectToldAlike();
     }
     /// Fills a collection of any kind with every `step`-th sample key, on both sides.
     void fill(Keyed const& a, unsigned step) const {

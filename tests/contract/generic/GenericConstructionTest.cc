@@ -1,6 +1,10 @@
-// Instances out of nothing but a type's record: from a list of arguments, from a name, from a text.
+// Instances out of nothing but a type's record: from a list of arguments, from a name, from a text,
+// from a stream.
 #include <set>
 
+#include <qor/attrlog/NboAttrLogIn.h>
+#include <qor/attrlog/NboAttrLogOut.h>
+#include <qor/tree/EntityPath.h>
 #include <vgw/OvsdbDataTypes.h>
 
 #include "EveryWrapper.h"
@@ -125,6 +129,72 @@ TEST(GenericConstruction, NullGivesTheDefaultValue) {
     EXPECT_EQ(ofNull("Vgw::MacVniPair")->strRep(), valueToStrep(Vgw::MacVniPair()));
     EXPECT_EQ(ofNull("Vgw::PhysicalLocatorKey")->strRep(), valueToStrep(Vgw::PhysicalLocatorKey()));
     EXPECT_EQ(ofNull("Vgw::SessionState")->strRep(), "'stateUnknown'");
+}
+
+class EveryEntityFound : public EveryWrapper {
+  protected:
+    EveryEntityFound() {
+        root_->entryIs("row", entity_);
+        Qor::rootDirIs(root_);
+    }
+    ~EveryEntityFound() override { Qor::rootDirIs(nullptr); }
+
+    /// A stream that holds what the class's constructor takes.
+    Qor::Ptr<Qor::NboAttrLog::In> streamed() const {
+        auto const out = Qor::make<Qor::NboAttrLog::Out>();
+        if (class_.hasName) {
+            out << Qor::String8("streamed");
+        } else {
+            out << Kelp::EthAddr("00:00:5e:00:53:07");
+        }
+        auto const in = Qor::make<Qor::NboAttrLog::In>();
+        in->receive(out->unsent());
+        return in;
+    }
+
+    Qor::Dir::Ptr const root_ = Qor::make<Qor::Dir>("root");
+};
+INSTANTIATE_TEST_SUITE_P(Models, EveryEntityFound, testing::ValuesIn(entityClasses()), ClassName());
+
+TEST_P(EveryEntityFound, ByTheTextOfAReference) {
+    EXPECT_EQ(wrapper_->strRep(), Qor::valueToStrep(entity_));
+    Wrapper const found = type().genericIfFromStrep(wrapper_->strRep(), true);
+    EXPECT_EQ(found->entity(), entity_);
+    EXPECT_TRUE(found->isConst());
+    Wrapper const none = type().genericIfFromStrep("null", false);
+    EXPECT_FALSE(none->entity());
+    EXPECT_EQ(none->fwkType(), &type());
+    EXPECT_EQ(none->strRep(), "null");
+}
+
+TEST_P(EveryEntityFound, ByNoOtherText) {
+    for (char const* const text : {"", "'/root/nobody'", "null x", "/root/row", "'/root'"}) {
+        EXPECT_THROW(type().genericIfFromStrep(text, false), Qor::RangeException) << text;
+    }
+    EXPECT_THROW(type().genericIfFromStrep(wrapper_->strRep() + " x", false), Qor::RangeException);
+}
+
+TEST_P(EveryEntityFound, MadeFromWhatAStreamHolds) {
+    auto const in = streamed();
+    EntityPtr const made = type().newEntity(in, {}, 0, nullptr);
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made->fwkType(), &type());
+    EXPECT_EQ(made->qorRefs(), 1U);
+    EXPECT_EQ(made->name(), class_.hasName ? "streamed" : "");
+    if (!class_.hasName) {
+        EXPECT_EQ(wrappedText(wrapperOf(made)->attributeOp(386).ptr()), "'00:00:5e:00:53:07'");
+    }
+    EXPECT_EQ(in->available(), 0U) << "nothing else is read";
+}
+
+TEST(GenericConstruction, MakesNoValueFromAStreamAsAnEntity) {
+    auto const in = Qor::make<Qor::NboAttrLog::In>();
+    for (Qor::QorType* const type : Qor::QorType::types()) {
+        if (type->isValue()) {
+            EXPECT_THROW(type->newEntity(in, {}, 0, nullptr), Qor::RangeException)
+                << type->fullName();
+        }
+    }
 }
 
 }  // namespace

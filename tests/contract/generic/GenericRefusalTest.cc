@@ -1,6 +1,8 @@
 // Every attribute of every class with every operation and each wrong argument: what is refused is
 // refused by the exception that its table names, with the name that goes with it, before anything
 // has changed and anybody was told.
+#include <span>
+
 #include "EveryWrapper.h"
 
 namespace Contract {
@@ -150,6 +152,20 @@ class EveryRefusal : public EveryWrapper {
         auto const* const mapped = dynamic_cast<Mapped const*>(&a);
         return mapped ? value(*mapped, 1) : nameValue(1);
     }
+    void expectRefused(Attribute const& a, Expected const& expected, unsigned id, Given asKey,
+                       Given asValue) const {
+        std::string const refusal = expected.of(id, asKey, asValue);
+        if (refusal.empty()) {
+            return;  // what is accepted has tests of its own
+        }
+        Wrapper const asked = made(a, asKey, true);
+        Wrapper const given = made(a, asValue, false);
+        std::string const found = raised([&] { op(a, OpId(id), asked, given); });
+        // Where both are wrong, either may be named.
+        bool const isNamed = found == refusal || found == expected.of(id, Given::right, asValue);
+        EXPECT_TRUE(isNamed) << found << "; expected " << refusal << " of operation " << id
+                             << ", key " << int(asKey) << ", value " << int(asValue);
+    }
     void expectUntouched(Attribute const& a,
                          std::map<Qor::AttributeId, std::string> const& before) {
         EXPECT_EQ(held(*entity_), before) << a.name;
@@ -169,27 +185,20 @@ constexpr unsigned everyOp[] = {0,   1,   2,   3,   4,   127, 128, 129,
 constexpr Given everyGiven[] = {Given::nothing,   Given::right,     Given::wrong,      Given::list,
                                 Given::emptyList, Given::wrongList, Given::surplusList};
 
+// An operation that no attribute has is refused whatever is given with it.
+std::span<Given const> givenWith(unsigned op) {
+    bool const isKnown = op < 4 || op == 128 || op == 129;
+    return std::span(everyGiven).first(isKnown ? std::size(everyGiven) : 2);
+}
+
 TEST_P(EveryRefusal, IsNamedAndComesBeforeAnyChange) {
     auto const before = changed();
     forEach<Attribute>([&](Attribute const& a) {
-        Qor::QorAttr::Ptr const record = type().attr(a.id);
-        Expected const expected(a, *record, "EncapsulationType");
+        Expected const expected(a, *type().attr(a.id), "EncapsulationType");
         for (unsigned const id : everyOp) {
-            for (Given const asKey : everyGiven) {
-                for (Given const asValue : everyGiven) {
-                    std::string const refusal = expected.of(id, asKey, asValue);
-                    if (refusal.empty()) {
-                        continue;  // what is accepted has tests of its own
-                    }
-                    auto const call = [&] {
-                        op(a, OpId(id), made(a, asKey, true), made(a, asValue, false));
-                    };
-                    // Where both are wrong, either may be named.
-                    std::string const ofValue = expected.of(id, Given::right, asValue);
-                    std::string const found = raised(call);
-                    ASSERT_TRUE(found == refusal || found == ofValue)
-                        << found << "; expected " << refusal << " of operation " << id << ", key "
-                        << int(asKey) << ", value " << int(asValue);
+            for (Given const asKey : givenWith(id)) {
+                for (Given const asValue : givenWith(id)) {
+                    expectRefused(a, expected, id, asKey, asValue);
                 }
             }
         }

@@ -12,6 +12,7 @@
 
 #include <qor/generic/GenericList.h>
 #include <qor/registry/IntrospectionReactor.h>
+#include <qor/registry/TypeUnit.h>
 
 namespace {
 
@@ -29,6 +30,21 @@ class Library {
     Library(Library const&) = delete;
     Library& operator=(Library const&) = delete;
     ~Library() { EXPECT_EQ(dlclose(handle_), 0); }
+
+    /// A unit's registration, by the name that its function has in the library file.
+    Qor::TypeUnit& unit(char const* symbol) const {
+        auto const function = reinterpret_cast<Qor::TypeUnit& (*)()>(dlsym(handle_, symbol));
+        return function();
+    }
+    std::vector<Qor::TypeRecord*> records() const {
+        std::vector<Qor::TypeRecord*> all;
+        for (char const* const symbol :
+             {"_ZN3Vgw18ovsdbDataTypesUnitEv", "_ZN3Vgw12vgwTypesUnitEv"}) {
+            auto const part = unit(symbol).records();
+            all.insert(all.end(), part.begin(), part.end());
+        }
+        return all;
+    }
 
   private:
     void* handle_;
@@ -55,6 +71,19 @@ std::size_t attributesRead() {
         }
     }
     return attributes;
+}
+
+/// The handles to attributes that the library keeps for itself.
+void expectHandles(Library const& library, bool isFilled) {
+    std::size_t handles = 0;
+    for (Qor::TypeRecord const* const record : library.records()) {
+        for (std::size_t i = 0; i < record->handles.size(); ++i, ++handles) {
+            EXPECT_EQ(record->handles[i] != nullptr, isFilled)
+                << record->fullName << " " << record->handleNames[i];
+            EXPECT_EQ(record->handles[i], record->type->attr(Qor::Name(record->handleNames[i])));
+        }
+    }
+    EXPECT_GT(handles, 150U);
 }
 
 GenericIf::Ptr text(char const* value) {
@@ -96,7 +125,9 @@ TEST(Loading, SwitchedOnLaterFillsTheSameTypes) {
     introspectionIs(false);
     Library const library;
     std::vector<QorType*> const before = vgwTypes();
+    expectHandles(library, false);
     introspectionIs(true);
+    expectHandles(library, true);
     EXPECT_EQ(vgwTypes(), before);
     EXPECT_GT(attributesRead(), 200U);
     EXPECT_EQ(QorType::type("Vgw::LogicalSwitch")->attr(Qor::Name("tunnelKey"))->id(), 388);

@@ -15,9 +15,7 @@ class Reactor : public testing::Test {
     ~Reactor() override { reactor->isOnIs(true); }
     static void describe(void* unit) { static_cast<std::vector<int>*>(unit)->push_back(1); }
     QorType::Ptr newType() const {
-        auto const type = Qor::make<QorType>(Qor::Name("Lamp"), nullptr, nullptr, 0U);
-        type->isNondestructingIs(true);
-        return type;
+        return Qor::make<QorType>(Qor::Name("Lamp"), nullptr, nullptr, 0U);
     }
 
     IntrospectionReactor::Ptr const reactor = IntrospectionReactor::global();
@@ -65,6 +63,7 @@ TEST_F(Reactor, DefinesAnAttributeInOneStep) {
     EXPECT_EQ(record->keyType(), Qor::Name::_fwkType());
     EXPECT_EQ(record->introspection(), Qor::FlagClasses::valueMap.introspection);
     type->attributeQDel(record);
+    EXPECT_TRUE(type->attributes().empty());
 }
 
 using ReactorDeathTest = Reactor;

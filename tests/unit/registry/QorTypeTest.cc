@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -11,10 +12,11 @@ namespace {
 using Qor::Name;
 using Qor::QorType;
 
-// What is published is kept for good.
+// What is published is kept for good, here as everywhere.
 QorType::Ptr lasting(char const* name, QorType* base = nullptr) {
     auto const type = Qor::make<QorType>(Name(name), nullptr, base, 0U);
-    type->isNondestructingIs(true);
+    static auto& kept = *new std::vector<QorType::Ptr>;
+    kept.push_back(type);
     return type;
 }
 

@@ -2,6 +2,8 @@
 
 #include <limits>
 
+#include <qor/tree/EntityPath.h>
+
 #include "Accessors.h"
 
 namespace {
@@ -29,6 +31,22 @@ TEST_F(Published, SameNameGivesTheSameDatabaseAndTellsOnce) {
     EXPECT_EQ(recorder_->take(), (AllTold{{259, ""}}));
     EXPECT_EQ(status_->ovsdbIs("db"), db);
     EXPECT_EQ(recorder_->take(), AllTold());
+}
+
+TEST_F(Published, PathsOfWhatIsOwnedLeadBackToIt) {
+    auto const root = Qor::make<Qor::Dir>("vgw");
+    root->entryIs("status", status_);
+    Qor::rootDirIs(root);
+    auto const port = status_->ovsdbIs("db")->physicalPortIs("a/b");
+    auto const session = status_->ovsdbSessionStatusIs("session");
+    EXPECT_EQ(session->uriPath(), "/vgw/status/ovsdbSessionStatus");
+    EXPECT_TRUE(Qor::entityAt(session->uriPath()) == session);
+    EXPECT_EQ(port->uriPath(), "/vgw/status/ovsdb/physicalPort/a%2Fb");
+    EXPECT_TRUE(Qor::entityAt(port->uriPath()) == port);
+    EXPECT_FALSE(Qor::entityAt("/vgw/status/ovsdb/physicalPort/none"));
+    EXPECT_FALSE(Qor::entityAt("/vgw/status/ovsdb/physicalPort"));
+    EXPECT_FALSE(Qor::entityAt("/vgw/status/running"));
+    Qor::rootDirIs(nullptr);
 }
 
 TEST_F(Published, AnotherNameReplacesTheWholeDatabase) {

@@ -20,8 +20,20 @@ void zeroReferencesIs(bool zeroReferences) override;
     if (entity_.isRoot()) {
         result += fillIn(R"(
 bool qorHasAttrLogInterface() const override;
-Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; }
+using Qor::Entity::qorNboAttrLogSa;
+Qor::Entity::QorNboAttrLogSa* qorNboAttrLogSa(Qor::Ptr<Qor::NboAttrLog::Out const> const& out) override;
+Qor::Entity::QorNboAttrLogSa* qorNboAttrLogSaForMsgChannel(Qor::Ptr<Qor::Entity::QorNboAttrLogSa> const& other) const override;
+Qor::Ptr<Qor::Entity::QorNboAttrLogSa> qorNboAttrLogSaDel(Qor::Ptr<Qor::NboAttrLog::Out const> const& out) override;
 )");
+    }
+    result += fillIn(
+        "Qor::Ptr<Qor::Entity::QorNboAttrLogSa> qorNboAttrLogSaIs(Qor::BitSet<27, Qor::U32> bits, "
+        "Qor::U32 version, Qor::Ptr<Qor::NboAttrLog::Out> const& out, Qor::PtrInterface* owner) "
+        "override;\n");
+    if (entity_.isRoot()) {
+        result += fillIn(
+            "Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; "
+            "}\n");
     }
     return result;
 }

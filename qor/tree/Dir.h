@@ -28,9 +28,10 @@ class QOR_EXPORT Dir : public Entity {
 
     /// How far an entry can be relied on.
     enum class EntryState : U8 {
-        ready,    // the entity is whole and kept up to date
-        pending,  // announced; its contents have not all arrived
-        stale,    // its source is out of reach; the contents are those of the last contact
+        ready,     // the entity is whole and kept up to date
+        pending,   // announced; its contents have not all arrived
+        stale,     // its source is out of reach; the contents are those of the last contact
+        released,  // its source has let it go; the contents stay as they were last
     };
 
     using EntryIterator = AttributeIterator<EntryAttr>;

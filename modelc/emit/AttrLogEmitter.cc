@@ -50,6 +50,7 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
     holes_["FlowBase"] =
         entity.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
     holes_["word"] = entity.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
+    holes_["fullName"] = entity.type->fullName;
     holes_["streamNames"] = streamNames();
     holes_["streamList"] = streamList();
     holes_["declarations"] = each(&AttrLogMember::declarations, "");
@@ -131,6 +132,8 @@ $companionClass$
 
 }  // namespace $namespace$
 
+extern template class Qor::AdapterLevel<$fullName$>;
+
 #endif
 )");
 }
@@ -138,7 +141,7 @@ $companionClass$
 std::string AttrLogEmitter::classBody() const {
     return fillIn(R"(
 /// Binds a $Class$ to one attribute log connection. Made with QorNboAttrLogSaIs.
-class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$, $Base$::QorNboAttrLogSa> {
+class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$> {
   public:
     using Ptr = Qor::Ptr<QorNboAttrLogSa>;
     class FlowOut;
@@ -190,6 +193,8 @@ $origin$
 #include <$header$>
 
 $sourceIncludes$
+
+template class Qor::AdapterLevel<$fullName$>;
 
 namespace $namespace$ {
 

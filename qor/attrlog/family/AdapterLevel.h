@@ -15,8 +15,8 @@
 
 namespace Qor {
 
-template <class X, class Base>
-class AdapterLevel : public Base {
+template <class X, class Base = typename X::QorBase::QorNboAttrLogSa>
+class QOR_EXPORT AdapterLevel : public Base {
   public:
     using Adapter = typename X::QorNboAttrLogSa;
     using Transaction = StreamAdapter::AttrTransactionType;

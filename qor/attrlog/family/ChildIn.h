@@ -33,6 +33,17 @@ auto childOf(Adapter& adapter, Name const& key) {
     }
 }
 
+/// Refuses an id before anything is made under it, unless the child here bears it already.
+template <class S, class Adapter>
+void needFreshId(Adapter& adapter, Name const& key, EntityId const& id,
+                 NboAttrLog::Demuxer const& demuxer) {
+    auto const child = childOf<S>(adapter, key);
+    auto const* const known =
+        child ? child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()))
+              : nullptr;
+    if (!known || known->entityId() != id) demuxer.needPeersId(id);
+}
+
 template <class S, class Adapter>
 void childChanged(Adapter& adapter, Name const& key) {
     if constexpr (S::isKeyed) {
@@ -73,6 +84,7 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     goToBody(record);
     if (record.echoOnly) return childChanged<S>(adapter, key);
     EntityId const id = peekEntityId(record.in);
+    needFreshId<S>(adapter, key, id, record.demuxer);
     MsgChannel::DeserializingEidAnchor const anchor(id, adapter.qorNotifierEntity());
     bool const isMade = makeChild<S>(adapter, key);
     if (adapter.isActive()) {

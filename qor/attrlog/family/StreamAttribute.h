@@ -108,7 +108,9 @@ struct StreamList {
     static constexpr bool whileTrue(Visit&& visit) {
         return (visit.template operator()<S>() && ...);
     }
-    static constexpr bool has(AttributeId id) noexcept { return ((S::id == id) || ...); }
+    static constexpr bool has([[maybe_unused]] AttributeId id) noexcept {
+        return ((S::id == id) || ...);
+    }
     static constexpr AttributeId first() noexcept {
         AttributeId result = 0;
         static_cast<void>(((result = S::id, true) || ...));
@@ -120,7 +122,7 @@ struct StreamList {
         return result;
     }
     /// The attribute after that id, 0 after the last.
-    static constexpr AttributeId after(AttributeId id) noexcept {
+    static constexpr AttributeId after([[maybe_unused]] AttributeId id) noexcept {
         AttributeId result = 0;
         static_cast<void>(((S::id > id ? (result = S::id, true) : false) || ...));
         return result;

@@ -34,6 +34,8 @@ class QOR_EXPORT AdapterLevel : public Base {
     void doSerializeOrphan() override;
     void qorInstantiateSerialize() override;
     void doRemountSelf(Ptr<NboAttrLog::Out> const& out) override;
+    void putTypeChain() override;
+    void putConstructorArgument() override;
 
   protected:
     using Base::Base;
@@ -42,7 +44,6 @@ class QOR_EXPORT AdapterLevel : public Base {
     bool readOwn(InboundRecord& record);
     /// Of this level and those below it; used by the levels above.
     bool readAny(InboundRecord& record);
-    void putTypeChain();
     /// Local snapshots for a peer that sends no markers.
     void beginOrEndLocally();
 

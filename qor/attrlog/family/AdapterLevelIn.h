@@ -87,7 +87,9 @@ template <class X, class Base>
 template <class S>
 void AdapterLevel<X, Base>::read(InboundRecord& record) {
     constexpr bool isChild = S::kind == StreamKind::childMember || S::kind == StreamKind::child;
-    if constexpr (isChild) {
+    if constexpr (S::kind == StreamKind::entry) {
+        S::read(self(), record);
+    } else if constexpr (isChild) {
         record.id < 0 ? readChildRemoval<S>(self(), record) : readAnnouncement<S>(self(), record);
     } else if constexpr (S::kind == StreamKind::scalar) {
         readScalar<S>(self(), record);

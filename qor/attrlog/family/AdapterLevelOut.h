@@ -115,7 +115,19 @@ void AdapterLevel<X, Base>::doNotification(AttributeId id, void* key) {
 template <class X, class Base>
 void AdapterLevel<X, Base>::putTypeChain() {
     this->nboAttrLogOut() << TypeId(X::qorTypeName);
-    if constexpr (!isFirstLevel) Base::putTypeChain();
+    Base::putTypeChain();
+}
+
+template <class X, class Base>
+void AdapterLevel<X, Base>::putConstructorArgument() {
+    bool isOwn = false;
+    X::QorAttributes::forEach([&]<class A>() {
+        if constexpr (A::kind == AttributeKind::constField) {
+            this->nboAttrLogOut() << A::field(static_cast<X const&>(*this->qorNotifierEntity()));
+            isOwn = true;
+        }
+    });
+    if (!isOwn) Base::putConstructorArgument();
 }
 
 template <class X, class Base>

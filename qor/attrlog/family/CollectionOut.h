@@ -23,8 +23,10 @@ bool serializeMember(Adapter& adapter, typename S::Key const& key, typename S::M
             serializeFlagMember<S>(adapter, key, member && A::valueOf(*member), !member);
         } else if constexpr (S::kind == StreamKind::reference) {
             serializeReference<S>(adapter, key, member ? A::valueOf(*member) : typename S::Value());
-        } else {
+        } else if constexpr (S::kind == StreamKind::childMember) {
             serializeChildMember<S>(adapter, key, Ptr<typename S::Target>(member));
+        } else {
+            S::serialize(adapter, key, member);
         }
         auto const* const flow = flowInCharge(adapter);
         return !flow || !flow->retryLater();

@@ -22,11 +22,13 @@ enum class StreamKind : U8 {
     reference,    // keyed references
     childMember,  // keyed entities that are owned
     child,        // one entity that is owned
+    entry,        // keyed entities of any class, which the descriptor sends and reads itself
 };
 
 constexpr bool isKeyedKind(StreamKind kind) noexcept {
     return kind == StreamKind::flagMember || kind == StreamKind::textMember ||
-           kind == StreamKind::reference || kind == StreamKind::childMember;
+           kind == StreamKind::reference || kind == StreamKind::childMember ||
+           kind == StreamKind::entry;
 }
 
 template <class A, StreamKind k>

@@ -96,6 +96,8 @@ void handleTransactionOf(Adapter& adapter, StreamAdapter::AttrTransactionType ty
         markChild<S>(adapter, type);
     } else if constexpr (S::kind == StreamKind::childMember) {
         sweepChildren<S>(adapter, type);
+    } else if constexpr (S::kind == StreamKind::entry) {
+        S::sweep(adapter, type);
     } else if constexpr (S::isKeyed) {
         if (S::kind == StreamKind::textMember && type == StreamAdapter::abort) {
             abortMemberText(adapter);

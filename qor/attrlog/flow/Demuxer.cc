@@ -53,6 +53,7 @@ Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
     if (!gone) return nullptr;
     flowInDel(id);
     dropFlow(*gone);
+    if (gone->qorNotifierEntity()) gone->doRemountSelf(out_);
     return Qor::Ptr<Entity::QorNboAttrLogSa>(static_cast<Entity::QorNboAttrLogSa*>(gone.ptr()));
 }
 

@@ -63,7 +63,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         U64 unknownEntities = 0;    // records for what is gone here, skipped
         U64 refusedLocally = 0;     // changes of what may not be changed here
         U64 flowsMade = 0;
-        U64 merged = 0;  // changes that were noted instead of sent one by one
+        U64 unknownClasses = 0;  // entities of a class that is not known here, skipped
     };
 
     Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side);
@@ -112,6 +112,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 openText() const noexcept { return openText_; }
 
     void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
+    void unknownClassesInc(U32 count) noexcept { counters_.unknownClasses += count; }
     void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
 
     // Gives the adapter a flow from `startAttr` on, in the place of one that it has, and a place in

@@ -124,6 +124,7 @@ void Demuxer::serveOrphan(Frame const& frame) {
         throw AttrLogRecordException(String8("an entity of class ") + told.typeName +
                                      " was announced that nobody asked for");
     }
+    if (this->adapter(told.id)) return;  // announced before
     auto const adapter = here.entity->qorNboAttrLogSaIs(here.flags, 1, out_, nullptr);
     adapter->doEntityIdIs(told.id, Ptr(this), true);
 }

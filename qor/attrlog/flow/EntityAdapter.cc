@@ -59,6 +59,7 @@ void Entity::QorNboAttrLogSa::onZeroReferences() {
     if (auto* const demuxer = streamDemuxer()) {
         demuxer->adapterEnds(*this);
     }
+    StreamAdapter::notifierIs(nullptr);
 }
 
 void Entity::QorNboAttrLogSa::onNotificationException(AttributeId id) {
@@ -86,6 +87,12 @@ void Entity::QorNboAttrLogSa::handleAttrTransaction(AttributeId id, AttrTransact
 }
 
 void Entity::QorNboAttrLogSa::onIsNondestructing() {}
+
+void Entity::QorNboAttrLogSa::putTypeChain() {}
+
+void Entity::QorNboAttrLogSa::putConstructorArgument() {
+    nboAttrLogOut() << String8(qorNotifierEntity()->name());
+}
 
 bool Entity::QorNboAttrLogSa::convertedToWritable(bool convert) {
     auto* const demuxer = streamDemuxer();

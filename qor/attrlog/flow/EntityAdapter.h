@@ -26,6 +26,10 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     void handleAttrTransaction(AttributeId id, AttrTransactionType type, U32 arg) override;
 
     virtual void onIsNondestructing();
+    // Puts the full names of the entity's class and of its bases, most derived first.
+    virtual void putTypeChain();
+    // Puts what the entity's constructor took.
+    virtual void putConstructorArgument();
 
     // Whether a read-only entity may be changed after all.
     bool convertedToWritable(bool convert);

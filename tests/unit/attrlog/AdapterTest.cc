@@ -223,7 +223,7 @@ TEST_F(Adapter, ReplaysAChangeById) {
     a->doNotification(-388, &key);
     EXPECT_EQ(hex(takeBytes(peer.out())), record(3, 388, "000000017001"));
     a->doNotification(258, nullptr);
-    EXPECT_EQ(hex(takeBytes(peer.out())), record(3, 258, "00000003"));
+    EXPECT_EQ(hex(takeBytes(peer.out())), record(3, 258, "00000004"));
     a->doNotification(999, nullptr);
     EXPECT_EQ(hex(takeBytes(peer.out())), "");
 }

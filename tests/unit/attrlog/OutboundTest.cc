@@ -289,7 +289,7 @@ TEST_F(Outbound, RecordLongerThanThePeerTakesEndsTheConnection) {
     peer.out().greatestFrameIs(1000);
     sw->displayNameIs(Name(text(2000)));
     EXPECT_EQ(peer.failure,
-              "attribute 386 could not be sent: a frame of 2033 bytes, the greatest is 1000");
+              "attribute 386 could not be sent: a frame of 2029 bytes, the greatest is 1000");
     EXPECT_EQ(sent(), "");
 }
 

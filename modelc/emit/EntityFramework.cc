@@ -17,6 +17,11 @@ void zeroReferencesIs(bool zeroReferences) override;
         result += fillIn("Qor::String8 attributeString(Qor::AttributeId id) const override;\n");
     }
     if (hasKeyed()) result += fillIn("bool qorIsCollection(Qor::AttributeId id) const override;\n");
+    if (hasOwned()) {
+        result += fillIn(
+            "Qor::Ptr<Qor::Entity> qorPathStep(Qor::String8 const* elements, std::size_t count, "
+            "std::size_t* used) override;\n");
+    }
     if (entity_.isRoot()) {
         result += fillIn(R"(
 bool qorHasAttrLogInterface() const override;
@@ -81,6 +86,15 @@ bool $Class$::qorHasAttrLogInterface() const {
 Qor::String8 $Class$::attributeString(Qor::AttributeId id) const {
     char const* const name = QorAttributes::nameOf(id);
     return name ? Qor::String8(name) : $Base$::attributeString(id);
+}
+
+)");
+    }
+    if (hasOwned()) {
+        result += fillIn(R"(
+Qor::Ptr<Qor::Entity> $Class$::qorPathStep(Qor::String8 const* elements, std::size_t count, std::size_t* used) {
+    Qor::Ptr<Qor::Entity> const owned = Qor::ownedAt<QorAttributes>(*this, elements, count, used);
+    return owned ? owned : $Base$::qorPathStep(elements, count, used);
 }
 
 )");

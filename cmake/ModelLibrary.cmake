@@ -19,7 +19,7 @@ function(qor_model_library target)
     endif()
     qor_model_sources(${target}_model MODEL ${arg_MODEL} IMPORTS ${arg_IMPORTS})
     add_library(${target} ${arg_TYPE} ${${target}_model_VALUES} ${${target}_model_ENTITIES}
-                                 ${${target}_model_REGISTRY})
+                                 ${${target}_model_REGISTRY} ${${target}_model_ADAPTERS})
     add_dependencies(${target} ${target}_model)
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${${target}_model_DIR}>")
@@ -43,28 +43,30 @@ function(qor_model_sources name)
     set(values "")
     set(entities "")
     set(registry "")
+    set(adapters "")
     set(others "")
     foreach(file IN LISTS arg_MODEL)
         get_filename_component(file "${file}" ABSOLUTE)
         list(APPEND models "${file}")
-        qor_model_outputs("${file}" "${arg_OUT}" values entities registry others)
+        qor_model_outputs("${file}" "${arg_OUT}" values entities registry adapters others)
     endforeach()
     # The compiler leaves alone what has not changed, so a stamp says that it has run.
     set(stamp "${CMAKE_CURRENT_BINARY_DIR}/${name}.stamp")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${models})
     add_custom_command(
         OUTPUT "${stamp}"
-        BYPRODUCTS ${values} ${entities} ${registry} ${others}
+        BYPRODUCTS ${values} ${entities} ${registry} ${adapters} ${others}
         COMMAND ${compiler} --out "${arg_OUT}" ${imports} ${models}
         COMMAND "${CMAKE_COMMAND}" -E touch "${stamp}"
         DEPENDS ${compiler} ${models}
         COMMENT "modelc ${name}"
         VERBATIM)
     add_custom_target(${name} DEPENDS "${stamp}")
-    set_source_files_properties(${values} ${entities} ${registry} ${others} PROPERTIES GENERATED ON)
+    set_source_files_properties(${values} ${entities} ${registry} ${adapters} ${others} PROPERTIES GENERATED ON)
     set(${name}_VALUES "${values}" PARENT_SCOPE)
     set(${name}_ENTITIES "${entities}" PARENT_SCOPE)
     set(${name}_REGISTRY "${registry}" PARENT_SCOPE)
+    set(${name}_ADAPTERS "${adapters}" PARENT_SCOPE)
     set(${name}_DIR "${arg_OUT}" PARENT_SCOPE)
 endfunction()
 
@@ -81,12 +83,13 @@ endfunction()
 
 # What a description will be compiled to, told before the compiler is built: a class's files bear its name and stand in the
 # folder of its sort.
-function(qor_model_outputs model out values_out entities_out registry_out others_out)
+function(qor_model_outputs model out values_out entities_out registry_out adapters_out others_out)
     set(classes "")
     set(wrapped "")
     set(values "${${values_out}}")
     set(entities "${${entities_out}}")
     set(registry "${${registry_out}}")
+    set(adapters "${${adapters_out}}")
     set(others "${${others_out}}")
     file(STRINGS "${model}" lines REGEX "^[ \t]*(unit|folder|enum|value|entity)[ \t]")
     foreach(line IN LISTS lines)
@@ -97,7 +100,11 @@ function(qor_model_outputs model out values_out entities_out registry_out others
         elseif(line MATCHES "^[ \t]*(enum|value|entity)[ \t]+([A-Za-z0-9_]+)")
             if(CMAKE_MATCH_1 STREQUAL "entity")
                 set(files "${out}/${entities_folder}/${CMAKE_MATCH_2}")
+                get_filename_component(adapter "${out}/${entities_folder}" DIRECTORY)
+                set(adapter "${adapter}/attrlog/${CMAKE_MATCH_2}")
                 list(APPEND entities "${files}.cc")
+                list(APPEND adapters "${adapter}.cc")
+                list(APPEND others "${adapter}.h")
             else()
                 set(files "${out}/${values_folder}/${CMAKE_MATCH_2}")
                 list(APPEND values "${files}.cc")
@@ -128,6 +135,7 @@ function(qor_model_outputs model out values_out entities_out registry_out others
     set(${values_out} "${values}" PARENT_SCOPE)
     set(${entities_out} "${entities}" PARENT_SCOPE)
     set(${registry_out} "${registry}" PARENT_SCOPE)
+    set(${adapters_out} "${adapters}" PARENT_SCOPE)
     set(${others_out} "${others}" PARENT_SCOPE)
 endfunction()
 
@@ -137,9 +145,10 @@ endfunction()
 function(vgw_model_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "MODEL;LINKS")
     qor_model_sources(${name}_model MODEL ${arg_MODEL})
-    add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES} ${${name}_model_REGISTRY})
+    add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES} ${${name}_model_REGISTRY}
+                           ${${name}_model_ADAPTERS})
     add_dependencies(${name} ${name}_model)
     vgw_target_settings(${name})
     target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
-    target_link_libraries(${name} PUBLIC qor_generic ${arg_LINKS})
+    target_link_libraries(${name} PUBLIC qor_generic qor_attrlog_family ${arg_LINKS})
 endfunction()

@@ -19,6 +19,11 @@ bool isPlainFolder(std::string const& folder) {
            std::all_of(folder.begin(), folder.end(), isPart);
 }
 
+std::string siblingFolder(std::string const& folder, std::string const& name) {
+    std::size_t const at = folder.rfind('/');
+    return at == std::string::npos ? name : folder.substr(0, at + 1) + name;
+}
+
 bool isCxxName(std::string const& qualified) {
     std::size_t first = 0;
     for (;;) {
@@ -69,6 +74,7 @@ void DeclareUnits::settings(Tree::File const& tree) {
     unit.exportHeader = tree.exportHeader.text;
     unit.valuesFolder = tree.valuesFolder.text;
     unit.entitiesFolder = tree.entitiesFolder.text;
+    unit.adaptersFolder = siblingFolder(unit.entitiesFolder, "attrlog");
     unit.operationsFolder = tree.operationsFolder.text;
     if (!tree.damaged && unit.name.empty()) {
         context_.report({}, "the description has no unit", "unit NAME;");

@@ -174,6 +174,7 @@ struct Unit {
     std::string exportHeader;
     std::string valuesFolder;
     std::string entitiesFolder;
+    std::string adaptersFolder;    // of what binds entities to connections, beside the entities
     std::string operationsFolder;  // where operations are defined by hand; may be empty
     std::vector<Unit const*> imports;
     std::vector<Class> classes;

@@ -39,6 +39,19 @@ class Spelling {
     std::string descriptor() const { return upper_ + "Attr"; }
     std::string fieldDescriptor() const { return upper_ + "Field"; }
 
+    // Of the attribute log.
+    std::string streamDescriptor() const { return upper_ + "Stream"; }
+    std::string serializer() const { return "qorHandle" + upper_ + "Serialize"; }
+    std::string memberSerializer() const { return serializer() + "Sing"; }
+    std::string collectionSerializer() const { return serializer() + "Coll"; }
+    std::string adapterSetter() const { return name_ + "NboAttrLogAdapterIs"; }
+    std::string adapterRemover() const { return name_ + "NboAttrLogAdapterDel"; }
+    std::string dirty() const { return "qorIs" + upper_ + "Dirty"; }
+    std::string dirtyBuilder() const { return "newQorIs" + upper_ + "Dirty"; }
+    std::string dirtyClass() const { return "QorQorIs" + upper_ + "Dirty"; }
+    std::string dirtyIteratorClass() const { return "QorIs" + upper_ + "DirtyIterator"; }
+    std::string synced() const { return "qor" + upper_ + "HasSynced"; }
+
     // The functions of its class that a scalar, a single child and a collection take up besides the
     // name itself.
     std::vector<std::string> scalarAccessors() const;

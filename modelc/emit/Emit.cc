@@ -1,5 +1,6 @@
 #include <modelc/emit/Emit.h>
 
+#include <modelc/emit/AttrLogEmitter.h>
 #include <modelc/emit/EntityEmitter.h>
 #include <modelc/emit/EnumerationEmitter.h>
 #include <modelc/emit/Layout.h>
@@ -31,6 +32,7 @@ struct FilesOf {
     void operator()(Entity const* one) const {
         add(one->type->header, EntityEmitter(*one));
         add(registryHeader(*one->unit, one->name), WrapperEmitter(*one));
+        add(adapterHeader(*one), AttrLogEmitter(*one));
     }
 
     template <typename Emitter>

@@ -206,6 +206,7 @@ class $export$$Class$ : public $Parent$ {
     $notifierRoot$
     class NotifieeConst;
     class Notifiee;
+    class QorNboAttrLogSa;
     class _Type;
     class GenericIf_;
     template <class N, class W>

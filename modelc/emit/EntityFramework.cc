@@ -17,11 +17,28 @@ void zeroReferencesIs(bool zeroReferences) override;
         result += fillIn("Qor::String8 attributeString(Qor::AttributeId id) const override;\n");
     }
     if (hasKeyed()) result += fillIn("bool qorIsCollection(Qor::AttributeId id) const override;\n");
+    if (hasOwned()) {
+        result += fillIn(
+            "Qor::Ptr<Qor::Entity> qorPathStep(Qor::String8 const* elements, std::size_t count, "
+            "std::size_t* used) override;\n");
+    }
     if (entity_.isRoot()) {
         result += fillIn(R"(
 bool qorHasAttrLogInterface() const override;
-Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; }
+using Qor::Entity::qorNboAttrLogSa;
+Qor::Entity::QorNboAttrLogSa* qorNboAttrLogSa(Qor::Ptr<Qor::NboAttrLog::Out const> const& out) override;
+Qor::Entity::QorNboAttrLogSa* qorNboAttrLogSaForMsgChannel(Qor::Ptr<Qor::Entity::QorNboAttrLogSa> const& other) const override;
+Qor::Ptr<Qor::Entity::QorNboAttrLogSa> qorNboAttrLogSaDel(Qor::Ptr<Qor::NboAttrLog::Out const> const& out) override;
 )");
+    }
+    result += fillIn(
+        "Qor::Ptr<Qor::Entity::QorNboAttrLogSa> qorNboAttrLogSaIs(Qor::BitSet<27, Qor::U32> bits, "
+        "Qor::U32 version, Qor::Ptr<Qor::NboAttrLog::Out> const& out, Qor::PtrInterface* owner) "
+        "override;\n");
+    if (entity_.isRoot()) {
+        result += fillIn(
+            "Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; "
+            "}\n");
     }
     return result;
 }
@@ -69,6 +86,15 @@ bool $Class$::qorHasAttrLogInterface() const {
 Qor::String8 $Class$::attributeString(Qor::AttributeId id) const {
     char const* const name = QorAttributes::nameOf(id);
     return name ? Qor::String8(name) : $Base$::attributeString(id);
+}
+
+)");
+    }
+    if (hasOwned()) {
+        result += fillIn(R"(
+Qor::Ptr<Qor::Entity> $Class$::qorPathStep(Qor::String8 const* elements, std::size_t count, std::size_t* used) {
+    Qor::Ptr<Qor::Entity> const owned = Qor::ownedAt<QorAttributes>(*this, elements, count, used);
+    return owned ? owned : $Base$::qorPathStep(elements, count, used);
 }
 
 )");

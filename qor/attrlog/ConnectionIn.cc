@@ -36,6 +36,39 @@ std::span<unsigned char> In::room() {
     return {ring_ + start, std::min(free, capacity_ - start)};
 }
 
+void In::grow() {
+    U32 const wider = capacity_ * 2;
+    U64 const position = readPosition();
+    auto* const ring = static_cast<unsigned char*>(memNew(wider));
+    for (U64 at = released_; at < received_;) {
+        auto const from = static_cast<std::size_t>(at % capacity_);
+        auto const to = static_cast<std::size_t>(at % wider);
+        auto const count =
+            std::min({static_cast<std::size_t>(received_ - at), capacity_ - from, wider - to});
+        std::copy_n(ring_ + from, count, ring + to);
+        at += count;
+    }
+    memDel(ring_, capacity_);
+    ring_ = ring;
+    capacity_ = wider;
+    lap_ = position - position % wider;
+    readPositionIs(position);
+}
+
+U8 In::byteAt(U64 offset) const {
+    require(released_ <= offset && offset < received_,
+            "released() <= offset && offset < received()", __LINE__, "byteAt");
+    return ring_[offset - lap_ < capacity_ ? offset - lap_ : offset % capacity_];
+}
+
+std::span<unsigned char> In::pieceAt(U64 offset) {
+    require(released_ <= offset && offset < received_,
+            "released() <= offset && offset < received()", __LINE__, "pieceAt");
+    auto const start = static_cast<std::size_t>(offset % capacity_);
+    return {ring_ + start,
+            std::min(static_cast<std::size_t>(received_ - offset), capacity_ - start)};
+}
+
 void In::receivedInc(std::size_t count) {
     require(count <= room().size(), "count <= room().size()", __LINE__, "receivedInc");
     received_ += count;
@@ -62,7 +95,8 @@ void In::readPositionIs(U64 offset) {
                                             static_cast<unsigned long long>(released_),
                                             static_cast<unsigned long long>(received_)));
     }
-    lap_ = offset - offset % capacity_;
+    // Most steps stay within the lap, and need no division.
+    if (offset - lap_ >= capacity_) lap_ = offset - offset % capacity_;
     read_ = ring_ + (offset - lap_);
     findPieceEnd();
 }
@@ -121,7 +155,12 @@ String8 In::nextText(U32 count) {
 }  // namespace Connection
 
 void operator>>(Ptr<Connection::In> const& in, String8::Iterator& position) {
-    position.append(in->nextText(static_cast<U32>(in->available())).view());
+    auto const chunk = in->nextText(static_cast<U32>(in->available()));
+    if (in->moreChunks() && chunk.length() == 0) {
+        throw AttrLogRecordException("an empty chunk of a text that is said to go on");
+    }
+    position.append(chunk.view());
+    position.isWholeIs(!in->moreChunks());
 }
 
 }  // namespace Qor

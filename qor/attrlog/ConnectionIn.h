@@ -6,7 +6,8 @@
 // Reading stops at a limit, if one is set, and at what has arrived. Past it, AttrLogRecordException
 // tells the offset, what was needed and what was there, and the position stays where it was.
 //
-// Memory: the ring, taken at the first byte. A length that was read reserves nothing.
+// Memory: the ring, taken at the first byte. A length that was read reserves nothing; where a frame
+// is longer than the ring, grow() doubles it once it is full.
 // Threads: one at a time. Cost: a number is a compare and a load.
 #ifndef QOR_ATTRLOG_CONNECTIONIN_H
 #define QOR_ATTRLOG_CONNECTIONIN_H
@@ -42,6 +43,10 @@ class QOR_EXPORT In : public VFPtrInterface {
     void receivedInc(std::size_t count);
     // Appends as many of the bytes as there is room for and gives their number.
     std::size_t receive(std::string_view bytes);
+    // Doubles the ring, for a frame that does not fit.
+    void grow();
+    // The ring's size.
+    U32 capacity() const noexcept { return capacity_; }
     // Bytes that have arrived since the beginning.
     U64 received() const noexcept { return received_; }
 
@@ -58,6 +63,14 @@ class QOR_EXPORT In : public VFPtrInterface {
 
     // Bytes that can be read now.
     U64 available() const noexcept;
+    // The byte at an offset. REQUIRES: released() <= offset && offset < received()
+    U8 byteAt(U64 offset) const;
+    // Overwrites bytes that have arrived, in one piece or two where the ring wraps.
+    // REQUIRES: released() <= offset && offset < received()
+    std::span<unsigned char> pieceAt(U64 offset);
+    // Whether the chunk that is read next has more of its text behind it.
+    bool moreChunks() const noexcept { return moreChunks_; }
+    void moreChunksIs(bool on) noexcept { moreChunks_ = on; }
 
     // A number in network byte order.
     template <std::unsigned_integral Word>
@@ -87,12 +100,15 @@ class QOR_EXPORT In : public VFPtrInterface {
     U64 received_ = 0;
     U64 released_ = 0;
     U64 limit_ = noLimit;
-    U32 const capacity_;
+    U32 capacity_;
+    bool moreChunks_ = false;
 };
 
 }  // namespace Connection
 
-// Appends the rest of what can be read, up to the limit, to the text that is being gathered.
+// Appends the rest of what can be read, up to the limit, to the text that is being gathered. The
+// position is 0 afterwards when that was the text's end, and not 0 when there is more to come. A
+// chunk that is empty although there is more raises AttrLogRecordException.
 QOR_EXPORT void operator>>(Ptr<Connection::In> const& in, String8::Iterator& position);
 
 }  // namespace Qor

@@ -49,7 +49,7 @@ void Out::putAcrossBlocks(unsigned char const* bytes, std::size_t count) {
 }
 
 void Out::nextBlock(std::size_t wanted) {
-    if (blocks_.size() >= maxBlocks_) {
+    if (blocks_.size() >= maxBlocks_ && !mayPassCap_) {
         throw AttrLogRecordException(
             format("%zu more bytes at offset %llu are over the buffer's "
                    "%u blocks of %u bytes",
@@ -87,9 +87,19 @@ unsigned char* Out::at(U64 offset) const noexcept {
 void Out::u32AtIs(U64 offset, U32 number) {
     require(sent_ <= offset && offset + sizeof number <= written(),
             "sent() <= offset && offset + 4 <= written()", __LINE__, "u32AtIs");
+    if ((offset - base_) % blockSize <= blockSize - sizeof number) [[likely]] {
+        storeNetworkOrder(at(offset), number);
+        return;
+    }
     unsigned char bytes[sizeof number];
     storeNetworkOrder(bytes, number);
     for (auto const byte : bytes) *at(offset++) = byte;
+}
+
+void Out::u8AtOr(U64 offset, U8 bits) {
+    require(sent_ <= offset && offset < written(), "sent() <= offset && offset < written()",
+            __LINE__, "u8AtOr");
+    *at(offset) = static_cast<unsigned char>(*at(offset) | bits);
 }
 
 std::string_view Out::unsent() const noexcept {
@@ -131,6 +141,7 @@ void Out::giveBack(unsigned char* block) noexcept {
 }
 
 U64 Out::freeBytes() const noexcept {
+    if (blocks_.size() > maxBlocks_) return 0;
     return (maxBlocks_ - blocks_.size()) * U64{blockSize} + static_cast<U64>(blockEnd_ - write_);
 }
 
@@ -140,6 +151,7 @@ void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& positio
     auto const chunk = position.rest().substr(0, out->chunkLimit());
     out->putBytes(chunk);
     position.indexIs(position.index() + static_cast<U32>(chunk.size()));
+    out->moreChunksIs(static_cast<bool>(position));
 }
 
 }  // namespace Qor

@@ -33,6 +33,9 @@ class QOR_EXPORT Out : public VFPtrInterface {
     // A record is at most 32768 bytes, of which header and tokens take 29.
     static constexpr U32 defaultChunkLimit = 32768 - 29;
 
+    // Opens and closes what stands between header and end of a record.
+    enum class TransactToken : U8 { begin = 1, end = 3 };
+
     // REQUIRES: maxBlocks > 0
     explicit Out(U32 maxBlocks = defaultBlocks);
     ~Out() override;
@@ -50,6 +53,9 @@ class QOR_EXPORT Out : public VFPtrInterface {
     // Puts another number in the place of one that was put at that offset.
     // REQUIRES: sent() <= offset && offset + 4 <= written()
     void u32AtIs(U64 offset, U32 number);
+    // Sets bits of the byte that was put at that offset. REQUIRES: sent() <= offset && offset <
+    // written()
+    void u8AtOr(U64 offset, U8 bits);
 
     // The next piece for the transport, empty when all is sent. It holds until the next call that
     // is not const.
@@ -59,14 +65,39 @@ class QOR_EXPORT Out : public VFPtrInterface {
     U64 sent() const noexcept { return sent_; }
 
     U32 bufferBlockSize() const noexcept { return blockSize; }
-    // Bytes that can be put before the cap is reached.
+    // Bytes that can be put before the cap is reached; 0 beyond it.
     U64 freeBytes() const noexcept;
+    // Whether what is put has a way out; without one the count of free bytes means nothing.
+    bool hasLiveBuffer() const noexcept { return isLive_; }
+    void hasLiveBufferIs(bool isLive) noexcept { isLive_ = isLive; }
     // Whether a record of any size that is allowed can be put whole.
-    bool hasSufficientBuffer() const noexcept { return freeBytes() >= blockSize; }
+    bool hasSufficientBuffer() const noexcept { return isLive_ && freeBytes() >= blockSize; }
 
     // The most bytes that one chunk of a text takes.
     U32 chunkLimit() const noexcept { return chunkLimit_; }
     void chunkLimitIs(U32 bytes) noexcept { chunkLimit_ = bytes; }
+    // Whether the chunk put last leaves more of its text to come.
+    bool moreChunks() const noexcept { return moreChunks_; }
+    void moreChunksIs(bool on) noexcept { moreChunks_ = on; }
+
+    // The other direction of the same connection, or null. Not counted: whoever ties the two keeps
+    // them.
+    In* in() const noexcept { return in_; }
+    void inIs(In* in) noexcept { in_ = in; }
+    // Whether the connection is a message channel's.
+    bool isChannel() const noexcept { return isChannel_; }
+    void isChannelIs(bool isChannel) noexcept { isChannel_ = isChannel; }
+
+  protected:
+    // Room for so many bytes in one piece, which count as put; null if the block hasn't it.
+    unsigned char* claim(std::size_t count) noexcept {
+        if (static_cast<std::size_t>(blockEnd_ - write_) < count) return nullptr;
+        unsigned char* const at = write_;
+        write_ += count;
+        return at;
+    }
+    // What is begun may be finished although the cap is reached.
+    void mayPassCapIs(bool on) noexcept { mayPassCap_ = on; }
 
   private:
     void putAcrossBlocks(unsigned char const* bytes, std::size_t count);
@@ -83,6 +114,11 @@ class QOR_EXPORT Out : public VFPtrInterface {
     U64 sent_ = 0;
     U32 const maxBlocks_;
     U32 chunkLimit_ = defaultChunkLimit;
+    In* in_ = nullptr;
+    bool moreChunks_ = false;
+    bool mayPassCap_ = false;
+    bool isChannel_ = false;
+    bool isLive_ = true;
 };
 
 template <std::integral Number>

@@ -1,10 +1,88 @@
 #include <qor/attrlog/NboAttrLogOut.h>
 
+#include <qor/attrlog/FrameTooLong.h>
+#include <qor/core/Exception.h>
+#include <qor/core/Format.h>
+
 namespace Qor {
 
 namespace NboAttrLog {
 
+namespace {
+
+constexpr std::size_t headSize = 4 + 1 + MsgHeader::wireSize;
+
+void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header) {
+    storeNetworkOrder(at, U32{0});
+    at[4] = static_cast<unsigned char>(kind);
+    storeNetworkOrder(at + 5, header.entityId.value());
+    storeNetworkOrder(at + 13, static_cast<U32>(header.attributeId));
+    at[17] = header.headerTag;
+    storeNetworkOrder(at + 18, header.headerWordA);
+    storeNetworkOrder(at + 22, header.headerWordB);
+    at[26] = header.headerTail;
+}
+
+}  // namespace
+
 Out::~Out() = default;
+
+void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
+    dropOpenFrame();
+    frameStart_ = written();
+    sectionStart_ = noFrame;
+    moreChunksIs(false);
+    mayPassCapIs(true);
+    if (unsigned char* const at = claim(headSize)) [[likely]] {
+        storeHead(at, kind, header);
+    } else {
+        unsigned char head[headSize];
+        storeHead(head, kind, header);
+        putBytes({reinterpret_cast<char const*>(head), headSize});
+    }
+}
+
+void Out::dropOpenFrame() {
+    if (!hasOpenFrame()) return;
+    writtenIs(frameStart_);
+    frameStart_ = noFrame;
+    mayPassCapIs(false);
+}
+
+void Out::currentPayloadSectionIs(PayloadSection section) {
+    endSection(written());
+    put(static_cast<U8>(section));
+    sectionStart_ = written();
+    put(U32{0});
+}
+
+void Out::endSection(U64 end) {
+    if (sectionStart_ == noFrame) return;
+    u32AtIs(sectionStart_, static_cast<U32>(end - sectionStart_ - sizeof(U32)));
+    sectionStart_ = noFrame;
+}
+
+void Out::endFrame() {
+    if (!hasOpenFrame()) [[unlikely]] {
+        writtenIs(written() - 1);
+        throw AttrLogRecordException(
+            "the record was taken back by another that began before its end");
+    }
+    auto const size = static_cast<U32>(written() - frameStart_ - sizeof(U32));
+    mayPassCapIs(false);
+    U64 const start = frameStart_;
+    frameStart_ = noFrame;
+    if (size > greatestFrame_) [[unlikely]] {
+        writtenIs(start);
+        throw FrameTooLongException(size, greatestFrame_);
+    }
+    if (sectionStart_ != noFrame) [[unlikely]] {
+        endSection(written() - 1);
+    }
+    u32AtIs(start, size);
+    if (moreChunks()) u8AtOr(start + sizeof(U32), moreChunksBit);
+    ++frames_;
+}
 
 }  // namespace NboAttrLog
 

@@ -1,9 +1,18 @@
-// The writer of an attribute log in network byte order: values are put with operator<<.
+// The writer of an attribute log in network byte order. A record is begun with nextHeaderIs, closed
+// by token 3, and values are put between with operator<<:
+//
+//   out->nextHeaderIs({id, attribute});
+//   out << Out::TransactToken::begin << value << Out::TransactToken::end;
+//
+// A record that was begun is always whole: it may pass the cap on blocks, and what was begun and
+// not closed is taken back when the next one begins. Whoever closes a record that was taken back
+// so hears of it by AttrLogRecordException and may write it again.
 #ifndef QOR_ATTRLOG_NBOATTRLOGOUT_H
 #define QOR_ATTRLOG_NBOATTRLOGOUT_H
 
 #include <qor/attrlog/ConnectionOut.h>
 #include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/MsgHeader.h>
 #include <qor/core/Ptr.h>
 
 #include <bit>
@@ -11,12 +20,55 @@
 
 namespace Qor {
 
+// The full name of a class, as a record tells it.
+class TypeId {
+  public:
+    explicit TypeId(String8 fullName) noexcept : fullName_(std::move(fullName)) {}
+    String8 const& fullName() const noexcept { return fullName_; }
+
+  private:
+    String8 fullName_;
+};
+
 namespace NboAttrLog {
 
 class QOR_EXPORT Out : public Connection::Out {
   public:
     using Connection::Out::Out;
     ~Out() override;
+
+    // Begins a record.
+    void nextHeaderIs(MsgHeader const& header) { beginFrame(FrameKind::record, header); }
+    // Begins a frame of any sort.
+    void beginFrame(FrameKind kind, MsgHeader const& header);
+    // Begins a part of the payload; what follows belongs to it, up to the next or the end.
+    void currentPayloadSectionIs(PayloadSection section);
+    // Opens the payload, or closes the frame.
+    void tokenIs(TransactToken token) {
+        put(static_cast<U8>(token));
+        if (token == TransactToken::end) endFrame();
+    }
+    bool hasOpenFrame() const noexcept { return frameStart_ != noFrame; }
+    // Takes back what was begun and not closed, as an exception leaves it.
+    void dropOpenFrame();
+    // Frames that were closed.
+    U64 frames() const noexcept { return frames_; }
+
+    // The most that `size` of a frame may be. A longer one is taken back when it is closed, and
+    // FrameTooLongException raised.
+    U32 greatestFrame() const noexcept { return greatestFrame_; }
+    void greatestFrameIs(U32 bytes) noexcept { greatestFrame_ = bytes; }
+
+  private:
+    static constexpr U64 noFrame = ~U64{0};
+
+    void endFrame();
+    void endSection(U64 end);
+
+    U64 frameStart_ = noFrame;
+    U64 sectionStart_ = noFrame;
+    U64 frames_ = 0;
+    U32 greatestFrame_ = defaultGreatestFrame;
 };
 
 // A number of its own width; a truth value is one byte, 0 or 1. A template, so that nothing turns
@@ -38,6 +90,21 @@ Ptr<Out> const& operator<<(Ptr<Out> const& out, Number const& number) {
 inline Ptr<Out> const& operator<<(Ptr<Out> const& out, String8 const& text) {
     out->put(text.length());
     out->putBytes(text.view());
+    return out;
+}
+
+inline Ptr<Out> const& operator<<(Ptr<Out> const& out, EntityId const& id) {
+    out->put(id.value());
+    return out;
+}
+
+// As the text of the name.
+inline Ptr<Out> const& operator<<(Ptr<Out> const& out, TypeId const& type) {
+    return out << type.fullName();
+}
+
+inline Ptr<Out> const& operator<<(Ptr<Out> const& out, Connection::Out::TransactToken token) {
+    out->tokenIs(token);
     return out;
 }
 

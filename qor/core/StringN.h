@@ -217,11 +217,14 @@ class StringN<unsigned char>::Iterator {
     explicit Iterator(StringN text) noexcept : text_(std::move(text)) {}
 
     void append(std::string_view bytes) { text_ += bytes; }
-    std::uint32_t index() const noexcept { return text_.length(); }
+    // The position at which the next piece goes on; 0 once the text is whole.
+    std::uint32_t index() const noexcept { return isWhole_ ? 0 : text_.length(); }
+    void isWholeIs(bool isWhole) noexcept { isWhole_ = isWhole; }
     StringN const& text() const noexcept { return text_; }
 
   private:
     StringN text_;
+    bool isWhole_ = false;
 };
 
 constexpr std::size_t StringN<unsigned char>::Data::entries(std::uint32_t length) noexcept {

@@ -1,5 +1,7 @@
 #include <qor/entity/Entity.h>
 
+#include <qor/core/Exception.h>
+
 #include <string>
 
 namespace Qor {
@@ -40,6 +42,26 @@ String8 Entity::attributeString(AttributeId) const { return "unknown"; }
 void Entity::qorNotifieeAdapterIs(Qor::Ptr<Entity const> const&) {}
 
 bool Entity::qorHasAttrLogInterface() const { return false; }
+
+Entity::QorNboAttrLogSa* Entity::qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const&) {
+    return nullptr;
+}
+
+Entity::QorNboAttrLogSa* Entity::qorNboAttrLogSaForMsgChannel(
+    Qor::Ptr<QorNboAttrLogSa> const&) const {
+    return nullptr;
+}
+
+Qor::Ptr<Entity::QorNboAttrLogSa> Entity::qorNboAttrLogSaIs(BitSet<27, U32>, U32,
+                                                            Qor::Ptr<NboAttrLog::Out> const&,
+                                                            PtrInterface*) {
+    throwInternalException(fullName() + " has no attribute log interface");
+}
+
+Qor::Ptr<Entity::QorNboAttrLogSa> Entity::qorNboAttrLogSaDel(
+    Qor::Ptr<NboAttrLog::Out const> const&) {
+    throwInternalException(fullName() + " has no attribute log interface");
+}
 
 bool Entity::qorIsCollection(AttributeId) const { return false; }
 

@@ -5,16 +5,22 @@
 #ifndef QOR_ENTITY_ENTITY_H
 #define QOR_ENTITY_ENTITY_H
 
+#include <qor/collections/BitSet.h>
 #include <qor/core/Name.h>
 #include <qor/core/Ptr.h>
 #include <qor/core/VFPtrInterface.h>
 
 namespace Qor {
 
+namespace NboAttrLog {
+class Out;
+}
+
 class QOR_EXPORT Entity : public VFPtrInterface {
   public:
     class NotifieeConst;  // <qor/notify/EntityNotifiee.h>
     class Notifiee;
+    class QorNboAttrLogSa;  // <qor/attrlog/flow/EntityAdapter.h>
 
     using Ptr = Qor::Ptr<Entity>;
     using PtrConst = Qor::Ptr<Entity const>;
@@ -45,8 +51,25 @@ class QOR_EXPORT Entity : public VFPtrInterface {
     virtual String8 attributeString(AttributeId id) const;
     /// Hook of the notification layer for adapters of other entities.
     virtual void qorNotifieeAdapterIs(Qor::Ptr<Entity const> const& adapter);
-    /// Whether entities of this class can be streamed as an attribute log.
+    /// The stream adapter that serves `out`, or null. Nothing is kept: the result is borrowed.
+    QorNboAttrLogSa const* qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const& out) const {
+        return const_cast<Entity*>(this)->qorNboAttrLogSa(out);
+    }
+    /// Whether entities of this class can be streamed as an attribute log. The operations on stream
+    /// adapters that follow answer null, or raise InternalException, where it cannot.
     virtual bool qorHasAttrLogInterface() const;
+    virtual QorNboAttrLogSa* qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const& out);
+    /// An adapter, other than the given one, on the same message channel, or null.
+    virtual QorNboAttrLogSa* qorNboAttrLogSaForMsgChannel(
+        Qor::Ptr<QorNboAttrLogSa> const& other) const;
+    /// Finds or makes the adapter for `out`. `bits` are its flags, `owner` the message channel's
+    /// entry or null. A null `out` raises the range exception "null ValidPtr".
+    virtual Qor::Ptr<QorNboAttrLogSa> qorNboAttrLogSaIs(BitSet<27, U32> bits, U32 version,
+                                                        Qor::Ptr<NboAttrLog::Out> const& out,
+                                                        PtrInterface* owner);
+    /// Removes the adapter for `out` from its demuxer and hands it over; null if there is none.
+    virtual Qor::Ptr<QorNboAttrLogSa> qorNboAttrLogSaDel(
+        Qor::Ptr<NboAttrLog::Out const> const& out);
 
     /// Whether the attribute holds several entities by key, so that a path needs the key as well.
     virtual bool qorIsCollection(AttributeId id) const;

@@ -114,6 +114,8 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
   protected:
     NotifieeConst();
     void kindIs(NotifieeKind const& kind) noexcept { kind_ = &kind; }
+    /// The flags themselves, for a class that changes them often.
+    Qor_BitSet& qorState() noexcept { return bits_; }
     void isRegisteredFlagIs(bool on) const noexcept { isRegisteredNotifiee_ = on; }
     /// Swaps the notifier, with a counted reference unless weak.
     void swapNotifier(PtrInterface const* notifier);

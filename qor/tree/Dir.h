@@ -17,8 +17,9 @@ class QOR_EXPORT Dir : public Entity {
     class NotifieeConst;
     class Notifiee;
     class QorEntry;
-    class _Type;       // <qor/generic/Dir.h>
-    class GenericIf_;  // the same
+    class QorNboAttrLogSa;  // <qor/attrlog/dir/DirAdapter.h>
+    class _Type;            // <qor/generic/Dir.h>
+    class GenericIf_;       // the same
     template <class N, class W>
     class QorForward;
     struct EntryAttr;
@@ -28,9 +29,10 @@ class QOR_EXPORT Dir : public Entity {
 
     /// How far an entry can be relied on.
     enum class EntryState : U8 {
-        ready,    // the entity is whole and kept up to date
-        pending,  // announced; its contents have not all arrived
-        stale,    // its source is out of reach; the contents are those of the last contact
+        ready,     // the entity is whole and kept up to date
+        pending,   // announced; its contents have not all arrived
+        stale,     // its source is out of reach; the contents are those of the last contact
+        released,  // its source has let it go; the contents stay as they were last
     };
 
     using EntryIterator = AttributeIterator<EntryAttr>;
@@ -73,6 +75,16 @@ class QOR_EXPORT Dir : public Entity {
     String8 qorChildPath(AttributeId id, Entity const& child) const override;
     Qor::Ptr<Entity> qorPathStep(String8 const* elements, std::size_t count,
                                  std::size_t* used) override;
+    bool qorHasAttrLogInterface() const override;
+    using Entity::qorNboAttrLogSa;
+    Entity::QorNboAttrLogSa* qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const& out) override;
+    Entity::QorNboAttrLogSa* qorNboAttrLogSaForMsgChannel(
+        Qor::Ptr<Entity::QorNboAttrLogSa> const& other) const override;
+    Qor::Ptr<Entity::QorNboAttrLogSa> qorNboAttrLogSaIs(BitSet<27, U32> bits, U32 version,
+                                                        Qor::Ptr<NboAttrLog::Out> const& out,
+                                                        PtrInterface* owner) override;
+    Qor::Ptr<Entity::QorNboAttrLogSa> qorNboAttrLogSaDel(
+        Qor::Ptr<NboAttrLog::Out const> const& out) override;
     ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; }
 
   private:

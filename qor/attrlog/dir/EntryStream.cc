@@ -1,0 +1,170 @@
+// How a directory's entries are sent and read.
+#include <qor/attrlog/dir/DirAdapter.h>
+#include <qor/registry/QorType.h>
+
+#include <typeinfo>
+
+namespace Qor {
+
+namespace {
+
+using Adapter = Dir::QorNboAttrLogSa;
+using EntryStream = Adapter::EntryStream;
+using Token = NboAttrLog::Out::TransactToken;
+
+void putEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member,
+              Entity::QorNboAttrLogSa& child) {
+    auto const& out = adapter.nboAttrLogOut();
+    NboAttrLog::MsgHeader header{adapter.entityId(), EntryStream::id};
+    header.headerWordB = NboAttrLog::adapterAnnounceCode;
+    out->nextHeaderIs(header);
+    out << Token::begin << String8(key) << static_cast<U8>(member.state()) << child.entityId();
+    U64 const chain = out->written();
+    out << U32{0};
+    child.putTypeChain();
+    out->u32AtIs(chain, static_cast<U32>(out->written() - chain - sizeof(U32)));
+    child.putConstructorArgument();
+    out << Token::end;
+}
+
+void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
+    Entity& entity = *member.value();
+    if (!entity.qorHasAttrLogInterface()) return;
+    Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
+    bool const isKnown = entity.qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
+    auto const flags = AdapterState::ofChild(adapter.state());
+    auto const child = entity.qorNboAttrLogSaIs(flags, 1, out, adapter.msgChannel());
+    if (!isKnown) child->qorOnInit();
+    adapter.doFixChildFlags(child);
+    putEntry(adapter, key, member, *child);
+    bool const whole = !isKnown || adapter.handlingScheduledFlowOut() ||
+                       adapter.syncMode() == StreamAdapter::resync;
+    if (whole) child->doThis();
+}
+
+// The first class of the chain that is known here; null if none is. The position is left at the
+// argument.
+QorType* nextKnownType(NboAttrLog::In& in) {
+    U32 const length = in.nextU32();
+    U64 const end = in.readPosition() + length;
+    if (length > in.available()) throw AttrLogRecordException("a chain of classes past its record");
+    QorType* known = nullptr;
+    while (in.readPosition() < end) {
+        Name const name(in.nextString());
+        if (known == nullptr) known = QorType::type(name);
+        if (known != nullptr && !known->isEntity()) known = nullptr;
+    }
+    in.readPositionIs(end);
+    return known;
+}
+
+// Whether what stands here may go on as the entity that the peer announces.
+bool isSame(Entity& here, Entity const& announced, Ptr<NboAttrLog::Out const> const& out,
+            EntityId const& id) {
+    auto const* const adapter = here.qorNboAttrLogSa(out);
+    if (adapter) return adapter->entityId() == id;
+    return typeid(here) == typeid(announced) && here.name() == announced.name();
+}
+
+void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, EntityId const& id) {
+    auto const flags = AdapterState::ofChild(adapter.state());
+    auto const child =
+        entity.qorNboAttrLogSaIs(flags, 1, adapter.nboAttrLogOut(), adapter.msgChannel());
+    if (child->entityId() != id) child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
+    child->flagIs(AdapterState::remountPending, false);
+}
+
+struct Announced {
+    Name key;
+    Dir::EntryState state;
+    EntityId id;
+    Ptr<Entity> entity;  // null when its class is not known here
+};
+
+Announced readEntry(Adapter& adapter, InboundRecord& record) {
+    auto& in = record.in;
+    Announced told;
+    told.key = Name(in.nextString());
+    U8 const state = in.nextU8();
+    if (state > static_cast<U8>(Dir::EntryState::released)) {
+        throw AttrLogRecordException("an entry of an unknown state");
+    }
+    told.state = static_cast<Dir::EntryState>(state);
+    told.id = in.nextEntityId();
+    QorType* const type = nextKnownType(in);
+    if (type == nullptr) {
+        record.demuxer.unknownClassesInc(1);
+        return told;
+    }
+    told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
+    return told;
+}
+
+// Directories within directories end somewhere.
+void needShallow(Entity const& dir) {
+    constexpr int greatestDepth = 64;
+    int depth = 0;
+    for (Entity const* at = &dir; at; at = at->qorParent()) {
+        if (++depth > greatestDepth) {
+            throw AttrLogRecordException("directories more than 64 deep");
+        }
+    }
+}
+
+void takeEntry(Adapter& adapter, InboundRecord& record) {
+    auto& dir = targetOf<EntryStream>(adapter);
+    needShallow(dir);
+    Announced const told = readEntry(adapter, record);
+    if (record.echoOnly) return adapter.onEntry(told.key);
+    if (!told.entity) return;
+    Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
+    Ptr<Entity> entity = dir.entry(told.key);
+    bool const isKnown = entity && entity->qorNboAttrLogSa(out) &&
+                         entity->qorNboAttrLogSa(out)->entityId() == told.id;
+    if (!isKnown) record.demuxer.needPeersId(told.id);
+    if (!entity || !isSame(*entity, *told.entity, out, told.id)) entity = told.entity;
+    dir.entryIs(told.key, entity);
+    adapter.flagIs(AdapterState::isActive, true);
+    dir.entryStateIs(told.key, told.state);
+    enter(adapter, record.demuxer, *entity, told.id);
+}
+
+}  // namespace
+
+void EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member) {
+    OutboundGuard const guard(adapter, id, true);
+    if (!guard.childMayGo(name) || guard.wasActive()) return;
+    if (!keyGoesNow<EntryStream>(adapter, *guard.out(), key)) return;
+    if (member == nullptr) {
+        guard.out()->nextHeaderIs({adapter.entityId(), -id});
+        guard.out() << Token::begin << String8(key) << Token::end;
+        return;
+    }
+    Qor::Ptr<QorEntry> const held(member);
+    if (!writeWhole([&] { sendEntry(adapter, key, *held); })) {
+        keepForLater<EntryStream>(adapter, key);
+    }
+}
+
+void EntryStream::read(Adapter& adapter, InboundRecord& record) {
+    if (record.id > 0) return takeEntry(adapter, record);
+    Name const key(record.in.nextString());
+    if (record.echoOnly) return adapter.onEntry(key);
+    targetOf<EntryStream>(adapter).entryDel(key);
+}
+
+void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
+    if (type == StreamAdapter::abort) return;
+    Qor::Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
+    walkUntilQuiet<EntryStream>(targetOf<EntryStream>(adapter), [&](QorEntry const& entry) {
+        auto* const known = entry.value()->qorNboAttrLogSa(out);
+        if (type == StreamAdapter::begin) {
+            if (known) known->flagIs(AdapterState::remountPending, true);
+        } else if (!known || known->has(AdapterState::remountPending)) {
+            IsActiveAnchor const anchor(adapter);
+            targetOf<EntryStream>(adapter).entryDel(Name(entry.key()));
+        }
+    });
+}
+
+}  // namespace Qor

@@ -1,0 +1,171 @@
+// The walk over a collection: the whole of it as a snapshot between two markers, then the keys that
+// have become dirty meanwhile. It stops between keys, remembers its place by key and not by
+// position, and so survives whatever happens to the collection between two turns.
+#ifndef QOR_ATTRLOG_FAMILY_COLLECTIONOUT_H
+#define QOR_ATTRLOG_FAMILY_COLLECTIONOUT_H
+
+#include <qor/attrlog/family/ChildOut.h>
+#include <qor/attrlog/family/TextMemberOut.h>
+
+#include <optional>
+
+namespace Qor {
+
+/// Sends one key: with its member, or its removal when that is null. Whether the key is done.
+template <class S, class Adapter>
+bool serializeMember(Adapter& adapter, typename S::Key const& key, typename S::Member* member) {
+    using A = typename S::Attr;
+    if constexpr (S::kind == StreamKind::textMember) {
+        return serializeTextMember<S>(adapter, key, member ? A::valueOf(*member) : String8(),
+                                      !member);
+    } else {
+        if constexpr (S::kind == StreamKind::flagMember) {
+            serializeFlagMember<S>(adapter, key, member && A::valueOf(*member), !member);
+        } else if constexpr (S::kind == StreamKind::reference) {
+            serializeReference<S>(adapter, key, member ? A::valueOf(*member) : typename S::Value());
+        } else if constexpr (S::kind == StreamKind::childMember) {
+            serializeChildMember<S>(adapter, key, Ptr<typename S::Target>(member));
+        } else {
+            S::serialize(adapter, key, member);
+        }
+        auto const* const flow = flowInCharge(adapter);
+        return !flow || !flow->retryLater();
+    }
+}
+
+template <class S, class Adapter>
+auto& collectionOf(Adapter const& adapter) {
+    return S::Attr::map(entityOf<S>(adapter));
+}
+
+/// onA(key).
+template <class S, class Adapter>
+void serializeChangedKey(Adapter& adapter, typename S::Key const& key) {
+    serializeMember<S>(adapter, key, collectionOf<S>(adapter).member(key));
+}
+
+template <class S, class Adapter>
+class CollectionOut {
+  public:
+    using Key = typename S::Key;
+    using Map = typename S::Attr::Map;
+    using Walk = typename Map::IteratorConst;
+    using Flow = typename Adapter::FlowOut;
+
+    explicit CollectionOut(Adapter& adapter)
+        : adapter_(adapter), map_(collectionOf<S>(adapter)), flow_(flowOf(adapter)) {}
+
+    bool send() {
+        if (!flow_) return walkWithoutFlow();
+        if (!finishText()) return false;
+        bool const isWalked = flow_->walkDone() || flow_->template hasSynced<S>();
+        if (!isWalked) {
+            if (std::optional<bool> const left = walk()) return *left;
+        }
+        return drain();
+    }
+
+  private:
+    bool walkWithoutFlow() {
+        for (Walk at(&map_); at; ++at) serializeMember<S>(adapter_, at.key(), at.member().ptr());
+        return true;
+    }
+
+    /// The text that was half sent goes first. A key that has gone meanwhile still owes its
+    /// removal.
+    bool finishText() {
+        if constexpr (S::kind == StreamKind::textMember) {
+            if (flow_->attrId() != S::id || !flow_->valueIterKey()) return true;
+            Key const key = NboAttrLog::qorFlowOutValueKeyDeq<Key>(*flow_);
+            bool const done = serializeTextMember<S>(adapter_, key, String8(), false);
+            if (done && map_.member(key)) {
+                flow_->template dirtyKeyDel<S>(key);
+            } else {
+                flow_->template dirtyKeyIs<S>(key, true);
+            }
+            return done;
+        } else {
+            return true;
+        }
+    }
+
+    /// What send() answers, if the walk was left.
+    std::optional<bool> walk() {
+        bool const goesOn = flow_->bookmark() != nullptr;
+        if (!goesOn) adapter_.sendTransactionMarker(S::id, StreamAdapter::begin, 0);
+        Walk at =
+            goesOn ? Walk(&map_, NboAttrLog::qorFlowOutBookmarkDeq<Key>(*flow_)) : Walk(&map_);
+        while (at) {
+            Key const key = at.key();
+            bool const done = serializeMember<S>(adapter_, key, at.member().ptr());
+            noteMember(key, done);
+            bool const stays = flow_->retryLater();
+            bool const leaves = stays || !adapter_.continueFlowOut();
+            if (!stays) ++at;
+            if (leaves) return leaveAt(at);
+        }
+        return std::nullopt;
+    }
+
+    void noteMember(Key const& key, bool done) {
+        if (done) {
+            flow_->template dirtyKeyDel<S>(key);
+        } else if constexpr (S::kind == StreamKind::textMember) {
+            flow_->template dirtyKeyIs<S>(key, true);
+        }
+    }
+
+    bool leaveAt(Walk const& at) {
+        if (at) {
+            NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());
+            return false;
+        }
+        if constexpr (S::kind == StreamKind::textMember) {
+            if (flow_->valueIterKey()) {
+                flow_->walkDoneIs(true);
+                return false;
+            }
+        }
+        endSnapshot();
+        return flow_->template dirtyKeys<S>().size() == 0;
+    }
+
+    void endSnapshot() {
+        adapter_.sendTransactionMarker(S::id, StreamAdapter::end, 0);
+        flow_->template hasSyncedIs<S>(true);
+        flow_->walkDoneIs(false);
+    }
+
+    bool drain() {
+        if (flow_->attrId() != S::id) return true;
+        if (!flow_->template hasSynced<S>()) endSnapshot();
+        auto& dirty = flow_->template dirtyKeys<S>();
+        for (typename DirtyKeyMap<Key>::IteratorConst at(&dirty); at; ++at) {
+            if (!adapter_.continueFlowOut()) break;
+            Key const key = at.key();
+            bool const done = serializeMember<S>(adapter_, key, map_.member(key));
+            if (!done || flow_->retryLater()) break;
+            flow_->template dirtyKeyDel<S>(key);
+        }
+        return dirty.size() == 0;
+    }
+
+    Adapter& adapter_;
+    Map const& map_;
+    Flow* const flow_;
+};
+
+/// qorHandleASerializeColl(): true when nothing more is owed for the attribute.
+template <class S, class Adapter>
+bool serializeCollection(Adapter& adapter) {
+    {
+        OutboundGuard const guard(adapter, S::id);
+        if (!guard.mayGo(S::name)) return guard.isNothingOwed();
+    }
+    Ptr<NboAttrLog::FlowOut> const held(adapter.StreamAdapter::flowOut());
+    return CollectionOut<S, Adapter>(adapter).send();
+}
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,58 @@
+// The notifiee that hears for a stream adapter: it is on the entity's list, and passes each change
+// on. It keeps neither entity nor adapter alive. The classes below add one handler an attribute,
+// each of which calls the adapter's.
+#ifndef QOR_ATTRLOG_FAMILY_COMPANION_H
+#define QOR_ATTRLOG_FAMILY_COMPANION_H
+
+#include <qor/attrlog/flow/EntityAdapter.h>
+
+namespace Qor {
+
+/// `Adapter` is the class's adapter, `Base` its X::NotifieeConst.
+template <class Adapter, class Base>
+class Companion : public Base {
+  public:
+    explicit Companion(Adapter* adapter) noexcept : adapter_(adapter) {}
+
+    /// The adapter, borrowed; null once it has gone.
+    Adapter* qorReactorAdapter() const noexcept { return adapter_; }
+    void qorReactorAdapterIs(Adapter* adapter) noexcept { adapter_ = adapter; }
+
+    Qor::Ptr<PtrInterface const> qorReactor() const override {
+        return Qor::Ptr<PtrInterface const>(adapter_);
+    }
+    PtrInterface const* qorRawReactor() const override { return adapter_; }
+    bool isStreamAdapter() const override { return true; }
+
+    void hasNotificationActiveIs(bool on) override {
+        if (on == this->hasNotificationActive()) return;
+        Base::hasNotificationActiveIs(on);
+        if (adapter_ && !this->qorMarkedForDeletion()) adapter_->hasNotificationActiveIs(on);
+    }
+    void onZeroReferences() override {
+        Qor::Ptr<Companion> const held(this);
+        if (Adapter* const adapter = adapter_) {
+            adapter->Qor::Entity::QorNboAttrLogSa::onZeroReferences();
+        }
+        hasNotificationActiveIs(false);
+    }
+    void onNotificationException(AttributeId id) override {
+        if (adapter_) adapter_->Qor::Entity::QorNboAttrLogSa::onNotificationException(id);
+    }
+
+  protected:
+    /// Calls a handler of the adapter.
+    template <class Handler>
+    void forward(Handler const& handler) {
+        if (adapter_ && !this->qorMarkedForDeletion()) [[likely]] {
+            handler(*adapter_);
+        }
+    }
+
+  private:
+    Adapter* adapter_;
+};
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,40 @@
+#include <qor/attrlog/family/AdapterLevel.h>
+
+namespace Qor {
+
+namespace family {
+
+void needMayApply(Entity::QorNboAttrLogSa& adapter, AttributeId id) {
+    if (adapter.isActive()) throwInternalException("entity reactor is already active");
+    bool const isRefused = adapter.has(AdapterState::readOnlyRemote) &&
+                           !adapter.readOnlyRemoteOk(id) && !adapter.convertedToWritable(false);
+    if (isRefused) {
+        throwInternalException(String8("write-update from readonly proxy: ") +
+                               adapter.qorNotifierEntity()->fullName());
+    }
+}
+
+Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter, Ptr<NboAttrLog::In> const& in) {
+    if (!adapter.qorNotifierEntity() || !adapter.streamDemuxer()) return nullptr;
+    if (in) return in;
+    auto const& out = adapter.nboAttrLogOut();
+    return Ptr<NboAttrLog::In>(dynamic_cast<NboAttrLog::In*>(out ? out->in() : nullptr));
+}
+
+AttributeId selectAlias(InboundRecord& record, bool (*isKnown)(AttributeId id)) {
+    auto& in = record.in;
+    U64 const listEnd = record.origin + in.nextU16();
+    record.bodyOffset = in.nextU16();
+    while (in.readPosition() < listEnd) {
+        AttributeId const candidate = in.nextint();
+        if (!isKnown(candidate)) continue;
+        in.readPositionIs(std::min(listEnd, in.limit()));
+        if (candidate > 0) in.nextU32();
+        return candidate;
+    }
+    return 0;
+}
+
+}  // namespace family
+
+}  // namespace Qor

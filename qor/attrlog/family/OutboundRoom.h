@@ -1,0 +1,66 @@
+// What a handler does when the ring is short or a resynchronisation runs: whether it writes now, or
+// notes what is owed.
+#ifndef QOR_ATTRLOG_FAMILY_OUTBOUNDROOM_H
+#define QOR_ATTRLOG_FAMILY_OUTBOUNDROOM_H
+
+#include <qor/attrlog/family/FlowOutLevel.h>
+
+namespace Qor {
+
+/// The adapter's flow as its own level's; null while none runs.
+template <class Adapter>
+typename Adapter::FlowOut* flowOf(Adapter& adapter) noexcept {
+    return static_cast<typename Adapter::FlowOut*>(adapter.StreamAdapter::flowOut());
+}
+
+/// The same while a flow is in charge, null in steady state.
+template <class Adapter>
+typename Adapter::FlowOut* flowInCharge(Adapter& adapter) noexcept {
+    return adapter.steadyState() ? nullptr : flowOf(adapter);
+}
+
+/// The flow, made if there is none, and working on that attribute.
+template <class Adapter>
+typename Adapter::FlowOut& flowFor(Adapter& adapter, AttributeId id) {
+    return static_cast<typename Adapter::FlowOut&>(adapter.flowOutFor(id));
+}
+
+/// Whether a value is written now; else it is marked.
+template <class S, class Adapter>
+bool valueGoesNow(Adapter& adapter, NboAttrLog::Out const& out) {
+    bool const hasRoom = out.hasSufficientBuffer();
+    if (auto* const flow = flowInCharge(adapter)) {
+        bool const goes = adapter.prepareImmediateTransmission(S::id, !hasRoom);
+        flow->template isDirtyIs<S>(!goes);
+        return goes;
+    }
+    if (hasRoom || adapter.handlingScheduledFlowOut()) [[likely]] {
+        return true;
+    }
+    flowFor(adapter, S::id).template isDirtyIs<S>(true);
+    return false;
+}
+
+/// Whether a key is written now; else it is marked.
+template <class S, class Adapter>
+bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key const& key) {
+    bool const hasRoom = out.hasSufficientBuffer();
+    if (auto* const flow = flowInCharge(adapter)) {
+        bool const goes = adapter.prepareImmediateTransmission(S::id, false) && hasRoom;
+        if (goes) {
+            flow->template dirtyKeyDel<S>(key);
+        } else {
+            flow->template dirtyKeyIs<S>(key, true);
+        }
+        return goes;
+    }
+    if (hasRoom || adapter.handlingScheduledFlowOut()) [[likely]] {
+        return true;
+    }
+    flowFor(adapter, S::id).template dirtyKeyIs<S>(key, true);
+    return false;
+}
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,61 @@
+// The outbound handler of keyed references: the target by its id on this connection. A target that
+// the peer does not know yet keeps the key dirty.
+#ifndef QOR_ATTRLOG_FAMILY_REFERENCEOUT_H
+#define QOR_ATTRLOG_FAMILY_REFERENCEOUT_H
+
+#include <qor/attrlog/family/ValueOut.h>
+#include <qor/core/Expect.h>
+
+namespace Qor {
+
+/// Writes a record, once more whenever another record came in between. False when an entity that it
+/// names has no id on this connection yet.
+template <class Write>
+bool writeWhole(Write const& write) {
+    for (;;) {
+        Expect const expect(Exception::recordId);
+        try {
+            write();
+            return true;
+        } catch (AttrLogRecordException const&) {
+            continue;
+        } catch (EntityIdUnavailableException const&) {
+            return false;
+        }
+    }
+}
+
+/// The key stays dirty until ids have become known.
+template <class S, class Adapter>
+void keepForLater(Adapter& adapter, typename S::Key const& key) {
+    auto& flow = flowFor(adapter, S::id);
+    flow.template dirtyKeyIs<S>(key, true);
+    flow.retryLaterIs(true);
+}
+
+template <class S, class Adapter>
+void putReference(Adapter& adapter, typename S::Key const& key, typename S::Target* target) {
+    using Token = NboAttrLog::Out::TransactToken;
+    auto const& out = adapter.nboAttrLogOut();
+    EntityId const id = target ? NboAttrLog::entityIdOn(*target, out) : EntityId();
+    out->nextHeaderIs({adapter.entityId(), target ? S::id : -S::id});
+    out << Token::begin << key;
+    if (target) out << id.value();
+    out << Token::end;
+}
+
+/// qorHandleASerializeSing of a reference collection; a null value is a removal.
+template <class S, class Adapter>
+void serializeReference(Adapter& adapter, typename S::Key const& key,
+                        typename S::Value const& value) {
+    OutboundGuard const guard(adapter, S::id);
+    if (!guard.mayGo(S::name)) return;
+    if (!keyGoesNow<S>(adapter, *guard.out(), key)) return;
+    if (!writeWhole([&] { putReference<S>(adapter, key, value.ptr()); })) {
+        keepForLater<S>(adapter, key);
+    }
+}
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,90 @@
+// The readers of texts. A text that comes in chunks is gathered beside the entity, which sees it
+// only when it is whole.
+#ifndef QOR_ATTRLOG_FAMILY_TEXTIN_H
+#define QOR_ATTRLOG_FAMILY_TEXTIN_H
+
+#include <qor/attrlog/ConnectionSizeAnchor.h>
+#include <qor/attrlog/family/Inbound.h>
+
+namespace Qor {
+
+/// Appends the record's chunk. The bytes of a text that comes in several count as open until it is
+/// whole.
+inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size, bool continues) {
+    Ptr<Connection::In> const in(&record.in);
+    ConnectionInSizeAnchor const limit(in, static_cast<U32>(size));
+    if (continues || record.in.moreChunks()) record.demuxer.openTextInc(record.in.available());
+    in >> text;
+}
+
+template <class S, class Adapter>
+void readText(Adapter& adapter, InboundRecord& record) {
+    channelModeIs(adapter, MsgChannel::Mode::applied);
+    if (record.echoOnly) return S::on(adapter);
+    auto& demuxer = record.demuxer;
+    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter.entityId()));
+    String8::Iterator fresh;
+    String8::Iterator& text =
+        flow ? *NboAttrLog::qorFlowInIterator(*flow, record.id, false) : fresh;
+    text.isWholeIs(true);
+    if (record.size != 0) gatherChunk(record, text, record.size, flow != nullptr);
+    if (text.index() == 0) {
+        String8 const whole = text.text();
+        if (flow) {
+            demuxer.textDel(*flow);
+            demuxer.flowInDel(adapter.entityId());
+        }
+        S::set(targetOf<S>(adapter), whole);
+    } else if (!flow) {
+        qorFlowInIteratorIs(*demuxer.flowInIs(adapter.entityId()), record.id, text);
+    }
+}
+
+/// Whether the flow gathers the text of that key.
+template <class S>
+bool gathers(NboAttrLog::FlowIn const& flow, typename S::Key const& key) {
+    return flow.iter() && flow.aid() == S::id && NboAttrLog::qorFlowInIdxMatches(flow, key);
+}
+
+/// The first chunk of a text that goes on is kept.
+template <class S>
+void keepChunk(NboAttrLog::Demuxer& demuxer, EntityId const& id, typename S::Key const& key,
+               String8::Iterator const& text) {
+    auto const flow = demuxer.flowInIs(id);
+    if (flow->iter() || flow->idx()) {
+        throw AttrLogRecordException("a text begins before another of its entity has ended");
+    }
+    NboAttrLog::qorFlowInIdxEnq(*flow, key);
+    NboAttrLog::qorFlowInIteratorIs(*flow, S::id, text);
+}
+
+template <class S, class Adapter>
+void readTextMember(Adapter& adapter, InboundRecord& record) {
+    U64 const end = record.in.readPosition() + record.size;
+    auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    channelModeIs(adapter, MsgChannel::Mode::applied);
+    if (record.echoOnly) return S::on(adapter, key);
+    auto& demuxer = record.demuxer;
+    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter.entityId()));
+    bool const continues = flow && gathers<S>(*flow, key);
+    String8::Iterator fresh;
+    String8::Iterator& text = continues ? *flow->iter() : fresh;
+    gatherChunk(record, text, end - record.in.readPosition(), continues);
+    if (text.index() != 0) {
+        if (!continues) keepChunk<S>(demuxer, adapter.entityId(), key, text);
+        return;
+    }
+    String8 const whole = text.text();
+    if (continues) {
+        demuxer.textDel(*flow);
+        NboAttrLog::qorFlowInIdxDeq(*flow);
+        demuxer.flowInDel(adapter.entityId());
+    }
+    auto& entity = targetOf<S>(adapter);
+    S::set(entity, key, whole);
+    keepMember<S>(entity, key);
+}
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,135 @@
+#include <qor/attrlog/flow/Demuxer.h>
+
+#include <qor/core/Format.h>
+
+#include <algorithm>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+LinkHandler::~LinkHandler() = default;
+
+Demuxer::Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side)
+    : BaseDemuxer(std::move(name)),
+      in_(std::move(in)),
+      out_(std::move(out)),
+      nextId_(side == Side::accepting ? peersHalf | 3 : 3),
+      ownHalf_(nextId_ & peersHalf),
+      reserve_(std::max<U64>(Out::blockSize, out_->freeBytes() / 2)) {
+    out_->inIs(in_.ptr());
+    in_->demuxerIs(this);
+}
+
+Demuxer::~Demuxer() {
+    close();
+    in_->demuxerIs(nullptr);
+    out_->inIs(nullptr);
+}
+
+Demuxer* demuxerOf(Out const& out) noexcept {
+    auto* const in = dynamic_cast<In*>(out.in());
+    return in ? in->demuxer() : nullptr;
+}
+
+Entity::QorNboAttrLogSa* Demuxer::adapter(EntityId const& id) const noexcept {
+    return static_cast<Entity::QorNboAttrLogSa*>(adapters_.member(id));
+}
+
+EntityId Demuxer::newEntityId() noexcept {
+    EntityId const id(nextId_);
+    nextId_ += 2;
+    return id;
+}
+
+void Demuxer::adapterIs(StreamAdapter& adapter) {
+    ++announced_;
+    if (!adapter.hasUnifiedEntityId() || adapters_.contains(adapter)) return;
+    adapters_.newMember(Qor::Ptr<StreamAdapter>(&adapter), adapter.fwkHash());
+}
+
+Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
+    Qor::Ptr<StreamAdapter> const gone = adapters_.memberDel(id);
+    if (!gone) return nullptr;
+    flowInDel(id);
+    dropFlow(*gone);
+    if (gone->qorNotifierEntity()) gone->doRemountSelf(out_);
+    return Qor::Ptr<Entity::QorNboAttrLogSa>(static_cast<Entity::QorNboAttrLogSa*>(gone.ptr()));
+}
+
+void Demuxer::adapterEnds(StreamAdapter& adapter) {
+    if (!reactorDel(adapter.entityId())) dropFlow(adapter);
+}
+
+void Demuxer::needPeersId(EntityId const& id) const {
+    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
+    if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {
+        throw AttrLogRecordException(format("the id %llx is not the peer's to give",
+                                            static_cast<unsigned long long>(id.value())));
+    }
+    if (adapters_.member(id)) {
+        throw AttrLogRecordException(format("the id %llx stands for another entity",
+                                            static_cast<unsigned long long>(id.value())));
+    }
+    if (adapters_.size() >= quota_.entities) {
+        throwRangeException(format("more than %u entities", quota_.entities));
+    }
+}
+
+bool Demuxer::checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, EntityId const& id,
+                                           bool) const {
+    if (!child) return false;
+    auto const* const known = child->qorNboAttrLogSa(Qor::Ptr<Out const>(out_));
+    return known && !known->entityId().isNull() && known->entityId() != id;
+}
+
+Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
+    if (FlowIn* const known = flowIn(id)) return Qor::Ptr<FlowIn>(known);
+    auto fresh = make<FlowIn>(id);
+    flowsIn_.newMember(fresh, fresh->fwkHash());
+    return fresh;
+}
+
+void Demuxer::flowInDel(EntityId const& id) {
+    if (Qor::Ptr<FlowIn> const gone = flowsIn_.memberDel(id)) textDel(*gone);
+}
+
+void Demuxer::textDel(FlowIn& flowIn) {
+    if (flowIn.iter() == nullptr) return;
+    openText_ -= std::min<U64>(openText_, flowIn.iter()->text().length());
+    flowIn.textDel();
+}
+
+void Demuxer::openTextInc(U64 bytes) {
+    if (bytes > quota_.openTextBytes - std::min(openText_, quota_.openTextBytes)) {
+        throwRangeException(format("more than %llu bytes of texts that have not ended",
+                                   static_cast<unsigned long long>(quota_.openTextBytes)));
+    }
+    openText_ += bytes;
+}
+
+void Demuxer::fail(String8 const& reason) {
+    if (hasFailed_) return;
+    hasFailed_ = true;
+    out_->hasLiveBufferIs(false);
+    if (link_ != nullptr) link_->failed(reason);
+}
+
+void Demuxer::close() {
+    hasFailed_ = true;
+    out_->hasLiveBufferIs(false);
+    // Each adapter may be the last to hold its entity, whose end may take more adapters along.
+    while (adapters_.size() != 0) {
+        HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_);
+        Qor::Ptr<StreamAdapter> const adapter = at.member();
+        reactorDel(adapter->entityId());
+        adapter->streamDemuxerIs(nullptr);
+        adapter->out_ = nullptr;
+    }
+    flowsIn_.emptyAllBucketsG(HashMap<FlowIn, EntityId>::qorVTable());
+    openText_ = 0;
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

@@ -1,0 +1,201 @@
+// One connection's end of the attribute log: who stands under which id, what is half received, and
+// what is still owed to the peer.
+//
+// It owns the adapters of its connection, in a table by id. Frames that have arrived are handed to
+// them by serveFrames(); flows that are owed take turns in serveFlows(), each a slice of bytes, so
+// that no large one holds up the others. Nothing runs by itself: a session calls both. Flows use no
+// more than part of the ring out, so that changes of entities that are in step find room.
+//
+// What ends the connection is told once, to failed(): a fault of the peer's bytes, a record that is
+// too long, no memory for one. From then on nothing is read or written.
+//
+// A demuxer is counted; handlers that it calls may let it, its adapters and their entities go. One
+// thread.
+#ifndef QOR_ATTRLOG_FLOW_DEMUXER_H
+#define QOR_ATTRLOG_FLOW_DEMUXER_H
+
+#include <qor/attrlog/flow/DemuxerManager.h>
+#include <qor/attrlog/flow/EntityAdapter.h>
+#include <qor/attrlog/flow/FlowIn.h>
+#include <qor/attrlog/flow/FlowQueue.h>
+
+#include <limits>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+// What the demuxer leaves to the session above it.
+class QOR_EXPORT LinkHandler {
+  public:
+    virtual ~LinkHandler();
+    // A frame that concerns the connection itself; reading is limited to its payload.
+    virtual void handleLink(Frame const& frame, In& in) = 0;
+    // An entity without a parent was announced: what stands for it here, and the flags of its
+    // adapter. A null entity refuses it.
+    struct Orphan {
+        Qor::Ptr<Entity> entity;
+        AdapterState::Bits flags;
+    };
+    virtual Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) = 0;
+    // The connection can't go on; told once.
+    virtual void failed(String8 const& reason) = 0;
+};
+
+class QOR_EXPORT Demuxer : public BaseDemuxer {
+  public:
+    using Ptr = Qor::Ptr<Demuxer>;
+
+    // The two ends of a connection draw their ids from disjoint halves.
+    enum class Side : U8 { connecting, accepting };
+
+    // What one peer may make this process hold.
+    struct Quota {
+        U32 entities = 4'000'000;
+        U64 openTextBytes = 64U << 20;
+    };
+
+    // How much went over the connection, and what happened to it.
+    struct Counters {
+        U64 framesIn = 0;
+        U64 unknownEnums = 0;       // kept as they are
+        U64 unknownAttributes = 0;  // skipped
+        U64 unknownEntities = 0;    // records for what is gone here, skipped
+        U64 refusedLocally = 0;     // changes of what may not be changed here
+        U64 flowsMade = 0;
+        U64 unknownClasses = 0;  // entities of a class that is not known here, skipped
+    };
+
+    Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side);
+    ~Demuxer() override;
+
+    Qor::Ptr<In> const& in() const noexcept { return in_; }
+    Qor::Ptr<Out> const& out() const noexcept { return out_; }
+    // Peers below 2 send no transaction markers.
+    U32 protocol() const noexcept { return protocol_; }
+    void protocolIs(U32 protocol) noexcept { protocol_ = protocol; }
+    void linkHandlerIs(LinkHandler* handler) noexcept { link_ = handler; }
+    // Whether what is read-only here may be made writable.
+    bool mayConvert() const noexcept { return mayConvert_; }
+    void mayConvertIs(bool mayConvert) noexcept { mayConvert_ = mayConvert; }
+    void quotaIs(Quota const& quota) noexcept { quota_ = quota; }
+    Counters const& counters() const noexcept { return counters_; }
+
+    // Adapters by id.
+    Entity::QorNboAttrLogSa* adapter(EntityId const& id) const noexcept;
+    U32 adapters() const noexcept { return adapters_.size(); }
+    EntityId newEntityId() noexcept;
+    // Enters an adapter under its id, and keeps it.
+    void adapterIs(StreamAdapter& adapter);
+    // Takes the adapter out and hands it over; null if there is none. Its flows end.
+    Qor::Ptr<Entity::QorNboAttrLogSa> reactorDel(EntityId const& id);
+    // The adapter's entity has gone.
+    void adapterEnds(StreamAdapter& adapter);
+    // Raises AttrLogRecordException where an id is not one of the peer's, or stands for another
+    // entity.
+    void needPeersId(EntityId const& id) const;
+    // Whether `child`, which stands where the peer announces an entity of that id, is another one
+    // that has to make room: it was announced on this connection under another id. `isCollected`
+    // tells whether it stands in a collection.
+    bool checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, EntityId const& id,
+                                      bool isCollected) const;
+
+    // What is half received, by entity id.
+    FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.member(id); }
+    bool hasFlowsIn() const noexcept { return flowsIn_.size() != 0; }
+    Qor::Ptr<FlowIn> flowInIs(EntityId const& id);
+    void flowInDel(EntityId const& id);
+    // Frees a text that was half received.
+    void textDel(FlowIn& flowIn);
+    // Accounts for a text that is half received. Raises RangeException over the quota.
+    void openTextInc(U64 bytes);
+    U64 openText() const noexcept { return openText_; }
+
+    void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
+    void unknownClassesInc(U32 count) noexcept { counters_.unknownClasses += count; }
+    void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
+
+    // Gives the adapter a flow from `startAttr` on, in the place of one that it has, and a place in
+    // the queue.
+    void createFlowOut(StreamAdapter& adapter, ConnectDesc const& desc, bool flag,
+                       AttributeId startAttr);
+    // Makes a flow that owes everything, and lets it run as far as there is room.
+    void sendWhole(StreamAdapter& adapter);
+    // Whether a flow may send more in this turn.
+    bool continueFlowOut() const noexcept {
+        return out_->hasLiveBuffer() && out_->freeBytes() >= reserve_ &&
+               out_->written() < sliceEnd_;
+    }
+    // Gives flows turns until `budget` bytes are written, room is out or nothing is owed. Whether
+    // there is more to send.
+    bool serveFlows(U64 budget);
+    bool owes() const noexcept { return !ready_.isEmpty() || mayRetry(); }
+    // Flows, those included that wait for an id.
+    std::size_t flows() const noexcept { return ready_.size() + waiting_.size(); }
+    void wake(FlowOut& flow);
+
+    // Hands up to `budget` frames that have arrived to their adapters. The number of frames.
+    std::size_t serveFrames(std::size_t budget);
+
+    // Takes an adapter's flow away, and frees what it holds.
+    void dropFlow(StreamAdapter& adapter);
+
+    // Ends the connection with a reason; the first one counts.
+    void fail(String8 const& reason);
+    bool hasFailed() const noexcept { return hasFailed_; }
+    // A handler of the adapter's threw; called within the catch clause.
+    void handlerFailed(StreamAdapter& adapter, AttributeId id) noexcept;
+    // Lets all adapters and flows go. Entities stay.
+    void close();
+
+  private:
+    static constexpr U64 sliceBytes = 65536;
+    static constexpr U64 peersHalf = U64{1} << 63;
+    static constexpr U32 greatestDepth = 64;
+    static constexpr U64 noEnd = std::numeric_limits<U64>::max();
+
+    bool mayRetry() const noexcept { return !waiting_.isEmpty() && announced_ != waitingSince_; }
+    void retryWaiting();
+    void run(FlowOut& flow);
+    bool runPass(FlowOut& flow, StreamAdapter& adapter);
+    void park(FlowOut& flow);
+    void serveFrame(Frame const& frame);
+    void serveRecord(Frame const& frame);
+    void serveTransaction(Frame const& frame);
+    void serveOrphan(Frame const& frame);
+    Entity::QorNboAttrLogSa* receiver(Frame const& frame);
+
+    Qor::Ptr<In> in_;
+    Qor::Ptr<Out> out_;
+    LinkHandler* link_ = nullptr;
+    HashMap<StreamAdapter, EntityId> adapters_;
+    HashMap<FlowIn, EntityId> flowsIn_;
+    FlowQueue ready_;
+    FlowQueue waiting_;  // for an id of an entity that a reference names
+    U64 nextId_;
+    U64 ownHalf_;
+    U64 reserve_;
+    U64 sliceEnd_ = noEnd;
+    U64 announced_ = 0;  // counts ids that became known
+    U64 waitingSince_ = 0;
+    U64 openText_ = 0;
+    Quota quota_;
+    Counters counters_;
+    U32 protocol_ = 2;
+    U32 depth_ = 0;
+    bool mayConvert_ = false;
+    bool hasFailed_ = false;
+};
+
+// Who serves the In, or null.
+inline Demuxer* demuxFor(Qor::Ptr<In const> const& in) noexcept {
+    return in ? in->demuxer() : nullptr;
+}
+// Who serves the In behind an Out, or null.
+QOR_EXPORT Demuxer* demuxerOf(Out const& out) noexcept;
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor
+
+#endif

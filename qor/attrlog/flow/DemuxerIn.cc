@@ -1,0 +1,134 @@
+// The demuxer's way in: frames to their adapters.
+#include <qor/attrlog/flow/Demuxer.h>
+#include <qor/core/Format.h>
+
+#include <exception>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+namespace {
+
+struct Announcement {
+    String8 typeName;
+    Name name;
+    EntityId id;
+};
+
+// The sections stand in their order; what follows the first class of the chain is for readers that
+// lack it.
+Announcement readOrphan(In& in) {
+    Announcement result;
+    U64 const end = in.limit();
+    while (in.available() != 0) {
+        auto const section = static_cast<PayloadSection>(in.nextU8());
+        U32 const length = in.nextU32();
+        U64 const sectionEnd = in.readPosition() + length;
+        if (length > in.available())
+            throw AttrLogRecordException("a section past its record's end");
+        in.limitIs(sectionEnd);
+        if (section == PayloadSection::typeChain) result.typeName = in.nextString();
+        if (section == PayloadSection::name) result.name = Name(in.nextString());
+        if (section == PayloadSection::entityId) result.id = in.nextEntityId();
+        in.readPositionIs(sectionEnd);
+        in.limitIs(end);
+    }
+    return result;
+}
+
+}  // namespace
+
+// An id that nobody stands under any more is that of an entity which went here meanwhile.
+Ptr<Entity> In::nextEntity() {
+    EntityId const id = nextEntityId();
+    if (id.isNull() || demuxer_ == nullptr) return nullptr;
+    auto* const adapter = demuxer_->adapter(id);
+    return Ptr<Entity>(adapter ? adapter->qorNotifierEntity() : nullptr);
+}
+
+std::size_t Demuxer::serveFrames(std::size_t budget) {
+    Ptr const held(this);
+    std::size_t served = 0;
+    try {
+        Frame frame;
+        while (!hasFailed_ && served < budget && in_->nextFrame(frame)) {
+            serveFrame(frame);
+            in_->frameDone(frame);
+            ++served;
+        }
+        // A frame longer than the ring: it grows as the bytes come.
+        if (!hasFailed_ && served < budget && in_->room().empty()) in_->grow();
+    } catch (std::exception const& failure) {
+        fail(failure.what());
+    }
+    counters_.framesIn += served;
+    return served;
+}
+
+void Demuxer::serveFrame(Frame const& frame) {
+    switch (frame.kind) {
+        case FrameKind::record:
+            return serveRecord(frame);
+        case FrameKind::transaction:
+            return serveTransaction(frame);
+        case FrameKind::link:
+            if (link_ != nullptr) link_->handleLink(frame, *in_);
+            return;
+    }
+}
+
+Entity::QorNboAttrLogSa* Demuxer::receiver(Frame const& frame) {
+    auto* const found = adapter(frame.header.entityId);
+    bool const isThere = found && found->qorNotifierEntity();
+    counters_.unknownEntities += isThere ? 0 : 1;
+    return isThere ? found : nullptr;
+}
+
+void Demuxer::serveRecord(Frame const& frame) {
+    if (frame.header.entityId == orphanEntityId) return serveOrphan(frame);
+    auto* const found = receiver(frame);
+    if (!found) return;
+    Qor::Ptr<Entity::QorNboAttrLogSa> const held(found);
+    found->handleAttrDeserialization(frame.header.attributeId, 0, frame.payloadSize, nullptr);
+}
+
+void Demuxer::serveTransaction(Frame const& frame) {
+    U8 const type = in_->nextU8();
+    U32 const arg = in_->nextU32();
+    if (type > StreamAdapter::end) {
+        throw AttrLogRecordException(format("a transaction marker of the unknown type %u", type));
+    }
+    auto* const found = receiver(frame);
+    if (!found) return;
+    Qor::Ptr<Entity::QorNboAttrLogSa> const held(found);
+    AttributeId const id = frame.header.attributeId;
+    bool const isRefused = found->has(AdapterState::readOnlyRemote) &&
+                           !found->readOnlyRemoteOk(id) && !found->convertedToWritable(false);
+    if (isRefused) {
+        throwInternalException(String8("write-update from readonly proxy: ") +
+                               found->qorNotifierEntity()->fullName());
+    }
+    found->handleAttrTransaction(id, static_cast<StreamAdapter::AttrTransactionType>(type), arg);
+}
+
+void Demuxer::serveOrphan(Frame const& frame) {
+    if (frame.header.attributeId != orphanAttributeId) {
+        ++counters_.unknownAttributes;
+        return;
+    }
+    Announcement const told = readOrphan(*in_);
+    LinkHandler::Orphan const here =
+        link_ != nullptr ? link_->orphan(told.id, told.typeName, told.name) : LinkHandler::Orphan();
+    if (!here.entity) {
+        throw AttrLogRecordException(String8("an entity of class ") + told.typeName +
+                                     " was announced that nobody asked for");
+    }
+    if (this->adapter(told.id)) return;  // announced before
+    auto const adapter = here.entity->qorNboAttrLogSaIs(here.flags, 1, out_, nullptr);
+    adapter->doEntityIdIs(told.id, Ptr(this), true);
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

@@ -1,0 +1,224 @@
+#include <qor/attrlog/flow/EntityAdapter.h>
+
+#include <qor/attrlog/flow/Demuxer.h>
+#include <qor/attrlog/flow/FlowOutHold.h>
+#include <qor/core/Format.h>
+#include <qor/notify/ListRaw.h>
+
+namespace Qor {
+
+Entity::QorNboAttrLogSa::QorNboAttrLogSa(AdapterState::Bits bits, U32 version,
+                                         Qor::Ptr<NboAttrLog::Out> const& out, PtrInterface* owner)
+    : StreamAdapter(bits, version, out, owner) {}
+
+Entity::QorNboAttrLogSa::~QorNboAttrLogSa() = default;
+
+void Entity::QorNboAttrLogSa::companionIs(Qor::Ptr<Entity::NotifieeConst> companion) {
+    companion_ = std::move(companion);
+}
+
+// Made to hold its entity first: a notifiee that is weak and on no list has to be watched for.
+void Entity::QorNboAttrLogSa::endAdapter() {
+    if (auto* const demuxer = streamDemuxer()) demuxer->dropFlow(*this);
+    Qor::Ptr<Entity::NotifieeConst> const companion = std::move(companion_);
+    if (!companion) return;
+    companion->isWeakReferenceIs(false);
+    companion->isRegisteredNotifieeIs(false);
+    companion->notifierIs(nullptr);
+}
+
+void Entity::QorNboAttrLogSa::hasNotificationActiveIs(bool on) {
+    if (on == hasNotificationActive()) return;
+    StreamAdapter::hasNotificationActiveIs(on);
+    if (companion_) companion_->hasNotificationActiveIs(on);
+}
+
+// The companion is the registered one.
+void Entity::QorNboAttrLogSa::isRegisteredNotifieeIs(bool) const { isRegisteredFlagIs(false); }
+
+void Entity::QorNboAttrLogSa::notifierIs(Qor::Ptr<PtrInterface const> const& notifier) {
+    if (companion_) {
+        companion_->isWeakReferenceIs(false);
+        companion_->notifierIs(notifier);
+        companion_->isWeakReferenceIs(true);
+    }
+    StreamAdapter::notifierIs(notifier);
+}
+
+void Entity::QorNboAttrLogSa::qorDoZombieReactors(bool zombie) {
+    if (zombie == qorMarkedForDeletion()) return;
+    if (companion_ && companion_->qorMarkedForDeletion() != zombie) {
+        if (companion_->qorNotifier()) companion_->hasNotificationActiveIs(!zombie);
+        companion_->qorMarkedForDeletionIs(zombie);
+    }
+    qorMarkedForDeletionIs(zombie);
+}
+
+void Entity::QorNboAttrLogSa::onZeroReferences() {
+    Ptr const held(this);
+    if (auto* const demuxer = streamDemuxer()) {
+        demuxer->adapterEnds(*this);
+    }
+    StreamAdapter::notifierIs(nullptr);
+}
+
+void Entity::QorNboAttrLogSa::onNotificationException(AttributeId id) {
+    if (auto* const demuxer = streamDemuxer()) {
+        demuxer->handlerFailed(*this, id);
+    } else {
+        StreamAdapter::onNotificationException(id);
+    }
+}
+
+AttributeId Entity::QorNboAttrLogSa::handleAttrFlowOut(AttributeId startAttr) {
+    return StreamAdapter::handleAttrFlowOut(startAttr);
+}
+
+void Entity::QorNboAttrLogSa::handleAttrTransaction(AttributeId id, AttrTransactionType type, U32) {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer == nullptr || type == begin) return;
+    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(entityId());
+    bool const isOver = flowIn && (flowIn->handlingTransaction() ||
+                                   (type == abort && flowIn->aid() == 0 && !flowIn->iter()));
+    if (!isOver) return;
+    bool const heldBack = flowIn->heldBack();
+    demuxer->flowInDel(entityId());
+    if (heldBack) doNotification(id, nullptr);
+}
+
+void Entity::QorNboAttrLogSa::onIsNondestructing() {}
+
+void Entity::QorNboAttrLogSa::putTypeChain() {}
+
+void Entity::QorNboAttrLogSa::putConstructorArgument() {
+    nboAttrLogOut() << String8(qorNotifierEntity()->name());
+}
+
+bool Entity::QorNboAttrLogSa::convertedToWritable(bool convert) {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer == nullptr || !demuxer->mayConvert()) return false;
+    if (convert) flagIs(AdapterState::readOnlyLocal | AdapterState::readOnlyRemote, false);
+    return true;
+}
+
+bool Entity::QorNboAttrLogSa::handlingFlowInFor(AttributeId id) const {
+    auto const* const demuxer = streamDemuxer();
+    if (demuxer == nullptr || !demuxer->hasFlowsIn()) [[likely]] {
+        return false;
+    }
+    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(entityId());
+    bool const replaces = flowIn && flowIn->iter() && !flowIn->idx() && flowIn->aid() == id;
+    if (replaces) flowIn->heldBackIs(true);
+    return replaces;
+}
+
+bool Entity::QorNboAttrLogSa::prepareImmediateTransmission(AttributeId id, bool defer) {
+    NboAttrLog::FlowOut* const flow = flowOut();
+    if (flow && defer && flow->attrId() == id && flow->valueIter() && !flow->valueIterKey()) {
+        flow->pendingAbortIs(id, true);
+        NboAttrLog::qorFlowOutValueDeq(*flow);
+    }
+    return !defer;
+}
+
+void Entity::QorNboAttrLogSa::sendTransactionMarker(AttributeId id, AttrTransactionType type,
+                                                    U32 arg) {
+    using Token = NboAttrLog::Out::TransactToken;
+    auto const& out = nboAttrLogOut();
+    if (!out) return;
+    out->beginFrame(NboAttrLog::FrameKind::transaction, {entityId(), id});
+    out << Token::begin << static_cast<U8>(type) << arg << Token::end;
+}
+
+void Entity::QorNboAttrLogSa::sendPendingAborts(NboAttrLog::FlowOut& flow) {
+    if (flow.pendingAborts() == 0) [[likely]] {
+        return;
+    }
+    for (auto at = flow.pendingAbortIterator(); at; ++at) {
+        if (at->value()) sendTransactionMarker(at.key(), abort, 0);
+        flow.pendingAbortDel(at.key());
+    }
+}
+
+NboAttrLog::FlowOut& Entity::QorNboAttrLogSa::flowOutFor(AttributeId id) {
+    if (!flowOut()) {
+        streamDemuxer()->createFlowOut(*this, {}, false, NboAttrLog::FlowOut::owesNothing);
+        flowOut()->attrIdIs(id);
+    }
+    return *flowOut();
+}
+
+namespace NboAttrLog {
+
+namespace {
+
+Entity::QorNboAttrLogSa* adapterOf(Entity::NotifieeConst const& notifiee) {
+    if (!notifiee.isStreamAdapter()) return nullptr;
+    return const_cast<Entity::QorNboAttrLogSa*>(
+        dynamic_cast<Entity::QorNboAttrLogSa const*>(notifiee.qorRawReactor()));
+}
+
+bool isOnChannel(Entity::QorNboAttrLogSa const& adapter) {
+    return adapter.nboAttrLogOut() && adapter.nboAttrLogOut()->isChannel();
+}
+
+bool serves(Entity::QorNboAttrLogSa& adapter, Qor::Ptr<Out const> const& out, Demuxer* demuxer) {
+    if (!out) return adapter.hasUnifiedEntityId() && isOnChannel(adapter);
+    if (adapter.nboAttrLogOut() == out) return true;
+    if (demuxer == nullptr || !adapter.hasUnifiedEntityId()) return false;
+    auto const* const entered = demuxer->adapter(adapter.entityId());
+    return entered && entered->qorNotifierEntity() == adapter.qorNotifierEntity();
+}
+
+}  // namespace
+
+Entity::QorNboAttrLogSa* adapterOnList(ListRawGeneric const& list, Qor::Ptr<Out const> const& out) {
+    Demuxer* demuxer = nullptr;
+    bool isLookedFor = false;
+    for (auto* node = list.head(); node; node = ListRawGeneric::next(*node)) {
+        auto* const adapter = adapterOf(*node);
+        if (!adapter) return nullptr;  // adapters stand at the head, so no more follow
+        if (out && adapter->nboAttrLogOut() == out) return adapter;
+        if (out && !isLookedFor) {
+            demuxer = demuxerOf(*out);
+            if (!demuxer) return nullptr;
+            isLookedFor = true;
+        }
+        if (serves(*adapter, out, demuxer)) {
+            return out ? demuxer->adapter(adapter->entityId()) : adapter;
+        }
+    }
+    return nullptr;
+}
+
+Entity::QorNboAttrLogSa* adapterForMsgChannel(ListRawGeneric const& list,
+                                              Entity::QorNboAttrLogSa const& other) {
+    for (auto* node = list.head(); node; node = ListRawGeneric::next(*node)) {
+        auto* const adapter = adapterOf(*node);
+        if (!adapter) return nullptr;
+        bool const isCandidate =
+            adapter->hasUnifiedEntityId() && isOnChannel(*adapter) && adapter != &other;
+        if (!isCandidate) continue;
+        if (!other.msgChannel() || adapter->msgChannel() == other.msgChannel()) return adapter;
+    }
+    return nullptr;
+}
+
+Qor::Ptr<Entity::QorNboAttrLogSa> deleteAdapter(Entity& entity, Qor::Ptr<Out const> const& out) {
+    Demuxer* const demuxer = out ? demuxerOf(*out) : nullptr;
+    if (demuxer == nullptr) return nullptr;
+    auto* const adapter = entity.qorNboAttrLogSa(out);
+    return adapter ? demuxer->reactorDel(adapter->entityId()) : nullptr;
+}
+
+EntityId entityIdOn(Entity& entity, Qor::Ptr<Out> const& out) {
+    auto const* const adapter = entity.qorNboAttrLogSa(Qor::Ptr<Out const>(out));
+    if (!adapter || adapter->entityId().isNull()) {
+        throw EntityIdUnavailableException(entity.fullName() + " has no id on this connection yet");
+    }
+    return adapter->entityId();
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

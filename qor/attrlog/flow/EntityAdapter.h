@@ -1,0 +1,99 @@
+// The stream adapter of an entity: the root of the adapters of all classes, each of which is named
+// X::QorNboAttrLogSa and derives from its base class's. The families of <qor/attrlog/family/> say
+// what the levels do.
+#ifndef QOR_ATTRLOG_FLOW_ENTITYADAPTER_H
+#define QOR_ATTRLOG_FLOW_ENTITYADAPTER_H
+
+#include <qor/attrlog/flow/StreamAdapter.h>
+#include <qor/notify/EntityNotifiee.h>
+
+namespace Qor {
+
+class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
+  public:
+    using Ptr = Qor::Ptr<QorNboAttrLogSa>;
+    using FlowOut = NboAttrLog::FlowOut;
+
+    ~QorNboAttrLogSa() override;
+
+    void hasNotificationActiveIs(bool hasNotificationActive) override;
+    void isRegisteredNotifieeIs(bool isRegisteredNotifiee) const override;
+    void notifierIs(Qor::Ptr<PtrInterface const> const& notifier) override;
+    void qorDoZombieReactors(bool zombie) override;
+    void onZeroReferences() override;
+    void onNotificationException(AttributeId id) override;
+    AttributeId handleAttrFlowOut(AttributeId startAttr) override;
+    void handleAttrTransaction(AttributeId id, AttrTransactionType type, U32 arg) override;
+
+    virtual void onIsNondestructing();
+    // Puts the full names of the entity's class and of its bases, most derived first.
+    virtual void putTypeChain();
+    // Puts what the entity's constructor took.
+    virtual void putConstructorArgument();
+
+    // Whether a read-only entity may be changed after all.
+    bool convertedToWritable(bool convert);
+    // Whether what the peer sends of this attribute will replace a change that is made here now.
+    bool handlingFlowInFor(AttributeId id) const;
+    // Whether a record of the attribute may go out now although a resynchronisation runs. With
+    // `defer` the caller lacks room or has a text to send: never, and a text of the attribute that
+    // is half sent is stale.
+    bool prepareImmediateTransmission(AttributeId id, bool defer);
+    void sendTransactionMarker(AttributeId id, AttrTransactionType type, U32 arg);
+    // Aborts what is pending before anything else is sent.
+    void sendPendingAborts(NboAttrLog::FlowOut& flowOut);
+    // The flow that notes what is owed, made if there is none, and working on that attribute.
+    NboAttrLog::FlowOut& flowOutFor(AttributeId id);
+
+    // The notifiee that hears for this adapter; it is attached with the adapter.
+    void companionIs(Qor::Ptr<Entity::NotifieeConst> companion);
+    // Lets go of companion and flow; of the destructor of the class whose companion it is.
+    void endAdapter();
+    Entity::NotifieeConst* companion() const noexcept { return companion_.ptr(); }
+
+    // Keeps handlingScheduledFlowOut for a scope.
+    class HandlingScheduledFlowOutAnchor;
+
+  protected:
+    QorNboAttrLogSa(AdapterState::Bits bits, U32 version, Qor::Ptr<NboAttrLog::Out> const& out,
+                    PtrInterface* owner);
+
+  private:
+    Qor::Ptr<Entity::NotifieeConst> companion_;
+};
+
+class Entity::QorNboAttrLogSa::HandlingScheduledFlowOutAnchor {
+  public:
+    HandlingScheduledFlowOutAnchor(QorNboAttrLogSa& adapter, bool on) noexcept
+        : adapter_(adapter), old_(adapter.handlingScheduledFlowOut()) {
+        adapter_.flagIs(AdapterState::handlingScheduledFlowOut, on);
+    }
+    ~HandlingScheduledFlowOutAnchor() {
+        adapter_.flagIs(AdapterState::handlingScheduledFlowOut, old_);
+    }
+    HandlingScheduledFlowOutAnchor(HandlingScheduledFlowOutAnchor const&) = delete;
+    HandlingScheduledFlowOutAnchor& operator=(HandlingScheduledFlowOutAnchor const&) = delete;
+
+  private:
+    QorNboAttrLogSa& adapter_;
+    bool const old_;
+};
+
+namespace NboAttrLog {
+
+// The adapter for `out` among an entity's notifiees, or null.
+QOR_EXPORT Entity::QorNboAttrLogSa* adapterOnList(ListRawGeneric const& list,
+                                                  Qor::Ptr<Out const> const& out);
+QOR_EXPORT Entity::QorNboAttrLogSa* adapterForMsgChannel(ListRawGeneric const& list,
+                                                         Entity::QorNboAttrLogSa const& other);
+QOR_EXPORT Qor::Ptr<Entity::QorNboAttrLogSa> deleteAdapter(Entity& entity,
+                                                           Qor::Ptr<Out const> const& out);
+// The id by which a record on `out` names the entity. Raises EntityIdUnavailableException while it
+// has none there.
+QOR_EXPORT EntityId entityIdOn(Entity& entity, Qor::Ptr<Out> const& out);
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor
+
+#endif

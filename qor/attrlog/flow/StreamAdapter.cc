@@ -1,0 +1,174 @@
+#include <qor/attrlog/flow/StreamAdapter.h>
+
+#include <qor/attrlog/flow/Demuxer.h>
+#include <qor/attrlog/flow/ReadOnly.h>
+#include <qor/core/Format.h>
+#include <qor/core/ValidPtr.h>
+
+namespace Qor {
+
+StreamAdapter::SyncMode StreamAdapter::SyncModeInstance(U32 number) {
+    if (number > resync) throwRangeException("Qor::StreamAdapter::SyncMode");
+    return static_cast<SyncMode>(number);
+}
+
+StreamAdapter::StreamAdapter(AdapterState::Bits bits, U32 version,
+                             Qor::Ptr<NboAttrLog::Out> const& out, PtrInterface* owner)
+    : out_(out),
+      msgChannel_(dynamic_cast<MsgChannel::Constrainer::QorEntry*>(owner)),
+      version_(version) {
+    qorState() = bits;
+    isRegisteredFlagIs(false);
+    if (auto* const in = dynamic_cast<NboAttrLog::In*>(out ? out->in() : nullptr)) {
+        demuxer_ = in->demuxer();
+    }
+}
+
+StreamAdapter::~StreamAdapter() { swapEntity(nullptr); }
+
+bool StreamAdapter::isStreamAdapter() const { return true; }
+
+String8 StreamAdapter::name() const { return entity_ ? String8(entity_->name()) : String8(); }
+
+void StreamAdapter::notifierIs(Qor::Ptr<PtrInterface const> const& notifier) {
+    swapEntity(dynamic_cast<Entity const*>(notifier.ptr()));
+    isRegisteredFlagIs(false);
+}
+
+void StreamAdapter::swapEntity(Entity const* entity) {
+    Entity const* const old = std::exchange(entity_, entity);
+    if (!holdsEntity_ || old == entity) return;
+    if (entity != nullptr) entity->qorNewRef();
+    if (old != nullptr) old->qorDeleteRef();
+}
+
+void StreamAdapter::isWeakReferenceIs(bool isWeak) {
+    if (holdsEntity_ == !isWeak) return;
+    holdsEntity_ = !isWeak;
+    if (entity_ == nullptr) return;
+    if (isWeak) {
+        entity_->qorDeleteRef();
+    } else {
+        entity_->qorNewRef();
+    }
+}
+
+Entity const* StreamAdapter::qorNotifierEntity() const { return entity_; }
+
+Entity* StreamAdapter::qorNotifierEntity() { return const_cast<Entity*>(entity_); }
+
+NboAttrLog::Demuxer const* StreamAdapter::streamDemuxer() const { return demuxer_; }
+
+NboAttrLog::Demuxer* StreamAdapter::streamDemuxer() { return demuxer_; }
+
+void StreamAdapter::streamDemuxerIs(NboAttrLog::Demuxer* demuxer) { demuxer_ = demuxer; }
+
+void StreamAdapter::handleSyncMode() {}
+
+AttributeId StreamAdapter::handleAttrFlowOut(AttributeId) { return 0; }
+
+// Of the top level, whose attributes hold nothing.
+void StreamAdapter::freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const&) {}
+
+void StreamAdapter::qorOnInit() {
+    if (entityId_.isNull()) doAssignEntityId();
+    flagIs(AdapterState::steadyState | AdapterState::flowOutEnabled, true);
+}
+
+void StreamAdapter::qorInstantiateSerialize() {}
+
+void StreamAdapter::doSerializeOrphan() {}
+
+void StreamAdapter::handleAttrDeserialization(AttributeId id, DeserializationOptions options,
+                                              U32 size, Qor::Ptr<NboAttrLog::In> const& in) {
+    if (in) doBaseQorNboAttrLogSaMsg(id, options, size, *in);
+}
+
+void StreamAdapter::handleAttrTransaction(AttributeId, AttrTransactionType, U32) {}
+
+void StreamAdapter::doAssignEntityId() {
+    if (demuxer_ == nullptr) return;
+    entityIdIs(demuxer_->newEntityId());
+    demuxer_->adapterIs(*this);
+}
+
+Qor::Ptr<NboAttrLog::FlowOut> StreamAdapter::flowOutIs(Qor::Ptr<NboAttrLog::Out> const&,
+                                                       NboAttrLog::ConnectDesc const&, bool,
+                                                       AttributeId) {
+    return make<NboAttrLog::FlowOut>(*this);
+}
+
+EntityId StreamAdapter::realEntityId() const { return entityId_; }
+
+void StreamAdapter::doNotification(AttributeId, void*) {}
+
+U32 StreamAdapter::audit() const {
+    U32 errors = 0;
+    errors += steadyState() && flowOut_ ? 1 : 0;
+    errors += demuxer_ && hasUnifiedEntityId() && demuxer_->adapter(entityId_) != this ? 1 : 0;
+    return errors;
+}
+
+void StreamAdapter::entityIdInitializedIs(bool initialized) {
+    if (!initialized) entityId_ = EntityId();
+}
+
+void StreamAdapter::syncModeIs(SyncMode mode) { syncMode_ = mode; }
+
+void StreamAdapter::entityIdIs(EntityId const& id) { entityId_ = id; }
+
+void StreamAdapter::msgChannelIs(MsgChannel::Constrainer::QorEntry* entry) { msgChannel_ = entry; }
+
+void StreamAdapter::notificationDisabledDueToMsgChannelIs(bool disabled) {
+    flagIs(AdapterState::flowOutSuspended, disabled);
+}
+
+void StreamAdapter::qorDoZombieReactors(bool zombie) {
+    if (zombie != qorMarkedForDeletion()) qorMarkedForDeletionIs(zombie);
+}
+
+void StreamAdapter::doRemountSelf(Qor::Ptr<NboAttrLog::Out> const&) {}
+
+void StreamAdapter::doThis() {
+    if (demuxer_ != nullptr) demuxer_->sendWhole(*this);
+}
+
+bool StreamAdapter::continueFlowOut() const {
+    return demuxer_ != nullptr && demuxer_->continueFlowOut();
+}
+
+void StreamAdapter::doFixChildFlags(Qor::Ptr<StreamAdapter> const& child) {
+    child->flagIs(AdapterState::flowOutEnabled, has(AdapterState::flowOutEnabled));
+}
+
+void StreamAdapter::doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxer> const& demuxer,
+                                 bool isPeers) {
+    Qor::Ptr<StreamAdapter> const held(this);
+    if (demuxer_ != nullptr && !entityId_.isNull() && entityId_ != id) {
+        demuxer_->reactorDel(entityId_);
+    }
+    streamDemuxerIs(demuxer.ptr());
+    if (!isPeers) {
+        entityIdIs(id);
+        return;
+    }
+    demuxer->needPeersId(id);
+    entityIdIs(id);
+    demuxer->adapterIs(*this);
+    flagIs(AdapterState::flowOutEnabled, true);
+    if (!flowOut_) flagIs(AdapterState::steadyState, true);
+}
+
+bool StreamAdapter::readOnlyRemoteOk(AttributeId) const { return false; }
+
+void StreamAdapter::doThrowReadOnly(char const* attributeName) const {
+    throw ReadOnlyException(format("%s of %s is read-only here", attributeName,
+                                   entity_ ? entity_->fullName().charPtr() : "a gone entity"));
+}
+
+void StreamAdapter::doBaseQorNboAttrLogSaMsg(AttributeId, DeserializationOptions, U32,
+                                             NboAttrLog::In&) {
+    if (demuxer_ != nullptr) demuxer_->unknownAttributesInc(1);
+}
+
+}  // namespace Qor

@@ -1,0 +1,148 @@
+#include <qor/attrlog/session/Session.h>
+
+#include <qor/core/Format.h>
+#include <qor/core/Now.h>
+#include <qor/tree/EntityPath.h>
+
+#include <algorithm>
+#include <exception>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+SessionListener::~SessionListener() = default;
+void SessionListener::onMounted(MountId, Ptr<Entity> const&) {}
+void SessionListener::onSynced(MountId) {}
+void SessionListener::onRefused(MountId, String8 const&) {}
+void SessionListener::onPong(Seconds) {}
+
+Session::Session(Config config, Transport& transport, Ptr<Entity> root)
+    : config_(std::move(config)),
+      transport_(transport),
+      root_(std::move(root)),
+      demuxer_(
+          make<Demuxer>(config_.name, make<In>(), make<Out>(config_.ringBlocks), config_.side)),
+      since_(now()),
+      lastHeard_(since_) {
+    demuxer_->linkHandlerIs(this);
+    demuxer_->quotaIs(config_.quota);
+    demuxer_->in()->greatestFrameIs(config_.greatestFrame);
+    send(Op::hello, magic, protocol, config_.greatestFrame);
+}
+
+Session::~Session() {
+    demuxer_->linkHandlerIs(nullptr);
+    demuxer_->close();
+}
+
+MountId Session::mount(String8 const& path, bool writable, Ptr<Entity> copy) {
+    MountId const mount = ++lastMount_;
+    asked_[mount] = {path, writable, std::move(copy), {}};
+    send(Op::mount, mount, writable, path);
+    return mount;
+}
+
+void Session::unmount(MountId mount) {
+    auto const found = asked_.find(mount);
+    if (found == asked_.end()) return;
+    send(Op::unmount, mount);
+    EntityId const id = found->second.id;
+    asked_.erase(found);
+    bool const isShared = std::any_of(asked_.begin(), asked_.end(),
+                                      [&](auto const& one) { return one.second.id == id; });
+    if (!isShared) letGo(id);
+}
+
+Ptr<Entity> Session::mounted(MountId mount) const {
+    auto const found = asked_.find(mount);
+    bool const isThere = found != asked_.end() && !found->second.id.isNull();
+    return isThere ? found->second.copy : nullptr;
+}
+
+void Session::ping() { send(Op::ping, now()); }
+
+void Session::close(String8 const& reason) {
+    if (reason_.length() != 0) return;
+    demuxer_->out()->dropOpenFrame();
+    send(Op::error, reason);
+    demuxer_->fail(reason);
+}
+
+void Session::failed(String8 const& reason) {
+    demuxer_->out()->dropOpenFrame();
+    bool const isToldByPeer = reason_.length() != 0;
+    if (!isToldByPeer) {
+        reason_ = reason;
+        send(Op::error, reason);
+    }
+}
+
+Session::Counters Session::counters() const {
+    Counters result;
+    result.bytesIn = demuxer_->in()->received();
+    result.bytesOut = demuxer_->out()->sent();
+    result.framesIn = demuxer_->counters().framesIn;
+    result.framesOut = demuxer_->out()->frames();
+    result.flows = demuxer_->flows();
+    result.since = since_;
+    result.lastHeard = lastHeard_;
+    return result;
+}
+
+void Session::service(U64 budget) {
+    U64 const end = demuxer_->out()->sent() + budget;
+    for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end;) {
+        bool const hasRead = readAll();
+        demuxer_->serveFlows(budget);
+        tellSynced();
+        goesOn = writeAll() || hasRead;
+    }
+    String8 const over = transport_.closed();
+    if (over.length() != 0 && reason_.length() == 0) {
+        reason_ = over;
+        demuxer_->fail(over);
+    }
+    if (reason_.length() != 0) demuxer_->close();
+}
+
+bool Session::readAll() {
+    bool hasRead = false;
+    while (!demuxer_->hasFailed()) {
+        std::size_t const count = transport_.read(demuxer_->in()->room());
+        demuxer_->in()->receivedInc(count);
+        std::size_t const served = demuxer_->serveFrames(1024);
+        if (count == 0 && served == 0) break;
+        hasRead = true;
+    }
+    if (hasRead) lastHeard_ = now();
+    return hasRead;
+}
+
+bool Session::writeAll() {
+    bool hasWritten = false;
+    auto const& out = demuxer_->out();
+    out->dropOpenFrame();
+    while (!out->unsent().empty()) {
+        std::size_t const count = transport_.write(out->unsent());
+        if (count == 0) break;
+        out->sentInc(count);
+        hasWritten = true;
+    }
+    return hasWritten;
+}
+
+bool Session::wantsWrite() const { return !demuxer_->out()->unsent().empty() || demuxer_->owes(); }
+
+// Behind what was owed when the mount was given: flows that only wait for ids hold it up no longer.
+void Session::tellSynced() {
+    if (demuxer_->owes() || demuxer_->hasFailed()) return;
+    for (auto& [mount, given] : given_) {
+        if (!given.isSynced) send(Op::synced, mount);
+        given.isSynced = true;
+    }
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

@@ -1,0 +1,168 @@
+// One connection between two processes, over a transport that the caller owns and polls. Either end
+// may mount entities of the other's tree by their paths; a mounted copy is kept in step until it is
+// unmounted or the connection ends, and stays then as it was. Mounted again over a new connection,
+// it is brought up to date, and hears of real differences only.
+//
+// A session never blocks and runs only inside service(). It ends once, with one named reason: the
+// transport's, the peer's, or a fault of what the peer sent. One thread.
+//
+//   Session session(config, transport, root);
+//   while (session.closed().length() == 0) { poll; session.service(); }
+#ifndef QOR_ATTRLOG_SESSION_SESSION_H
+#define QOR_ATTRLOG_SESSION_SESSION_H
+
+#include <qor/attrlog/flow/Demuxer.h>
+#include <qor/attrlog/session/Transport.h>
+
+#include <map>
+#include <vector>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+using MountId = U32;
+
+// What a session tells its user. All calls come from within service().
+class QOR_EXPORT SessionListener {
+  public:
+    virtual ~SessionListener();
+    // The peer has announced what was asked for; its state is on the way.
+    virtual void onMounted(MountId mount, Ptr<Entity> const& entity);
+    // Everything that the peer's entity held when it was mounted has arrived.
+    virtual void onSynced(MountId mount);
+    // The peer does not give it.
+    virtual void onRefused(MountId mount, String8 const& reason);
+    // The peer has answered a ping, after so many seconds.
+    virtual void onPong(Seconds roundTrip);
+};
+
+class QOR_EXPORT Session : private LinkHandler {
+  public:
+    struct Config {
+        Name name{"session"};
+        Demuxer::Side side = Demuxer::Side::connecting;
+        // Whether the peer may change what it mounts.
+        bool peerMayWrite = false;
+        // The longest frame that is taken; at least that of a text's chunk.
+        U32 greatestFrame = defaultGreatestFrame;
+        U32 ringBlocks = Out::defaultBlocks;
+        Demuxer::Quota quota;
+        U32 mounts = 1024;  // that the peer may have
+    };
+
+    struct Counters {
+        U64 bytesIn = 0;
+        U64 bytesOut = 0;
+        U64 framesIn = 0;
+        U64 framesOut = 0;
+        U64 flows = 0;          // entities that are behind now
+        Seconds since = 0;      // when the session was made
+        Seconds lastHeard = 0;  // when bytes came last
+    };
+
+    // `root` is the tree of which the peer may mount entities, null for none. A path's first
+    // element is its name.
+    Session(Config config, Transport& transport, Ptr<Entity> root);
+    ~Session() override;
+    Session(Session const&) = delete;
+    Session& operator=(Session const&) = delete;
+
+    void listenerIs(SessionListener* listener) noexcept { listener_ = listener; }
+
+    // Asks the peer for the entity at `path`. `copy` is what it is kept in; null: an entity of its
+    // class is made. A copy that is not `writable` refuses changes here.
+    MountId mount(String8 const& path, bool writable, Ptr<Entity> copy = nullptr);
+    // The copy stays as it is, and is kept in step no longer.
+    void unmount(MountId mount);
+    // The copy, or null before it is announced.
+    Ptr<Entity> mounted(MountId mount) const;
+    void ping();
+
+    // Reads, applies, sends and writes until nothing goes on or `budget` bytes have been written.
+    void service(U64 budget = 1U << 20);
+    // Whether there are bytes that the transport has not taken, or could be.
+    bool wantsWrite() const;
+    // Why the session has ended; empty while it has not.
+    String8 const& closed() const noexcept { return reason_; }
+    // Ends it, and tells the peer why.
+    void close(String8 const& reason);
+
+    Counters counters() const;
+    Demuxer const& demuxer() const noexcept { return *demuxer_; }
+
+  private:
+    // What a hello begins with: the bytes "QORL", and the protocol.
+    static constexpr U32 magic = 0x514F524C;
+    static constexpr U32 protocol = 2;
+
+    enum class Op : U8 {
+        hello = 1,
+        mount = 2,
+        mounted = 3,
+        synced = 4,
+        refused = 5,
+        unmount = 6,
+        error = 7,
+        ping = 8,
+        pong = 9,
+    };
+    struct Asked {
+        String8 path;
+        bool writable = false;
+        Ptr<Entity> copy;
+        EntityId id;
+    };
+    struct Given {
+        EntityId id;
+        bool isSynced = false;
+    };
+
+    void handleLink(Frame const& frame, In& in) override;
+    Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
+    void failed(String8 const& reason) override;
+
+    void handleHello(In& in);
+    void handleMount(In& in);
+    void handleMounted(In& in);
+    void handleUnmount(In& in);
+    void handleAnswer(Op op, In& in);
+    void give(MountId mount, Entity& entity, bool writable);
+    void letGo(EntityId const& id);
+    void refuse(MountId mount, String8 const& reason);
+    Ptr<Entity> entityAt(String8 const& path) const;
+    AdapterState::Bits flagsForPeer(bool writable) const;
+    template <class... Field>
+    void send(Op op, Field const&... field);
+    bool readAll();
+    bool writeAll();
+    void tellSynced();
+
+    Config const config_;
+    Transport& transport_;
+    Ptr<Entity> const root_;
+    Demuxer::Ptr demuxer_;
+    SessionListener* listener_ = nullptr;
+    std::map<MountId, Asked> asked_;  // of the peer
+    std::map<MountId, Given> given_;  // to the peer, by its own numbers
+    MountId lastMount_ = 0;
+    bool hasHello_ = false;
+    String8 reason_;
+    Seconds since_;
+    Seconds lastHeard_;
+};
+
+template <class... Field>
+void Session::send(Op op, Field const&... field) {
+    auto const& out = demuxer_->out();
+    out->beginFrame(FrameKind::link, {});
+    out << Out::TransactToken::begin << static_cast<U8>(op);
+    (static_cast<void>(out << field), ...);
+    out << Out::TransactToken::end;
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor
+
+#endif

@@ -1,0 +1,181 @@
+// What the two ends of a session tell each other of the connection itself. The payload of each
+// frame is the kind of message in one byte, and its fields.
+#include <qor/attrlog/session/Session.h>
+#include <qor/core/Format.h>
+#include <qor/core/Now.h>
+#include <qor/registry/QorType.h>
+#include <qor/tree/EntityPath.h>
+
+#include <algorithm>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+namespace {
+
+constexpr std::size_t greatestDepth = 64;
+
+}  // namespace
+
+void Session::handleLink(Frame const&, In& in) {
+    auto const op = static_cast<Op>(in.nextU8());
+    if (!hasHello_ && op != Op::hello && op != Op::error) {
+        throw AttrLogRecordException("the peer does not begin with a hello");
+    }
+    switch (op) {
+        case Op::hello:
+            return handleHello(in);
+        case Op::mount:
+            return handleMount(in);
+        case Op::mounted:
+            return handleMounted(in);
+        case Op::unmount:
+            return handleUnmount(in);
+        case Op::synced:
+        case Op::refused:
+        case Op::error:
+        case Op::ping:
+        case Op::pong:
+            return handleAnswer(op, in);
+    }
+    throw AttrLogRecordException(
+        format("a link message of the unknown kind %u", static_cast<U32>(op)));
+}
+
+void Session::handleHello(In& in) {
+    if (hasHello_) throw AttrLogRecordException("a second hello");
+    if (in.nextU32() != magic) throw AttrLogRecordException("the peer speaks something else");
+    U32 const spoken = in.nextU32();
+    if (spoken != protocol) {
+        throw AttrLogRecordException(
+            format("the peer speaks protocol %u, expected %u", spoken, protocol));
+    }
+    U32 const greatest = in.nextU32();
+    if (greatest < greatestTextRecord) {
+        throw AttrLogRecordException(format("the peer takes frames of %u bytes only", greatest));
+    }
+    demuxer_->out()->greatestFrameIs(greatest);
+    hasHello_ = true;
+}
+
+AdapterState::Bits Session::flagsForPeer(bool writable) const {
+    return AdapterState::Bits(AdapterState::weakNotifier |
+                              (writable ? 0 : AdapterState::readOnlyRemote));
+}
+
+Ptr<Entity> Session::entityAt(String8 const& path) const {
+    auto const elements = pathElements(path);
+    if (!root_ || elements.size() > greatestDepth || elements.front() != root_->name()) {
+        return nullptr;
+    }
+    Ptr<Entity> at = root_;
+    for (std::size_t next = 1; at && next < elements.size();) {
+        std::size_t used = 0;
+        at = at->qorPathStep(elements.data() + next, elements.size() - next, &used);
+        next += used;
+    }
+    return at;
+}
+
+void Session::refuse(MountId mount, String8 const& reason) { send(Op::refused, mount, reason); }
+
+void Session::handleMount(In& in) {
+    MountId const mount = in.nextU32();
+    bool const writable = in.nextbool();
+    String8 const path = in.nextString();
+    if (given_.contains(mount)) throw AttrLogRecordException("a mount of a number in use");
+    if (given_.size() >= config_.mounts) return refuse(mount, "too many mounts");
+    if (writable && !config_.peerMayWrite) return refuse(mount, path + " may only be read");
+    Ptr<Entity> entity;
+    try {
+        entity = entityAt(path);
+    } catch (RangeException const& failure) {
+        return refuse(mount, failure.message());
+    }
+    if (!entity) return refuse(mount, path + " does not exist");
+    if (!entity->qorHasAttrLogInterface()) return refuse(mount, path + " can't be mounted");
+    give(mount, *entity, writable);
+}
+
+void Session::give(MountId mount, Entity& entity, bool writable) {
+    auto* const known = entity.qorNboAttrLogSa(Ptr<Out const>(demuxer_->out()));
+    Ptr<Entity::QorNboAttrLogSa> const adapter(
+        known ? Ptr<Entity::QorNboAttrLogSa>(known)
+              : entity.qorNboAttrLogSaIs(flagsForPeer(writable), 1, demuxer_->out(), nullptr));
+    if (!known) adapter->qorOnInit();
+    if (known && writable) adapter->flagIs(AdapterState::readOnlyRemote, false);
+    given_[mount] = {adapter->entityId(), false};
+    send(Op::mounted, mount, adapter->entityId());
+    adapter->doSerializeOrphan();
+}
+
+void Session::handleMounted(In& in) {
+    MountId const mount = in.nextU32();
+    EntityId const id = in.nextEntityId();
+    auto const found = asked_.find(mount);
+    if (found != asked_.end()) found->second.id = id;
+}
+
+void Session::handleUnmount(In& in) {
+    MountId const mount = in.nextU32();
+    auto const found = given_.find(mount);
+    if (found == given_.end()) return;
+    EntityId const id = found->second.id;
+    given_.erase(found);
+    bool const isShared = std::any_of(given_.begin(), given_.end(),
+                                      [&](auto const& one) { return one.second.id == id; });
+    if (isShared) return;
+    letGo(id);
+}
+
+// What stands below another mounted entity stays.
+void Session::letGo(EntityId const& id) {
+    auto* const adapter = demuxer_->adapter(id);
+    if (!adapter) return;
+    Entity* const parent = adapter->qorNotifierEntity()->qorParent();
+    bool const isBelow = parent && parent->qorNboAttrLogSa(Ptr<Out const>(demuxer_->out()));
+    if (!isBelow) demuxer_->reactorDel(id);
+}
+
+LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName, Name const& name) {
+    auto const found = std::find_if(asked_.begin(), asked_.end(),
+                                    [&](auto const& one) { return one.second.id == id; });
+    if (found == asked_.end()) return {};
+    Asked& asked = found->second;
+    if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();
+    if (!asked.copy) {
+        QorType* const type = QorType::type(Name(typeName));
+        if (type && type->isEntity()) asked.copy = type->newEntity(name, nullptr);
+    }
+    if (!asked.copy) return {};
+    if (listener_ != nullptr) listener_->onMounted(found->first, asked.copy);
+    return {asked.copy, AdapterState::Bits(AdapterState::weakNotifier |
+                                           (asked.writable ? 0 : AdapterState::readOnlyLocal))};
+}
+
+void Session::handleAnswer(Op op, In& in) {
+    if (op == Op::error) {
+        reason_ = String8("the peer: ") + in.nextString();
+        return demuxer_->fail(reason_);
+    }
+    if (op == Op::ping) return send(Op::pong, in.nextSeconds());
+    if (op == Op::pong) {
+        Seconds const roundTrip = now() - in.nextSeconds();
+        if (listener_ != nullptr) listener_->onPong(roundTrip);
+        return;
+    }
+    MountId const mount = in.nextU32();
+    if (!asked_.contains(mount)) return;
+    if (op == Op::synced) {
+        if (listener_ != nullptr) listener_->onSynced(mount);
+        return;
+    }
+    String8 const reason = in.nextString();
+    asked_.erase(mount);
+    if (listener_ != nullptr) listener_->onRefused(mount, reason);
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

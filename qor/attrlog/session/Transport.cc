@@ -1,0 +1,65 @@
+#include <qor/attrlog/session/Transport.h>
+
+#include <qor/core/Format.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+#include <unistd.h>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+Transport::~Transport() = default;
+
+std::size_t FdTransport::done(long count, char const* what) {
+    if (count > 0) return static_cast<std::size_t>(count);
+    bool const isOver = count < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR;
+    if (isOver) closed_ = format("%s: %s", what, std::strerror(errno));
+    return 0;
+}
+
+std::size_t FdTransport::write(std::string_view bytes) {
+    if (closed_.length() != 0 || bytes.empty()) return 0;
+    return done(::write(fd_, bytes.data(), bytes.size()), "write");
+}
+
+std::size_t FdTransport::read(std::span<unsigned char> room) {
+    if (closed_.length() != 0 || room.empty()) return 0;
+    long const count = ::read(fd_, room.data(), room.size());
+    if (count == 0) closed_ = "the peer has closed the connection";
+    return done(count, "read");
+}
+
+void MemoryTransport::connect(MemoryTransport& one, MemoryTransport& other) noexcept {
+    one.other_ = &other;
+    other.other_ = &one;
+}
+
+void MemoryTransport::cut() {
+    for (MemoryTransport* const end : {this, other_}) {
+        end->closed_ = "the connection was cut";
+        end->waiting_.clear();
+    }
+}
+
+std::size_t MemoryTransport::write(std::string_view bytes) {
+    if (closed_.length() != 0) return 0;
+    std::size_t const left = other_->room_ - std::min(other_->room_, other_->waiting_.size());
+    std::size_t const count = std::min(left, bytes.size());
+    other_->waiting_ += bytes.substr(0, count);
+    return count;
+}
+
+std::size_t MemoryTransport::read(std::span<unsigned char> room) {
+    std::size_t const count = std::min(room.size(), waiting_.size());
+    std::copy_n(waiting_.data(), count, reinterpret_cast<char*>(room.data()));
+    waiting_.erase(0, count);
+    return count;
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

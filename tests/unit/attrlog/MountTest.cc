@@ -1,0 +1,91 @@
+#include "Peers.h"
+
+#include <vgw/attrlog/CliConfig.h>
+#include <vgw/attrlog/HwVtepOvsdb.h>
+#include <vgw/attrlog/LogicalSwitch.h>
+#include <vgw/attrlog/Manager.h>
+#include <vgw/attrlog/PhysicalLocator.h>
+#include <vgw/attrlog/PhysicalPort.h>
+#include <vgw/attrlog/PhysicalSwitch.h>
+#include <vgw/attrlog/Status.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Qor::make;
+using Qor::Name;
+using Qor::String8;
+
+TEST(Mount, ScalarsAndTextsArrive) {
+    auto const original = make<Vgw::CliConfig>(Name("cli"));
+    original->enableAgentIs(true);
+    original->managerIpIs(Kelp::IpAddr("192.0.2.1"));
+    original->vtepListTypeIs(Vgw::sendToAll);
+    auto const copy = make<Vgw::CliConfig>(Name("cli"));
+    Peers peers;
+    peers.mount(original, copy);
+    EXPECT_EQ(peers.reader.failure, String8());
+    EXPECT_TRUE(copy->enableAgent());
+    EXPECT_EQ(copy->managerIp(), Kelp::IpAddr("192.0.2.1"));
+    EXPECT_EQ(copy->vtepListType(), Vgw::sendToAll);
+    EXPECT_EQ(peers.source.demuxer->flows(), 0U);
+}
+
+TEST(Mount, ChangeAfterwardsArrives) {
+    auto const original = make<Vgw::CliConfig>(Name("cli"));
+    auto const copy = make<Vgw::CliConfig>(Name("cli"));
+    Peers peers;
+    peers.mount(original, copy);
+    original->managerPortIs(1234);
+    peers.settle();
+    EXPECT_EQ(copy->managerPort(), 1234);
+    copy->managerPortIs(4321);
+    peers.settle();
+    EXPECT_EQ(original->managerPort(), 4321);
+}
+
+TEST(Mount, WholeTreeArrivesWithItsReferences) {
+    auto const original = Vgw::statusFactory(Name("status"));
+    auto const ovsdb = original->ovsdbIs(Name("ovsdb"));
+    original->ovsdbSessionStatusIs(Name("session"))->lastMsgSentIs("monitor");
+    auto const root = ovsdb->rootIs(Name("r"));
+    root->managerIs("m1", true);
+    root->managerIs("m2", false);
+    auto const sw = ovsdb->physicalSwitchRawIs(Name("s1"));
+    sw->displayNameIs(Name("leaf"));
+    sw->mgmtIpIs(Kelp::IpAddr("192.0.2.7"), true);
+    ovsdb->physicalSwitchIs("leaf", sw);
+    auto const port = ovsdb->physicalPortIs(Name("p1"));
+    port->vlanBindingIs(7, "ls1");
+    port->vlanStatIs(7, "st1");
+    auto const locator = ovsdb->physicalLocatorRawIs(Name("l1"));
+    Vgw::PhysicalLocatorKey const key(Vgw::vxlan_over_ipv4, Kelp::IpAddr("192.0.2.9"));
+    locator->keyIs(key);
+    locator->bfdIs("enable", "true");
+    ovsdb->remoteLocatorIs(key, locator);
+    ovsdb->physicalLocatorIs(Kelp::IpAddr("192.0.2.9"), locator);
+
+    auto const copy = Vgw::statusFactory(Name("status"));
+    Peers peers;
+    peers.mount(original, copy);
+    ASSERT_EQ(peers.reader.failure, String8());
+    ASSERT_EQ(peers.source.failure, String8());
+    ASSERT_TRUE(copy->ovsdb());
+    auto const mirror = copy->ovsdb();
+    EXPECT_EQ(copy->ovsdbSessionStatus()->lastMsgSent(), "monitor");
+    ASSERT_TRUE(mirror->root(Name("r")));
+    EXPECT_TRUE(mirror->root(Name("r"))->manager("m1"));
+    EXPECT_EQ(mirror->root(Name("r"))->managers(), 2U);
+    ASSERT_TRUE(mirror->physicalSwitch("leaf"));
+    EXPECT_EQ(mirror->physicalSwitch("leaf"), mirror->physicalSwitchRaw(Name("s1")));
+    EXPECT_EQ(mirror->physicalSwitch("leaf")->displayName(), Name("leaf"));
+    EXPECT_TRUE(mirror->physicalSwitch("leaf")->mgmtIp(Kelp::IpAddr("192.0.2.7")));
+    EXPECT_EQ(mirror->physicalPort(Name("p1"))->vlanBinding(7), "ls1");
+    EXPECT_EQ(mirror->physicalPort(Name("p1"))->vlanStat(7), "st1");
+    EXPECT_EQ(mirror->remoteLocator(key), mirror->physicalLocatorRaw(Name("l1")));
+    EXPECT_EQ(mirror->physicalLocator(Kelp::IpAddr("192.0.2.9"))->bfd("enable"), "true");
+    EXPECT_EQ(peers.source.demuxer->flows(), 0U);
+}
+
+}  // namespace

@@ -22,7 +22,8 @@ function(vgw_object_library name)
 endfunction()
 
 # These have names of their own that a file beside them has too.
-set(VGW_COMPILED_ALONE_FILES modelc/check/EntityCheck.cc modelc/check/Spelling.cc qor/attrlog/ConnectionOut.cc qor/core/StrepNumber.cc qor/generic/FrameworkTypes.cc)
+set(VGW_COMPILED_ALONE_FILES modelc/check/EntityCheck.cc modelc/check/Spelling.cc qor/attrlog/ConnectionOut.cc qor/core/StrepNumber.cc qor/generic/FrameworkTypes.cc
+    ovsdb/schema/Schema.cc)
 list(TRANSFORM VGW_COMPILED_ALONE_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_COMPILED_ALONE)
 
 # Warnings as errors, the include roots, threads.

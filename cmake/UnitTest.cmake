@@ -1,23 +1,23 @@
-# vgw_test(<name> SOURCES <file>... [LINKS <target>...] [LABELS <label>...] [TIMEOUT <seconds>] [ENVIRONMENT <A=B>...])
+# vgw_test(<name> SOURCES <file>... [LINKS <target>...] [LABELS <label>...] [TIMEOUT <seconds>] [ENVIRONMENT <A=B>...]
+#          [HEADERS <target>])
 #
 # One gtest binary and one ctest entry. Links every object library that LINKS reach, so hidden visibility costs no test.
+# HEADERS: a target of vgw_test_headers, for tests that read more heavy headers than the framework's.
 # LABELS: unit (the default), contract, property, process, regress, install.
 function(vgw_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_MAIN" "TIMEOUT" "SOURCES;LINKS;LABELS;ENVIRONMENT")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_MAIN" "TIMEOUT;HEADERS" "SOURCES;LINKS;LABELS;ENVIRONMENT")
     find_package(GTest REQUIRED)
     add_executable(${name} ${arg_SOURCES})
     vgw_target_settings(${name})
     vgw_object_closure(objects ${arg_LINKS})
     target_link_libraries(${name} PRIVATE ${arg_LINKS} ${objects} GTest::gmock GTest::gtest)
-    if(VGW_SANITIZE)
-        target_compile_options(${name} PRIVATE -O0) # the libraries' own code stays optimised
-    endif()
-    # This compiler's optimiser sees copies out of bounds inside the standard library's own strings.
-    target_compile_options(
-        ${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-array-bounds -Wno-restrict -Wno-stringop-overflow>)
+    vgw_test_settings(${name})
     if(VGW_PCH)
-        vgw_test_headers()
-        target_precompile_headers(${name} REUSE_FROM vgw_test_headers)
+        if(NOT arg_HEADERS)
+            vgw_test_headers(vgw_test_headers)
+            set(arg_HEADERS vgw_test_headers)
+        endif()
+        target_precompile_headers(${name} REUSE_FROM ${arg_HEADERS})
         # So that ccache sees which headers it stands for.
         target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
     endif()
@@ -32,20 +32,34 @@ function(vgw_test name)
         ENVIRONMENT ${arg_ENVIRONMENT})
 endfunction()
 
-# The test framework's headers, compiled once for all tests of a build.
-function(vgw_test_headers)
-    if(TARGET vgw_test_headers)
+# How tests and what they share are compiled: what runs long are the libraries, which stay optimised as they are.
+function(vgw_test_settings target)
+    if(VGW_SANITIZE)
+        target_compile_options(${target} PRIVATE -O0)
+    elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${target} PRIVATE -O1)
+    endif()
+    # This compiler's optimiser sees copies out of bounds inside the standard library's own strings.
+    set(blind -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
+    target_compile_options(${target} PRIVATE "$<$<CXX_COMPILER_ID:GNU>:${blind}>")
+endfunction()
+
+# vgw_test_headers(<target> [HEADERS <header>...] [LINKS <target>...])
+#
+# The test framework's headers, and others, compiled once for all tests of a build that name <target> as their HEADERS, or,
+# for vgw_test_headers itself, that name none.
+function(vgw_test_headers target)
+    if(TARGET ${target})
         return()
     endif()
-    set(source "${CMAKE_BINARY_DIR}/vgw_test_headers.cc")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;LINKS")
+    set(source "${CMAKE_BINARY_DIR}/${target}.cc")
     file(CONFIGURE OUTPUT "${source}" CONTENT "int main() {}\n")
-    add_executable(vgw_test_headers "${source}")
-    vgw_target_settings(vgw_test_headers)
-    target_link_libraries(vgw_test_headers PRIVATE GTest::gmock GTest::gtest)
-    if(VGW_SANITIZE)
-        target_compile_options(vgw_test_headers PRIVATE -O0)
-    endif()
-    target_precompile_headers(vgw_test_headers PRIVATE <gtest/gtest.h> <map> <sstream> <string> <vector>)
+    add_executable(${target} "${source}")
+    vgw_target_settings(${target})
+    vgw_test_settings(${target})
+    target_link_libraries(${target} PRIVATE ${arg_LINKS} GTest::gmock GTest::gtest)
+    target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <map> <sstream> <string> <vector> ${arg_HEADERS})
 endfunction()
 
 # vgw_add_test(<name> COMMAND <program> <argument>... [LABELS ...] [TIMEOUT <seconds>] [ENVIRONMENT ...] [SERIAL])

@@ -1,4 +1,5 @@
 #include <qor/collections/HashMapGeneric.h>
+#include <qor/collections/MapWalker.h>
 
 #include <algorithm>
 #include <bit>

@@ -16,12 +16,13 @@
 #ifndef QOR_COLLECTIONS_HASH_MAP_GENERIC_H
 #define QOR_COLLECTIONS_HASH_MAP_GENERIC_H
 
-#include <qor/collections/MapWalker.h>
 #include <qor/core/Export.h>
 #include <qor/core/Ptr.h>
 #include <qor/core/VFPtrInterface.h>
 
 namespace Qor {
+
+class MapWalker;
 
 /// What the generic code needs of one kind of member; one instance a kind, without data.
 class HashMapVTableGeneric {
@@ -167,17 +168,6 @@ class QOR_EXPORT HashMapGeneric {
     };
     mutable MapWalker* walkers_ = nullptr;
 };
-
-inline void MapWalker::enter() noexcept {
-    if (map_) {
-        next_ = map_->walkers_;
-        back_ = &map_->walkers_;
-        if (next_) {
-            next_->back_ = &next_;
-        }
-        map_->walkers_ = this;
-    }
-}
 
 }  // namespace Qor
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <qor/collections/HashMap.h>
+#include <qor/collections/MapWalker.h>
 
 namespace Qor {
 

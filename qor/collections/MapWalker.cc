@@ -1,4 +1,4 @@
-#include <qor/collections/HashMapGeneric.h>
+#include <qor/collections/MapWalker.h>
 
 namespace Qor {
 

@@ -11,12 +11,9 @@
 
 #include <utility>
 
-#include <qor/core/Export.h>
-#include <qor/core/PtrInterface.h>
+#include <qor/collections/HashMapGeneric.h>
 
 namespace Qor {
-
-class HashMapGeneric;
 
 class MapWalker {
   protected:
@@ -77,7 +74,16 @@ class MapWalker {
   private:
     friend class HashMapGeneric;
 
-    inline void enter() noexcept;
+    void enter() noexcept {
+        if (map_) {
+            next_ = map_->walkers_;
+            back_ = &map_->walkers_;
+            if (next_) {
+                next_->back_ = &next_;
+            }
+            map_->walkers_ = this;
+        }
+    }
     void leave() noexcept {
         if (map_) {
             *back_ = next_;

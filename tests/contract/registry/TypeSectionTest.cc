@@ -3,8 +3,8 @@
 #include <elf.h>
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <optional>
 
 #include <gtest/gtest.h>
@@ -15,8 +15,10 @@ namespace Contract {
 namespace {
 
 std::string fileContents(char const* path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::string contents(std::filesystem::file_size(path), '\0');
+    std::ifstream(path, std::ios::binary)
+        .read(contents.data(), static_cast<std::streamsize>(contents.size()));
+    return contents;
 }
 
 template <class T>

@@ -54,10 +54,14 @@ class Server:
                 with Client(self.socket, timeout=5) as client:
                     client.schema()
                 return self
-            except RpcError:
+            except RpcError as error:
                 if self._process.poll() is not None or time.monotonic() > deadline:
-                    raise
+                    raise RpcError(f"{error}; the server ended with {self._process.poll()}; {self._log_end()}") from error
                 time.sleep(0.01)
+
+    def _log_end(self):
+        log = self.directory / "server.log"
+        return log.read_text(errors="replace")[-1000:] if log.exists() else "it wrote no log"
 
     def stop(self):
         """Ends the server the clean way; safe to repeat."""

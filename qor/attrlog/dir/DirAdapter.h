@@ -38,7 +38,8 @@ struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream
     : StreamKeyed<Dir::EntryAttr, StreamKind::entry> {
     static void on(QorNboAttrLogSa& adapter, Name const& key) { adapter.onEntry(key); }
     /// Announces the entry, and lets its entity send its whole state; a null member is a removal.
-    static void serialize(QorNboAttrLogSa& adapter, Name const& key, QorEntry* member);
+    /// Whether nothing is owed for the key.
+    static bool serialize(QorNboAttrLogSa& adapter, Name const& key, QorEntry* member);
     static void read(QorNboAttrLogSa& adapter, InboundRecord& record);
     static void sweep(QorNboAttrLogSa& adapter, StreamAdapter::AttrTransactionType type);
 };

@@ -131,19 +131,20 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
 
 }  // namespace
 
-void EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member) {
+bool EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member) {
     OutboundGuard const guard(adapter, id, true);
-    if (!guard.childMayGo(name) || guard.wasActive()) return;
-    if (!keyGoesNow<EntryStream>(adapter, *guard.out(), key)) return;
+    if (!guard.childMayGo(name)) return guard.isNothingOwed();
+    if (guard.wasActive()) return true;
+    if (!keyGoesNow<EntryStream>(adapter, *guard.out(), key)) return false;
     if (member == nullptr) {
         guard.out()->nextHeaderIs({adapter.entityId(), -id});
         guard.out() << Token::begin << String8(key) << Token::end;
-        return;
+        return true;
     }
     Qor::Ptr<QorEntry> const held(member);
-    if (!writeWhole([&] { sendEntry(adapter, key, *held); })) {
-        keepForLater<EntryStream>(adapter, key);
-    }
+    if (writeWhole([&] { sendEntry(adapter, key, *held); })) return true;
+    keepForLater<EntryStream>(adapter, key);
+    return false;
 }
 
 void EntryStream::read(Adapter& adapter, InboundRecord& record) {

@@ -73,24 +73,27 @@ void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child) {
     if (whole) announced->doThis();
 }
 
-/// qorHandleASerializeSing of an owning collection; a null child is a removal.
+/// qorHandleASerializeSing of an owning collection; a null child is a removal. Whether nothing is
+/// owed for the key.
 template <class S, class Adapter>
-void serializeChildMember(Adapter& adapter, typename S::Key const& key,
+bool serializeChildMember(Adapter& adapter, typename S::Key const& key,
                           Ptr<typename S::Target> const& child) {
     using Token = NboAttrLog::Out::TransactToken;
     OutboundGuard const guard(adapter, S::id, true);
-    if (!guard.childMayGo(S::name)) return;
+    if (!guard.childMayGo(S::name)) return guard.isNothingOwed();
     if (guard.wasActive()) {
         if (child) takeAnnouncedChild<S>(adapter, *child);
-        return;
+        return true;
     }
-    if (!keyGoesNow<S>(adapter, *guard.out(), key)) return;
+    if (!keyGoesNow<S>(adapter, *guard.out(), key)) return false;
     if (!child) {
         guard.out()->nextHeaderIs({adapter.entityId(), -S::id});
         guard.out() << Token::begin << key << Token::end;
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
         keepForLater<S>(adapter, key);
+        return false;
     }
+    return true;
 }
 
 /// onA() of a single child.

@@ -18,18 +18,15 @@ bool serializeMember(Adapter& adapter, typename S::Key const& key, typename S::M
     if constexpr (S::kind == StreamKind::textMember) {
         return serializeTextMember<S>(adapter, key, member ? A::valueOf(*member) : String8(),
                                       !member);
+    } else if constexpr (S::kind == StreamKind::flagMember) {
+        return serializeFlagMember<S>(adapter, key, member && A::valueOf(*member), !member);
+    } else if constexpr (S::kind == StreamKind::reference) {
+        return serializeReference<S>(adapter, key,
+                                     member ? A::valueOf(*member) : typename S::Value());
+    } else if constexpr (S::kind == StreamKind::childMember) {
+        return serializeChildMember<S>(adapter, key, Ptr<typename S::Target>(member));
     } else {
-        if constexpr (S::kind == StreamKind::flagMember) {
-            serializeFlagMember<S>(adapter, key, member && A::valueOf(*member), !member);
-        } else if constexpr (S::kind == StreamKind::reference) {
-            serializeReference<S>(adapter, key, member ? A::valueOf(*member) : typename S::Value());
-        } else if constexpr (S::kind == StreamKind::childMember) {
-            serializeChildMember<S>(adapter, key, Ptr<typename S::Target>(member));
-        } else {
-            S::serialize(adapter, key, member);
-        }
-        auto const* const flow = flowInCharge(adapter);
-        return !flow || !flow->retryLater();
+        return S::serialize(adapter, key, member);
     }
 }
 
@@ -99,12 +96,17 @@ class CollectionOut {
             Key const key = at.key();
             bool const done = serializeMember<S>(adapter_, key, at.member().ptr());
             noteMember(key, done);
-            bool const stays = flow_->retryLater();
+            bool const stays = flow_->retryLater() || (!done && !isTextOnItsWay());
             bool const leaves = stays || !adapter_.continueFlowOut();
             if (!stays) ++at;
             if (leaves) return leaveAt(at);
         }
         return std::nullopt;
+    }
+
+    /// The key of a half sent text is passed: finishText() comes back to it.
+    bool isTextOnItsWay() const {
+        return S::kind == StreamKind::textMember && flow_->valueIterKey();
     }
 
     void noteMember(Key const& key, bool done) {

@@ -44,16 +44,17 @@ void putReference(Adapter& adapter, typename S::Key const& key, typename S::Targ
     out << Token::end;
 }
 
-/// qorHandleASerializeSing of a reference collection; a null value is a removal.
+/// qorHandleASerializeSing of a reference collection; a null value is a removal. Whether nothing is
+/// owed for the key.
 template <class S, class Adapter>
-void serializeReference(Adapter& adapter, typename S::Key const& key,
+bool serializeReference(Adapter& adapter, typename S::Key const& key,
                         typename S::Value const& value) {
     OutboundGuard const guard(adapter, S::id);
-    if (!guard.mayGo(S::name)) return;
-    if (!keyGoesNow<S>(adapter, *guard.out(), key)) return;
-    if (!writeWhole([&] { putReference<S>(adapter, key, value.ptr()); })) {
-        keepForLater<S>(adapter, key);
-    }
+    if (!guard.mayGo(S::name)) return guard.isNothingOwed();
+    if (!keyGoesNow<S>(adapter, *guard.out(), key)) return false;
+    if (writeWhole([&] { putReference<S>(adapter, key, value.ptr()); })) return true;
+    keepForLater<S>(adapter, key);
+    return false;
 }
 
 }  // namespace Qor

@@ -36,18 +36,20 @@ void serializeScalar(Adapter& adapter) {
     out << Token::end;
 }
 
-/// qorHandleASerializeSing of a set or of a map to truth values.
+/// qorHandleASerializeSing of a set or of a map to truth values. Whether nothing is owed for the
+/// key.
 template <class S, class Adapter>
-void serializeFlagMember(Adapter& adapter, typename S::Key const& key, bool value, bool deleted) {
+bool serializeFlagMember(Adapter& adapter, typename S::Key const& key, bool value, bool deleted) {
     using Token = NboAttrLog::Out::TransactToken;
     OutboundGuard const guard(adapter, S::id);
-    if (!guard.mayGo(S::name)) return;
+    if (!guard.mayGo(S::name)) return guard.isNothingOwed();
     auto const& out = guard.out();
-    if (!keyGoesNow<S>(adapter, *out, key)) return;
+    if (!keyGoesNow<S>(adapter, *out, key)) return false;
     out->nextHeaderIs({adapter.entityId(), deleted ? -S::id : S::id});
     out << Token::begin << key;
     if (!deleted) out << value;
     out << Token::end;
+    return true;
 }
 
 }  // namespace Qor

@@ -106,7 +106,9 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
     AttributeId next = flow.hasResume_ ? flow.resumeAt_ : flow.attrId();
     do {
         if (!adapter.continueFlowOut()) return false;
-        next = adapter.handleAttrFlowOut(next);
+        AttributeId const at = next;
+        U64 const before = out_->written();
+        next = adapter.handleAttrFlowOut(at);
         if (adapter.flowOut() != &flow) return false;
         if (next != 0 && flow.retryLater()) {
             adapter.freeResyncState(Qor::Ptr<FlowOut>(&flow));
@@ -115,6 +117,11 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
         }
         flow.resumeAt_ = next;
         flow.hasResume_ = true;
+        bool const isStuck = next == at && at != 0 && out_->written() == before;
+        if (isStuck && adapter.continueFlowOut()) {
+            park(flow);
+            return false;
+        }
     } while (next != 0);
     bool const isIdle = waits || (isWhole && out_->written() == writtenBefore);
     if (!isIdle || announced_ != knownBefore || !flow.hasDirtyAttributes()) return true;

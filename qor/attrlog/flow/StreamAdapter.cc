@@ -121,6 +121,7 @@ void StreamAdapter::msgChannelIs(MsgChannel::Constrainer::QorEntry* entry) { msg
 
 void StreamAdapter::notificationDisabledDueToMsgChannelIs(bool disabled) {
     flagIs(AdapterState::flowOutSuspended, disabled);
+    if (!disabled && flowOut_) flowOut_->owes();
 }
 
 void StreamAdapter::qorDoZombieReactors(bool zombie) {

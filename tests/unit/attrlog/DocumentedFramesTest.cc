@@ -1,0 +1,98 @@
+// The frames that docs/attribute-log.md shows are those that are sent.
+#include "Peers.h"
+
+#include <vgw/attrlog/HwVtepOvsdb.h>
+#include <vgw/attrlog/LogicalSwitch.h>
+#include <vgw/attrlog/PhysicalPort.h>
+#include <vgw/attrlog/PhysicalSwitch.h>
+#include <vgw/attrlog/Status.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <sstream>
+
+namespace {
+
+using Qor::make;
+using Qor::Name;
+
+std::string documentation() {
+    std::ifstream file(TREE "/docs/attribute-log.md");
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+// What a connecting end sends of `entity` when it changes.
+template <class X>
+std::string frameOf(Qor::Ptr<X> const& entity, std::function<void(X&)> const& change,
+                    std::size_t most = 1000) {
+    Peer peer(Peer::Demuxer::Side::connecting);
+    auto const adapter = peer.attach(entity);
+    change(*entity);
+    return hex(takeBytes(peer.out(), most));
+}
+
+TEST(DocumentedFrames, AreThoseThatAreSent) {
+    std::string const text = documentation();
+    auto const shows = [&text](std::string const& frame) {
+        EXPECT_NE(text.find("\n" + frame + "\n"), std::string::npos) << frame;
+    };
+    auto const ls = make<Vgw::LogicalSwitch>(Name("ls"));
+    shows(frameOf<Vgw::LogicalSwitch>(ls, [](auto& row) { row.tunnelKeyIs(5000); }));
+    shows(frameOf<Vgw::LogicalSwitch>(ls, [](auto& row) { row.descIs("leaf"); }));
+    auto const sw = make<Vgw::PhysicalSwitch>(Name("s"));
+    shows(frameOf<Vgw::PhysicalSwitch>(sw, [](auto& row) { row.portIs("p", true); }));
+    shows(frameOf<Vgw::PhysicalSwitch>(sw, [](auto& row) { row.portDel("p"); }));
+    auto const port = make<Vgw::PhysicalPort>(Name("p"));
+    shows(frameOf<Vgw::PhysicalPort>(port, [](auto& row) { row.vlanBindingIs(7, "ls"); }));
+    auto const db = make<Vgw::HwVtepOvsdb>(Name("db"));
+    shows(frameOf<Vgw::HwVtepOvsdb>(db, [](auto& row) { row.rootIs(Name("r")); }));
+    shows(frameOf<Vgw::HwVtepOvsdb>(db, [](auto& row) { row.rootDel(Name("r")); }));
+    auto const status = make<Vgw::Status>(Name("st"));
+    status->ovsdbIs(Name("db"));
+    shows(frameOf<Vgw::Status>(status, [](auto& row) { row.ovsdbDel(); }));
+}
+
+TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
+    std::string const text = documentation();
+    auto const shows = [&text](std::string const& frame) {
+        EXPECT_NE(text.find("\n" + frame + "\n"), std::string::npos) << frame;
+    };
+    Peer peer(Peer::Demuxer::Side::connecting);
+    auto const db = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const a = peer.attach(db);
+    auto const row = db->physicalSwitchRawIs(Name("s"));
+    takeBytes(peer.out());
+    db->physicalSwitchIs("leaf", row);
+    shows(hex(takeBytes(peer.out())));
+    for (auto const type :
+         {Qor::StreamAdapter::begin, Qor::StreamAdapter::abort, Qor::StreamAdapter::end}) {
+        a->sendTransactionMarker(388, type, 0);
+        shows(hex(takeBytes(peer.out())));
+    }
+    Peer other(Peer::Demuxer::Side::connecting);
+    auto const ls = make<Vgw::LogicalSwitch>(Name("ls"));
+    auto const b = other.attach(ls);
+    b->doSerializeOrphan();
+    std::string const bytes = takeBytes(other.out());
+    shows(hex(bytes.substr(0, 4 + static_cast<unsigned char>(bytes[3]))));
+}
+
+TEST(DocumentedFrames, OfAChunkThatIsNotTheLast) {
+    auto const out = make<Qor::NboAttrLog::Out>();
+    using Token = Qor::NboAttrLog::Out::TransactToken;
+    Qor::String8::IteratorConst position(Qor::String8("abc"));
+    Qor::Ptr<Qor::Connection::Out> const connection(out);
+    connection->chunkLimitIs(2);
+    out->nextHeaderIs({Qor::EntityId(3), 387});
+    out << Token::begin;
+    connection << position;
+    out << Token::end;
+    std::string const frame = hex(takeBytes(*out));
+    EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+}
+
+}  // namespace

@@ -20,6 +20,23 @@ TEST_P(EveryGenericEntity, KnowsEachAttributeByItsNameAndItsNumber) {
     EXPECT_EQ(raised([&] { wrapper_->attributeId("nobody"); }), "unknown attribute nobody");
 }
 
+TEST_P(EveryGenericEntity, ServesEveryAttributeThatItsRecordTells) {
+    for (auto const& record : type().attributes()) {
+        SCOPED_TRACE(record->name());
+        bool const isCalled = record->introspection().isFunction() && record->id() > 155;
+        std::string const expected = record->introspection().hasInternalIndex() ? "type name"
+                                     : record->flags().isCollection()           ? "type qor_index"
+                                     : isCalled                                 ? "type List"
+                                                                                : "nothing";
+        Wrapper result;
+        EXPECT_EQ(raised([&] { result = wrapper_->attributeOp(record->id()); }), expected);
+        if (expected == "nothing") {
+            ASSERT_TRUE(result);
+            EXPECT_TRUE(result->fwkType()->isA(*record->valueType()));
+        }
+    }
+}
+
 TEST_P(EveryGenericEntity, IsOfTheEntitysOwnClass) {
     EXPECT_EQ(type().fullName(), class_.name.c_str());
     EXPECT_EQ(wrapper_->entity(), entity_);

@@ -152,7 +152,7 @@ class EveryEntityFound : public EveryWrapper {
         return in;
     }
 
-    Qor::Dir::Ptr const root_ = Qor::make<Qor::Dir>("root");
+    Qor::Dir::Ptr const root_ = Qor::make<Qor::Dir>("top");
 };
 INSTANTIATE_TEST_SUITE_P(Models, EveryEntityFound, testing::ValuesIn(entityClasses()), ClassName());
 
@@ -168,7 +168,7 @@ TEST_P(EveryEntityFound, ByTheTextOfAReference) {
 }
 
 TEST_P(EveryEntityFound, ByNoOtherText) {
-    for (char const* const text : {"", "'/root/nobody'", "null x", "/root/row", "'/root'"}) {
+    for (char const* const text : {"", "'/top/nobody'", "null x", "/top/row", "'/top'"}) {
         EXPECT_THROW(type().genericIfFromStrep(text, false), Qor::RangeException) << text;
     }
     EXPECT_THROW(type().genericIfFromStrep(wrapper_->strRep() + " x", false), Qor::RangeException);

@@ -42,7 +42,7 @@ class DirWrapper : public testing::Test {
         return root->attributeOp(entry, OpId::opGet, text("Qor::Name", name));
     }
 
-    GenericIf::Ptr const root = directory("root");
+    GenericIf::Ptr const root = directory("top");
     Qor::AttributeId const entry = root->attributeId("entry");
 };
 
@@ -62,8 +62,8 @@ TEST_F(DirWrapper, TellsWhatADirectoryIs) {
 TEST_F(DirWrapper, EntityThatIsPutInIsFoundWithItsOwnClass) {
     put("'a'", directory("a"));
     EXPECT_EQ(at("'a'")->fwkType()->fullName(), "Qor::Dir");
-    EXPECT_EQ(at("'a'")->entity()->uriPath(), "/root/a");
-    EXPECT_EQ(at("'a'")->strRep(), "'/root/a'");
+    EXPECT_EQ(at("'a'")->entity()->uriPath(), "/top/a");
+    EXPECT_EQ(at("'a'")->strRep(), "'/top/a'");
     EXPECT_FALSE(at("'b'")->entity());
 }
 

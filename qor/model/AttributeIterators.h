@@ -16,7 +16,7 @@ class AttributeIteratorConst : public A::Map::IteratorConst {
     using Base = typename A::Map::IteratorConst;
 
     AttributeIteratorConst() = default;
-    /// The entity must outlive the iterator.
+    /// Does not hold the entity: when that ends, so does the walk.
     explicit AttributeIteratorConst(typename A::Entity const& entity) : Base(&A::map(entity)) {}
     AttributeIteratorConst(typename A::Entity const& entity, typename A::Key const& key)
         : Base(&A::map(entity), key) {}

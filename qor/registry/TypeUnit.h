@@ -52,7 +52,7 @@ struct BuildRow {
 /// Makes the record of a class: `T` is its X::_Type.
 template <class T>
 Ptr<QorType> makeType(Name const& shortName, QorType* base) {
-    return make<T>(shortName, nullptr, base, 0);
+    return make<T>(shortName, nullptr, base, U32{0});
 }
 
 enum class TypeSort : U8 { enumeration, value, entity };

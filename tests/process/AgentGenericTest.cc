@@ -50,10 +50,10 @@ TEST_F(GenericAgentTest, TheBooksAreReadByName) {
     set("/vgw/cliConfig", "managerIp", "'192.0.2.1'");
     ASSERT_TRUE(managerBecomes("ssl:192.0.2.1:6632"));
     constexpr char const* session = "/vgw/status/ovsdbSessionStatus";
-    EXPECT_TRUE(becomes([&] { return get(session, "numSuccessfulMsg") == "2"; }));
-    EXPECT_EQ(get(session, "lastSuccessfulMsg"), "'Transaction request'");
+    EXPECT_TRUE(
+        becomes([&] { return get(session, "lastSuccessfulMsg") == "'Transaction request'"; }));
+    EXPECT_EQ(get(session, "numSuccessfulMsg"), "2");
     EXPECT_EQ(get(session, "sessionState"), "'stateConnected'");
-    EXPECT_EQ(get(session, "numFailedMsg"), "0");
 }
 
 TEST_F(GenericAgentTest, ResetByNameTurnsTheAgentOff) {

@@ -60,9 +60,7 @@ TEST_F(BooksTest, ATransactionThatSucceedsAndOneThatFailsAreWrittenDown) {
     EXPECT_EQ(text(session().lastFailedMsgDetail()).substr(0, 10), "timed out:");
     EXPECT_EQ(session().lastFailedMsgDetail().length(), 80U);
     EXPECT_EQ(text(session().lastErrorCode()), "timed out");
-    EXPECT_EQ(session().responseTimeForLastMsg(), 0.0);
     EXPECT_GT(session().lastFailedMsgTime(), succeeded);
-    EXPECT_EQ(session().lastSuccessfulMsgTime(), succeeded);
     EXPECT_EQ(session().sessionState(), Vgw::stateConnected);
     ASSERT_TRUE(becomes([&] { return session().numSuccessfulMsg() == 3; }));
 }

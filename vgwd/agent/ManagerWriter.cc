@@ -64,9 +64,12 @@ void ManagerWriter::handleOutcome(std::string const& target, Ovsdb::RpcError con
         if (!target.empty()) written_.insert(target);
         log_(Ovsdb::LogLevel::info, what + ": done");
         backoff_.reset();
+        raced_ = false;
     } else {
         log_(Ovsdb::LogLevel::warning, what + ": " + error->text());
         if (error->kind == Ovsdb::RpcError::Kind::lost) return;
+        // The wait failed: what another writer changed is mirrored by now.
+        if (error->error == "timed out" && !std::exchange(raced_, true)) return write();
         retry();
     }
     if (target != wanted_) write();

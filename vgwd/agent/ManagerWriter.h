@@ -48,7 +48,8 @@ class ManagerWriter {
     std::string wanted_;
     std::set<std::string> written_;  // what the database may name because of us
     bool inStep_ = false;
-    bool busy_ = false;  // a transaction is under way
+    bool busy_ = false;   // a transaction is under way
+    bool raced_ = false;  // the one before lost against another writer
 };
 
 }  // namespace Vgwd

@@ -1,5 +1,6 @@
 #include <modelc/emit/AttrLogEmitter.h>
 
+#include <modelc/emit/DocText.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 
@@ -14,10 +15,9 @@ std::string baseOf(Entity const& entity) {
 }
 
 std::string forwardingsOf(Entity const& entity) {
-    std::string result = entity.isRoot()
-                             ? "void onIsNondestructing() override { forward([](auto& adapter) { "
-                               "adapter.onIsNondestructing(); }); }\n"
-                             : forwardingsOf(*entity.base);
+    std::string result = entity.isRoot() ? "void onIsNondestructing() override { "
+                                           "forward(&QorNboAttrLogSa::onIsNondestructing); }\n"
+                                         : forwardingsOf(*entity.base);
     for (Member const& member : entity.members) {
         auto const* attribute = std::get_if<Attribute>(&member);
         if (attribute == nullptr) continue;
@@ -51,6 +51,11 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
         entity.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
     holes_["word"] = entity.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
     holes_["fullName"] = entity.type->fullName;
+    holes_["bindsDoc"] = docText({"Binds a " + entity.name +
+                                  " to one attribute log connection. Made with QorNboAttrLogSaIs."},
+                                 0);
+    holes_["owesDoc"] = docText({"What is owed to the peer of a " + entity.name + "."}, 0);
+    holes_["hearsDoc"] = docText({"Hears of a " + entity.name + " for its adapter."}, 0);
     holes_["streamNames"] = streamNames();
     holes_["streamList"] = streamList();
     holes_["declarations"] = each(&AttrLogMember::declarations, "");
@@ -140,7 +145,7 @@ extern template class Qor::AdapterLevel<$fullName$>;
 
 std::string AttrLogEmitter::classBody() const {
     return fillIn(R"(
-/// Binds a $Class$ to one attribute log connection. Made with QorNboAttrLogSaIs.
+$bindsDoc$
 class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$> {
   public:
     using Ptr = Qor::Ptr<QorNboAttrLogSa>;
@@ -163,7 +168,7 @@ class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$> {
 
 std::string AttrLogEmitter::flowOutClass() const {
     return fillIn(R"(
-/// What is owed to the peer of a $Class$.
+$owesDoc$
 class $export$$Class$::QorNboAttrLogSa::FlowOut : public Qor::FlowOutLevel<QorStreamed, $FlowBase$> {
   public:
     using Ptr = Qor::Ptr<FlowOut>;
@@ -177,7 +182,7 @@ class $export$$Class$::QorNboAttrLogSa::FlowOut : public Qor::FlowOutLevel<QorSt
 
 std::string AttrLogEmitter::companionClass() const {
     return fillIn(R"(
-/// Hears of a $Class$ for its adapter.
+$hearsDoc$
 class $export$$Class$::QorNboAttrLogSa::QorNboAttrLogSaAdapter_ : public Qor::Companion<QorNboAttrLogSa, $Class$::NotifieeConst> {
   public:
     using Companion::Companion;

@@ -38,24 +38,36 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
         if (attribute == nullptr) continue;
         if (auto made = makeAttrLogMember(entity, *attribute)) members_.push_back(std::move(made));
     }
-    Unit const& unit = *entity.unit;
-    std::string const base = baseOf(entity);
-    holes_["Class"] = entity.name;
+    nameHoles();
+    docHoles();
+    memberHoles();
+}
+
+void AttrLogEmitter::nameHoles() {
+    Unit const& unit = *entity_.unit;
+    std::string const base = baseOf(entity_);
+    holes_["Class"] = entity_.name;
     holes_["Base"] = base;
-    holes_["header"] = adapterHeader(entity);
-    holes_["guard"] = includeGuard(adapterHeader(entity));
+    holes_["header"] = adapterHeader(entity_);
+    holes_["guard"] = includeGuard(adapterHeader(entity_));
     holes_["namespace"] = unit.nameSpace;
     holes_["export"] = unit.exportMacro.empty() ? "" : unit.exportMacro + " ";
     holes_["origin"] = originText(unit, {});
     holes_["FlowBase"] =
-        entity.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
-    holes_["word"] = entity.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
-    holes_["fullName"] = entity.type->fullName;
-    holes_["bindsDoc"] = docText({"Binds a " + entity.name +
+        entity_.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
+    holes_["word"] = entity_.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
+    holes_["fullName"] = entity_.type->fullName;
+}
+
+void AttrLogEmitter::docHoles() {
+    holes_["bindsDoc"] = docText({"Binds a " + entity_.name +
                                   " to one attribute log connection. Made with QorNboAttrLogSaIs."},
                                  0);
-    holes_["owesDoc"] = docText({"What is owed to the peer of a " + entity.name + "."}, 0);
-    holes_["hearsDoc"] = docText({"Hears of a " + entity.name + " for its adapter."}, 0);
+    holes_["owesDoc"] = docText({"What is owed to the peer of a " + entity_.name + "."}, 0);
+    holes_["hearsDoc"] = docText({"Hears of a " + entity_.name + " for its adapter."}, 0);
+}
+
+void AttrLogEmitter::memberHoles() {
     holes_["streamNames"] = streamNames();
     holes_["streamList"] = streamList();
     holes_["declarations"] = each(&AttrLogMember::declarations, "");
@@ -65,7 +77,7 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
     holes_["definitions"] = each(&AttrLogMember::definitions, "\n");
     holes_["headerIncludes"] = headerIncludes();
     holes_["sourceIncludes"] = sourceIncludes();
-    holes_["nondestructing"] = entity.isRoot() ? "void onIsNondestructing() override;" : "";
+    holes_["nondestructing"] = entity_.isRoot() ? "void onIsNondestructing() override;" : "";
     holes_["classBody"] = classBody();
     holes_["flowOutClass"] = flowOutClass();
     holes_["companionClass"] = companionClass();

@@ -1,5 +1,6 @@
 #include <modelc/emit/AttrLogEmitter.h>
 
+#include <modelc/emit/DocText.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 
@@ -14,10 +15,9 @@ std::string baseOf(Entity const& entity) {
 }
 
 std::string forwardingsOf(Entity const& entity) {
-    std::string result = entity.isRoot()
-                             ? "void onIsNondestructing() override { forward([](auto& adapter) { "
-                               "adapter.onIsNondestructing(); }); }\n"
-                             : forwardingsOf(*entity.base);
+    std::string result = entity.isRoot() ? "void onIsNondestructing() override { "
+                                           "forward(&QorNboAttrLogSa::onIsNondestructing); }\n"
+                                         : forwardingsOf(*entity.base);
     for (Member const& member : entity.members) {
         auto const* attribute = std::get_if<Attribute>(&member);
         if (attribute == nullptr) continue;
@@ -38,19 +38,36 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
         if (attribute == nullptr) continue;
         if (auto made = makeAttrLogMember(entity, *attribute)) members_.push_back(std::move(made));
     }
-    Unit const& unit = *entity.unit;
-    std::string const base = baseOf(entity);
-    holes_["Class"] = entity.name;
+    nameHoles();
+    docHoles();
+    memberHoles();
+}
+
+void AttrLogEmitter::nameHoles() {
+    Unit const& unit = *entity_.unit;
+    std::string const base = baseOf(entity_);
+    holes_["Class"] = entity_.name;
     holes_["Base"] = base;
-    holes_["header"] = adapterHeader(entity);
-    holes_["guard"] = includeGuard(adapterHeader(entity));
+    holes_["header"] = adapterHeader(entity_);
+    holes_["guard"] = includeGuard(adapterHeader(entity_));
     holes_["namespace"] = unit.nameSpace;
     holes_["export"] = unit.exportMacro.empty() ? "" : unit.exportMacro + " ";
     holes_["origin"] = originText(unit, {});
     holes_["FlowBase"] =
-        entity.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
-    holes_["word"] = entity.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
-    holes_["fullName"] = entity.type->fullName;
+        entity_.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
+    holes_["word"] = entity_.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
+    holes_["fullName"] = entity_.type->fullName;
+}
+
+void AttrLogEmitter::docHoles() {
+    holes_["bindsDoc"] = docText({"Binds a " + entity_.name +
+                                  " to one attribute log connection. Made with QorNboAttrLogSaIs."},
+                                 0);
+    holes_["owesDoc"] = docText({"What is owed to the peer of a " + entity_.name + "."}, 0);
+    holes_["hearsDoc"] = docText({"Hears of a " + entity_.name + " for its adapter."}, 0);
+}
+
+void AttrLogEmitter::memberHoles() {
     holes_["streamNames"] = streamNames();
     holes_["streamList"] = streamList();
     holes_["declarations"] = each(&AttrLogMember::declarations, "");
@@ -60,7 +77,7 @@ AttrLogEmitter::AttrLogEmitter(Entity const& entity) : entity_(entity) {
     holes_["definitions"] = each(&AttrLogMember::definitions, "\n");
     holes_["headerIncludes"] = headerIncludes();
     holes_["sourceIncludes"] = sourceIncludes();
-    holes_["nondestructing"] = entity.isRoot() ? "void onIsNondestructing() override;" : "";
+    holes_["nondestructing"] = entity_.isRoot() ? "void onIsNondestructing() override;" : "";
     holes_["classBody"] = classBody();
     holes_["flowOutClass"] = flowOutClass();
     holes_["companionClass"] = companionClass();
@@ -140,7 +157,7 @@ extern template class Qor::AdapterLevel<$fullName$>;
 
 std::string AttrLogEmitter::classBody() const {
     return fillIn(R"(
-/// Binds a $Class$ to one attribute log connection. Made with QorNboAttrLogSaIs.
+$bindsDoc$
 class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$> {
   public:
     using Ptr = Qor::Ptr<QorNboAttrLogSa>;
@@ -163,7 +180,7 @@ class $export$$Class$::QorNboAttrLogSa : public Qor::AdapterLevel<$Class$> {
 
 std::string AttrLogEmitter::flowOutClass() const {
     return fillIn(R"(
-/// What is owed to the peer of a $Class$.
+$owesDoc$
 class $export$$Class$::QorNboAttrLogSa::FlowOut : public Qor::FlowOutLevel<QorStreamed, $FlowBase$> {
   public:
     using Ptr = Qor::Ptr<FlowOut>;
@@ -177,7 +194,7 @@ class $export$$Class$::QorNboAttrLogSa::FlowOut : public Qor::FlowOutLevel<QorSt
 
 std::string AttrLogEmitter::companionClass() const {
     return fillIn(R"(
-/// Hears of a $Class$ for its adapter.
+$hearsDoc$
 class $export$$Class$::QorNboAttrLogSa::QorNboAttrLogSaAdapter_ : public Qor::Companion<QorNboAttrLogSa, $Class$::NotifieeConst> {
   public:
     using Companion::Companion;

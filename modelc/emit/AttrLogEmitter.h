@@ -26,6 +26,9 @@ class AttrLogEmitter {
   private:
     using Place = std::string (AttrLogMember::*)() const;
 
+    void nameHoles();
+    void docHoles();
+    void memberHoles();
     std::string each(Place place, std::string const& between) const;
     std::string streamNames() const;
     std::string streamList() const;

@@ -77,7 +77,7 @@ $DirtyIterator$ $dirty$Iterator() { return $DirtyIterator$(&dirtyKeys<$Stream$>(
 
 std::string AttrLogKeyedMember::forwarding() const {
     return fillIn(R"(
-void $handler$($key$) override { forward([&key](auto& adapter) { adapter.$handler$(key); }); }
+void $handler$($key$) override { forward(&QorNboAttrLogSa::$handler$, key); }
 )");
 }
 

@@ -97,7 +97,7 @@ void $dirty$Is(bool dirty) { isDirtyIs<$Stream$>(dirty); }
 
 std::string AttrLogMember::forwarding() const {
     return fillIn(R"(
-void $handler$() override { forward([](auto& adapter) { adapter.$handler$(); }); }
+void $handler$() override { forward(&QorNboAttrLogSa::$handler$); }
 )");
 }
 

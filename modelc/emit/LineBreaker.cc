@@ -116,9 +116,10 @@ std::string breakBeforeName(std::string const& line, Bracketed const& list) {
     std::size_t const name = nameStart(list.before);
     if (name <= indentation) return line;
     std::size_t const scope = line.rfind("::", list.before.size());
-    if (startsWith(line, "void ") && scope != std::string::npos && scope > name) {
-        return line.substr(0, scope + 2) + "\n" + blanks(indentation + continuation) +
-               line.substr(scope + 2);
+    bool const isShort = startsWith(line, "void ") || startsWith(line, "bool ");
+    if (isShort && scope != std::string::npos && scope > name) {
+        return line.substr(0, scope + 2) + "\n" +
+               breakLine(blanks(indentation + continuation) + line.substr(scope + 2));
     }
     return line.substr(0, name - 1) + "\n" + breakLine(blanks(indentation) + line.substr(name));
 }

@@ -87,21 +87,26 @@ bool isIntroduced(std::string const& row) {
 TEST(GoldenOutput, LinesForAnAttributeDoNotRise) {
     Modelc::Compilation const done = ModelcTest::compileFiles(
         ModelcTest::tree() / "vgw", {"OvsdbDataTypes.model", "VgwTypes.model"});
-    // The classes themselves, and what registers and wraps them.
+    // The classes themselves, what registers and wraps them, and what streams them.
     double classes = 0;
     double registry = 0;
+    double adapters = 0;
     for (Modelc::OutputFile const& file : done.files) {
         bool const registers = file.path.find("/registry/") != std::string::npos;
-        (registers ? registry : classes) +=
+        bool const streams = file.path.find("/attrlog/") != std::string::npos;
+        (registers ? registry
+         : streams ? adapters
+                   : classes) +=
             static_cast<double>(std::count(file.text.begin(), file.text.end(), '\n'));
     }
     std::istringstream rows(done.registrations);
     int attributes = 0;
     for (std::string row; std::getline(rows, row);) attributes += isIntroduced(row) ? 1 : 0;
     ASSERT_EQ(attributes, 122);
-    RecordProperty("lines", static_cast<int>(classes + registry));
-    EXPECT_LE(classes / attributes, 56.0);
+    RecordProperty("lines", static_cast<int>(classes + registry + adapters));
+    EXPECT_LE(classes / attributes, 59.0);
     EXPECT_LE(registry / attributes, 26.0);
+    EXPECT_LE(adapters / attributes, 35.0);
 }
 
 }  // namespace

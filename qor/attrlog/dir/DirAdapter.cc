@@ -34,11 +34,11 @@ void Dir::QorNboAttrLogSa::doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) {
 }
 
 void Adapter::QorNboAttrLogSaAdapter_::onIsNondestructing() {
-    forward([](auto& adapter) { adapter.onIsNondestructing(); });
+    forward(&QorNboAttrLogSa::onIsNondestructing);
 }
 
 void Adapter::QorNboAttrLogSaAdapter_::onEntry(Name key) {
-    forward([&key](auto& adapter) { adapter.onEntry(key); });
+    forward(&QorNboAttrLogSa::onEntry, key);
 }
 
 bool Dir::qorHasAttrLogInterface() const { return true; }

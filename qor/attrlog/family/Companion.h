@@ -42,10 +42,10 @@ class Companion : public Base {
 
   protected:
     /// Calls a handler of the adapter.
-    template <class Handler>
-    void forward(Handler const& handler) {
+    template <class Level, class... Parameter, class... Key>
+    void forward(void (Level::*handler)(Parameter...), Key const&... key) {
         if (adapter_ && !this->qorMarkedForDeletion()) [[likely]] {
-            handler(*adapter_);
+            (adapter_->*handler)(key...);
         }
     }
 

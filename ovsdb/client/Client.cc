@@ -59,10 +59,7 @@ void Client::handleServerUpdate(simdjson::dom::element tableUpdates) {
 // False: the connection was given up.
 bool Client::memberIsUsable() {
     ServerDatabase const* const database = server_.find(options_.database);
-    if (database == nullptr || !database->clustered()) {
-        leaderIs(true);
-        return true;
-    }
+    if (database == nullptr || !database->clustered()) return true;
     if (!database->connected) {
         abandon("the server is not connected to its cluster");
         return false;
@@ -76,7 +73,6 @@ bool Client::memberIsUsable() {
         return false;
     }
     clusterIndex_ = std::max(clusterIndex_, reached);
-    leaderIs(database->leader);
     return true;
 }
 

@@ -90,7 +90,6 @@ class Client final : private RpcListener {
     void lose(std::string const& reason);
     void sayLoss(std::string const& reason, bool roundFailed);
     void retryIn(Backoff::Duration wait);
-    void leaderIs(bool leader);
     void abandon(std::string const& reason);
     void stateIs(ClientState state, std::string const& reason);
 
@@ -132,7 +131,6 @@ class Client final : private RpcListener {
     std::size_t failures_ = 0;  // remotes tried since the last success or wait
 
     ServerDatabases server_;
-    bool leader_ = true;
     bool silent_ = false;  // the listener was told so
     std::string clusterId_;
     std::int64_t clusterIndex_ = 0;  // the furthest a member's log was seen at

@@ -165,8 +165,4 @@ void Client::stateIs(ClientState state, std::string const& reason) {
     listener_.onState(state, reason);
 }
 
-void Client::leaderIs(bool leader) {
-    if (std::exchange(leader_, leader) != leader) listener_.onLeader(leader);
-}
-
 }  // namespace Ovsdb

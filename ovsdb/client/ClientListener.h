@@ -35,9 +35,6 @@ class ClientListener {
     /// The server has not answered for longer than it should (the rows may be out of step), or
     /// speaks again (they are not). A connection that ends says so by onState() alone.
     virtual void onSilent(bool silent) = 0;
-    /// The server that is connected serves as the leader of its cluster, or stands alone (true), or
-    /// as one that follows it. Told before inStep and whenever that changes.
-    virtual void onLeader(bool leader) = 0;
     /// All remotes were tried once without success.
     virtual void onRoundFailed(std::string const& reason) = 0;
 };

@@ -190,24 +190,6 @@ TEST_F(ClientRequestsTest, WhatIsTheSameTryAfterTryIsSaidOnce) {
               1);
 }
 
-TEST_F(ClientRequestsTest, AFollowerOfAClusterIsToldFromItsLeader) {
-    auto const member = [](bool leader) {
-        return json{{"name", "hardware_vtep"},
-                    {"model", "clustered"},
-                    {"connected", true},
-                    {"leader", leader},
-                    {"index", 5}};
-    };
-    database_.serverRows = {{"Database", {{first, {{"initial", member(false)}}}}}};
-    start();
-    ASSERT_TRUE(inStep());
-    EXPECT_EQ(listener_.leaders, std::vector<bool>{false});
-    server_.notify("update2",
-                   {"server", {{"Database", {{first, {{"modify", {{"leader", true}}}}}}}}});
-    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.leaders.size() == 2; }));
-    EXPECT_TRUE(listener_.leaders[1]);
-}
-
 // The server of these answers the connections of its choice.
 class SilentLinkTest : public ClientRequestsTest {
   protected:

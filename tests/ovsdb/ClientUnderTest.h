@@ -40,7 +40,6 @@ class RecordingListener : public ClientListener {
         outcomes.push_back(name(kind) + detail + (error != nullptr ? ": " + error->text() : ""));
     }
     void onSilent(bool silent) override { silences.push_back(silent); }
-    void onLeader(bool leader) override { leaders.push_back(leader); }
     void onRoundFailed(std::string const& reason) override { rounds.push_back(reason); }
 
     static std::string name(RequestKind kind) {
@@ -54,7 +53,6 @@ class RecordingListener : public ClientListener {
     std::vector<std::string> requests;
     std::vector<std::string> outcomes;
     std::vector<bool> silences;
-    std::vector<bool> leaders;
 };
 
 // Answers as a database server does; a test replaces what it wants otherwise.

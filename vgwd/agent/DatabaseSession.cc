@@ -142,8 +142,6 @@ void DatabaseSession::onSilent(bool silent) {
     listener_.onStep();
 }
 
-void DatabaseSession::onLeader(bool leader) { books_.leaderIs(leader); }
-
 void DatabaseSession::onRoundFailed(std::string const& reason) { listener_.onFailed(reason); }
 
 }  // namespace Vgwd

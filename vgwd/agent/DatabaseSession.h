@@ -62,7 +62,6 @@ class DatabaseSession final : private Ovsdb::ClientListener {
     void onOutcome(Ovsdb::RequestKind kind, std::string const& detail,
                    Ovsdb::RpcError const* error) override;
     void onSilent(bool silent) override;
-    void onLeader(bool leader) override;
     void onRoundFailed(std::string const& reason) override;
 
     void addServer(asio::io_context& loop, Options const& options, Ovsdb::LogSink const& log);

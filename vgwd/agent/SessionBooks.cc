@@ -50,13 +50,17 @@ void SessionBooks::request(Ovsdb::RequestKind kind, std::string const& detail) {
 void SessionBooks::outcome(Ovsdb::RequestKind kind, std::string const& detail,
                            Ovsdb::RpcError const* error) {
     if (error == nullptr) {
-        if (kind == Ovsdb::RequestKind::monitor) {
+        bool const isCopy = kind == Ovsdb::RequestKind::monitor;
+        bool const isFirst = isCopy && !synced_;
+        if (isCopy) {
             synced_ = true;
             awaiting_ = false;
             overdue_.cancel();
         }
-        Vgw::updateOvsdbRequestResult(session_, inStepState(), typeOf(kind),
-                                      std::string_view(detail));
+        Vgw::updateOvsdbRequestResult(session_,
+                                      isFirst ? Vgw::stateBackupDbSynced : Vgw::stateConnected,
+                                      typeOf(kind), std::string_view(detail));
+        stateIs(Vgw::stateConnected);
         return;
     }
     Vgw::SessionState const state = session_->sessionState();
@@ -78,18 +82,13 @@ void SessionBooks::awaitCopy(std::string const& reason) {
 void SessionBooks::resume() {
     awaiting_ = false;
     overdue_.cancel();
-    stateIs(inStepState());
+    stateIs(Vgw::stateConnected);
 }
 
 void SessionBooks::close() {
     awaiting_ = false;
     overdue_.cancel();
     stateIs(Vgw::stateDisconnected);
-}
-
-void SessionBooks::leaderIs(bool leader) {
-    leader_ = leader;
-    if (synced_ && !awaiting_) stateIs(inStepState());
 }
 
 // A change of state that ends no request.

@@ -4,14 +4,14 @@
 // Keeps a Vgw::OvsdbSessionStatus: each request that the client makes, how each ended, and the
 // state of the session.
 //
-// sessionState says whether the mirror is in step: stateConnected when it is, stateBackupDbSynced
-// when it is through a server that follows the leader of its cluster, stateDisconnected when it is
-// not. A loss is not reported at once: a server that restarts is back within a moment, and who
-// follows the state wants to hear of outages. So the state stays what it was until the mirror is in
-// step again, or until a whole copy has been awaited for Config::restartSyncShort seconds, or
-// restartSyncLimit seconds when there was none before; then stateDisconnected is reported, as a
-// monitor that failed. 0 reports it at once. The limits are read whenever they change. What the
-// tree tells of its entries (stale) is not delayed.
+// sessionState says whether the mirror is in step: stateConnected when it is, stateDisconnected
+// when it is not. The first whole copy after the start is reported as stateBackupDbSynced, once,
+// and the state is stateConnected from then on. A loss is not reported at once: a server that
+// restarts is back within a moment, and who follows the state wants to hear of outages. So the
+// state stays what it was until the mirror is in step again, or until a whole copy has been awaited
+// for Config::restartSyncShort seconds, or restartSyncLimit seconds when there was none before;
+// then stateDisconnected is reported, as a monitor that failed. 0 reports it at once. The limits
+// are read whenever they change. What the tree tells of its entries (stale) is not delayed.
 //
 // A request that fails while the session goes on leaves the state alone: the accounting marks it as
 // disconnected, and it is set back to what holds before anything else happens.
@@ -45,8 +45,6 @@ class SessionBooks {
     void resume();
     /// The session was ended on purpose.
     void close();
-    /// The server leads its cluster or stands alone, or it follows.
-    void leaderIs(bool leader);
 
   private:
     class LimitReactor;
@@ -54,9 +52,6 @@ class SessionBooks {
     void rearm();
     void reportOverdue();
     void stateIs(Vgw::SessionState state);
-    Vgw::SessionState inStepState() const {
-        return leader_ ? Vgw::stateConnected : Vgw::stateBackupDbSynced;
-    }
 
     asio::steady_timer overdue_;
     Vgw::OvsdbSessionStatus::Ptr session_;
@@ -67,7 +62,6 @@ class SessionBooks {
     bool awaiting_ = false;
     bool reported_ = false;  // that it takes too long
     bool synced_ = false;    // there was a whole copy once
-    bool leader_ = true;
 };
 
 }  // namespace Vgwd

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 namespace Vgwd {
 namespace {
 
@@ -42,14 +44,21 @@ TEST_F(SessionBooksTest, AFailedRequestNamesTheErrorFirstAndLeavesTheState) {
     EXPECT_EQ(session_->sessionState(), Vgw::stateConnected);
 }
 
-TEST_F(SessionBooksTest, AFollowerIsABackupUntilItLeads) {
-    books_.leaderIs(false);
-    EXPECT_EQ(session_->sessionState(), Vgw::stateUnknown);
+TEST_F(SessionBooksTest, TheFirstCopyIsReportedAsASyncedBackupOnce) {
+    struct States : Vgw::OvsdbSessionStatus::NotifieeConst {
+        void onSessionState() override { heard.push_back(notifier()->sessionState()); }
+        std::vector<Vgw::SessionState> heard;
+    };
+    auto const states = Qor::make<States>();
+    states->notifierIs(session_);
     sync();
-    EXPECT_EQ(session_->sessionState(), Vgw::stateBackupDbSynced);
-    books_.leaderIs(true);
-    EXPECT_EQ(session_->sessionState(), Vgw::stateConnected);
+    EXPECT_EQ(states->heard, (std::vector{Vgw::stateBackupDbSynced, Vgw::stateConnected}));
     EXPECT_EQ(session_->numSuccessfulMsg(), 1U);
+    config_->restartSyncShortIs(0);
+    books_.awaitCopy("lost");
+    sync();
+    EXPECT_EQ(states->heard, (std::vector{Vgw::stateBackupDbSynced, Vgw::stateConnected,
+                                          Vgw::stateDisconnected, Vgw::stateConnected}));
 }
 
 TEST_F(SessionBooksTest, TheLimitBeforeTheFirstCopyIsAnotherThanAfterIt) {

@@ -1,6 +1,5 @@
 // Records on their way in, as bytes that the library's own writer did not make.
-#include "Peers.h"
-#include "Records.h"
+#include "Inbound.h"
 
 #include <vgw/attrlog/CliConfig.h>
 #include <vgw/attrlog/Global.h>
@@ -15,44 +14,11 @@
 
 #include <qor/tree/Dir.h>
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using Qor::make;
 using Qor::Name;
 using Qor::String8;
-using Qor::AdapterState::flag;
-
-// A reader whose entities stand under ids of the peer's: 8000000000000003 and on.
-class Inbound : public testing::Test {
-  protected:
-    static constexpr std::uint64_t first = 0x8000000000000003;
-
-    template <class X>
-    typename X::QorNboAttrLogSa::Ptr enter(Qor::Ptr<X> const& entity, std::uint64_t id = first,
-                                           Qor::U32 flags = Qor::AdapterState::weakNotifier) {
-        auto const adapter = X::QorNboAttrLogSa::QorNboAttrLogSaIs(
-            Qor::AdapterState::Bits(flags), entity, 1, peer.outPtr(), nullptr);
-        adapter->doEntityIdIs(Qor::EntityId(id), peer.demuxer, true);
-        return adapter;
-    }
-    void feed(std::string const& hexadecimal) {
-        std::string const bytes = bytesOf(hexadecimal);
-        for (std::size_t at = 0; at < bytes.size() && !peer.demuxer->hasFailed();) {
-            at += peer.demuxer->in()->receive(std::string_view(bytes).substr(at));
-            peer.demuxer->serveFrames(~std::size_t{0});
-        }
-    }
-    std::string sent() { return hex(takeBytes(peer.out())); }
-
-    Peer peer{Peer::Demuxer::Side::connecting};
-};
-
-template <class Base>
-struct Counting : Base {
-    int heard = 0;
-};
 
 TEST_F(Inbound, AppliedRecordIsNotSentBack) {
     auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
@@ -90,84 +56,6 @@ TEST_F(Inbound, UnknownEnumerationIsCountedAndKept) {
     EXPECT_EQ(static_cast<int>(cli->vtepListType()), 42);
     EXPECT_EQ(peer.demuxer->counters().unknownEnums, 1U);
     EXPECT_EQ(peer.failure, String8());
-}
-
-TEST_F(Inbound, EmptyTextSetsTheEmptyText) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    row->descIs("old");
-    auto const a = enter(row);
-    feed(record(first, 387, ""));
-    EXPECT_EQ(row->desc(), "");
-}
-
-TEST_F(Inbound, TextInChunksIsSeenOnlyWhole) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    row->descIs("old");
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")) + chunk(first, 387, hexOf("cd")));
-    EXPECT_EQ(row->desc(), "old");
-    EXPECT_EQ(peer.demuxer->openText(), 4U);
-    feed(record(first, 387, hexOf("e")));
-    EXPECT_EQ(row->desc(), "abcde");
-    EXPECT_FALSE(peer.demuxer->hasFlowsIn());
-    EXPECT_EQ(peer.demuxer->openText(), 0U);
-}
-
-TEST_F(Inbound, EmptyLastChunkEndsTheText) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")) + record(first, 387, ""));
-    EXPECT_EQ(row->desc(), "ab");
-}
-
-TEST_F(Inbound, AbortDropsAHalfReceivedText) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    row->descIs("old");
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")) + marker(first, 387, "01"));
-    EXPECT_FALSE(peer.demuxer->hasFlowsIn());
-    feed(record(first, 387, hexOf("new")));
-    EXPECT_EQ(row->desc(), "new");
-}
-
-TEST_F(Inbound, MarkerOfAnotherAttributeLeavesTheTextOpen) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")) + marker(first, 386, "01"));
-    feed(record(first, 387, hexOf("c")));
-    EXPECT_EQ(row->desc(), "abc");
-}
-
-TEST_F(Inbound, ChangeHereOfATextThatArrivesWaitsForIt) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")));
-    row->descIs("mine");
-    EXPECT_EQ(sent(), "");
-    feed(record(first, 387, hexOf("c")));
-    EXPECT_EQ(row->desc(), "abc");
-    EXPECT_EQ(sent(), "");
-}
-
-TEST_F(Inbound, ChangeHereOfATextWhoseArrivalIsAbortedIsSentThen) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    feed(chunk(first, 387, hexOf("ab")));
-    row->descIs("mine");
-    feed(marker(first, 387, "01"));
-    EXPECT_EQ(sent(), record(first, 387, hexOf("mine")));
-}
-
-TEST_F(Inbound, TextOfOneKeyContinuesUnderThatKeyOnly) {
-    auto const port = make<Vgw::PhysicalPort>(Name("p"));
-    auto const a = enter(port);
-    feed(chunk(first, 388, "0007" + hexOf("ab")));
-    feed(record(first, 388, "0008" + hexOf("x")));
-    EXPECT_EQ(port->vlanBinding(8), "x");
-    EXPECT_EQ(port->vlanBindings(), 1U);
-    feed(record(first, 388, "0007" + hexOf("c")));
-    EXPECT_EQ(port->vlanBinding(7), "abc");
-    EXPECT_FALSE(peer.demuxer->hasFlowsIn());
 }
 
 TEST_F(Inbound, KeysOfTwoAttributesAreNotTakenForEachOther) {
@@ -434,29 +322,6 @@ TEST_F(Inbound, MessageChannelHearsWhatWasApplied) {
     EXPECT_EQ(entry->mode(), Qor::MsgChannel::Mode::applied);
     feed(record(first, 135, "00000000"));
     EXPECT_EQ(entry->mode(), Qor::MsgChannel::Mode::syncMode);
-}
-
-TEST_F(Inbound, TextThatBeginsWithinAnotherIsRefused) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    feed(chunk(first, 386, hexOf("a")) + chunk(first, 387, hexOf("b")));
-    EXPECT_EQ(peer.failure,
-              "a text of attribute 387 begins before that of attribute 386 has ended");
-}
-
-TEST_F(Inbound, EmptyChunkThatSaysMoreFollowsIsRefused) {
-    auto const port = make<Vgw::PhysicalPort>(Name("p"));
-    auto const a = enter(port);
-    feed(chunk(first, 388, "0007"));
-    EXPECT_EQ(peer.failure, "an empty chunk of a text that is said to go on");
-}
-
-TEST_F(Inbound, OpenTextsAreKeptWithinTheQuota) {
-    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    auto const a = enter(row);
-    peer.demuxer->quotaIs({10, 3});
-    feed(chunk(first, 387, hexOf("ab")) + chunk(first, 387, hexOf("cd")));
-    EXPECT_EQ(peer.failure, "more than 3 bytes of texts that have not ended");
 }
 
 TEST_F(Inbound, EntitiesAreKeptWithinTheQuota) {

@@ -100,10 +100,10 @@ class ValueWrapper : public GenericIfValue {
         if (op != AttributeOp::opNot) {
             return comparedValues(op, value_, needed<V>(rhs, "qorOpArg"));
         }
-        if constexpr (requires { !value_; }) {
-            return !value_;
-        } else {
+        if constexpr (std::is_arithmetic_v<V> || !requires { !value_; }) {
             return value_ == V();
+        } else {
+            return !value_;
         }
     }
 

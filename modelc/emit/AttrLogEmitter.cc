@@ -1,6 +1,7 @@
 #include <modelc/emit/AttrLogEmitter.h>
 
 #include <modelc/emit/DocText.h>
+#include <modelc/emit/EachMember.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 
@@ -70,11 +71,11 @@ void AttrLogEmitter::docHoles() {
 void AttrLogEmitter::memberHoles() {
     holes_["streamNames"] = streamNames();
     holes_["streamList"] = streamList();
-    holes_["declarations"] = each(&AttrLogMember::declarations, "");
-    holes_["streams"] = each(&AttrLogMember::stream, "\n");
-    holes_["flowOuts"] = each(&AttrLogMember::flowOut, "");
+    holes_["declarations"] = eachMember(members_, &AttrLogMember::declarations, "");
+    holes_["streams"] = eachMember(members_, &AttrLogMember::stream, "\n");
+    holes_["flowOuts"] = eachMember(members_, &AttrLogMember::flowOut, "");
     holes_["forwardings"] = forwardings();
-    holes_["definitions"] = each(&AttrLogMember::definitions, "\n");
+    holes_["definitions"] = eachMember(members_, &AttrLogMember::definitions, "\n");
     holes_["headerIncludes"] = headerIncludes();
     holes_["sourceIncludes"] = sourceIncludes();
     holes_["nondestructing"] = entity_.isRoot() ? "void onIsNondestructing() override;" : "";
@@ -83,15 +84,6 @@ void AttrLogEmitter::memberHoles() {
     holes_["companionClass"] = companionClass();
     holes_["adapterDefinitions"] = adapterDefinitions();
     holes_["entityDefinitions"] = entityDefinitions();
-}
-
-std::string AttrLogEmitter::each(Place place, std::string const& between) const {
-    std::string result;
-    for (auto const& member : members_) {
-        std::string const text = (member.get()->*place)();
-        if (!text.empty()) result += (result.empty() ? "" : between) + text;
-    }
-    return result;
 }
 
 std::string AttrLogEmitter::streamNames() const {

@@ -24,12 +24,9 @@ class AttrLogEmitter {
     std::string source() const;
 
   private:
-    using Place = std::string (AttrLogMember::*)() const;
-
     void nameHoles();
     void docHoles();
     void memberHoles();
-    std::string each(Place place, std::string const& between) const;
     std::string streamNames() const;
     std::string streamList() const;
     // The handlers of the class and of its bases, base first.

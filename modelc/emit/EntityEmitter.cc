@@ -4,6 +4,7 @@
 
 #include <modelc/check/Spelling.h>
 #include <modelc/emit/DocText.h>
+#include <modelc/emit/EachMember.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 #include <modelc/emit/TypeText.h>
@@ -85,15 +86,15 @@ void EntityEmitter::memberHoles() {
     holes_["notifierRoot"] = isRoot ? "using NotifierRoot = " + entity_.name + ";" : "";
     holes_["descriptorNames"] = descriptorNames();
     holes_["descriptorList"] = descriptorList();
-    holes_["aliases"] = each(&MemberEmitter::aliases, "");
-    holes_["declarations"] = each(&MemberEmitter::declarations, "\n");
-    holes_["fields"] = each(&MemberEmitter::field, "");
-    holes_["handlers"] = each(&MemberEmitter::handlers, "");
-    holes_["pendingKeys"] = each(&MemberEmitter::pendingKey, "");
-    holes_["descriptors"] = each(&MemberEmitter::descriptor, "\n");
-    holes_["inlineDefinitions"] = each(&MemberEmitter::inlineDefinitions, "\n");
-    holes_["definitions"] = each(&MemberEmitter::definitions, "\n");
-    holes_["handlerDefinitions"] = each(&MemberEmitter::handlerDefinitions, "");
+    holes_["aliases"] = eachMember(members_, &MemberEmitter::aliases, "");
+    holes_["declarations"] = eachMember(members_, &MemberEmitter::declarations, "\n");
+    holes_["fields"] = eachMember(members_, &MemberEmitter::field, "");
+    holes_["handlers"] = eachMember(members_, &MemberEmitter::handlers, "");
+    holes_["pendingKeys"] = eachMember(members_, &MemberEmitter::pendingKey, "");
+    holes_["descriptors"] = eachMember(members_, &MemberEmitter::descriptor, "\n");
+    holes_["inlineDefinitions"] = eachMember(members_, &MemberEmitter::inlineDefinitions, "\n");
+    holes_["definitions"] = eachMember(members_, &MemberEmitter::definitions, "\n");
+    holes_["handlerDefinitions"] = eachMember(members_, &MemberEmitter::handlerDefinitions, "");
     holes_["overrides"] = overrides();
     holes_["privatePart"] = privatePart();
     holes_["overrideDefinitions"] = overrideDefinitions();
@@ -105,15 +106,6 @@ void EntityEmitter::memberHoles() {
     holes_["origin"] = origin();
     holes_["includes"] = includes();
     holes_["class"] = classBody();
-}
-
-std::string EntityEmitter::each(Place place, std::string const& between) const {
-    std::string result;
-    for (auto const& member : members_) {
-        std::string const text = (member.get()->*place)();
-        if (!text.empty()) result += (result.empty() ? "" : between) + text;
-    }
-    return result;
 }
 
 std::string EntityEmitter::descriptorNames() const {

@@ -20,13 +20,9 @@ class EntityEmitter {
     std::string source() const;
 
   private:
-    using Place = std::string (MemberEmitter::*)() const;
-
     void nameHoles();
     void constructorHoles();
     void memberHoles();
-    // What all members put into a place, in their order, with `between` between any two.
-    std::string each(Place place, std::string const& between) const;
     std::string descriptorNames() const;
     std::string descriptorList() const;
     std::string includes() const;

@@ -1,6 +1,7 @@
 #include <modelc/emit/WrapperEmitter.h>
 
 #include <modelc/check/Spelling.h>
+#include <modelc/emit/EachMember.h>
 #include <modelc/emit/Includes.h>
 #include <modelc/emit/Origin.h>
 #include <modelc/emit/RegistryPlace.h>
@@ -46,23 +47,14 @@ WrapperEmitter::WrapperEmitter(Entity const& entity) : entity_(entity) {
                                         "qorHeard(Qor::isNondestructingId);\n}\n"
                                   : ""},
     };
-    holes_["forwards"] = each(&MemberEmitter::forwards, "");
-    holes_["handlers"] = each(&MemberEmitter::handlers, "");
-    holes_["definitions"] = each(&MemberEmitter::wrapperDefinitions, "\n");
+    holes_["forwards"] = eachMember(members_, &MemberEmitter::forwards, "");
+    holes_["handlers"] = eachMember(members_, &MemberEmitter::handlers, "");
+    holes_["definitions"] = eachMember(members_, &MemberEmitter::wrapperDefinitions, "\n");
     holes_["includes"] = includes();
     holes_["forwardingClass"] = forwardingClass();
     holes_["wrapperClass"] = wrapperClass();
     holes_["typeClass"] = typeClass();
     holes_["typeDefinitions"] = typeDefinitions();
-}
-
-std::string WrapperEmitter::each(Place place, std::string const& between) const {
-    std::string result;
-    for (auto const& member : members_) {
-        std::string const text = (member.get()->*place)();
-        if (!text.empty()) result += (result.empty() ? "" : between) + text;
-    }
-    return result;
 }
 
 std::string WrapperEmitter::includes() const {

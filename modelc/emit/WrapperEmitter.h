@@ -21,9 +21,6 @@ class WrapperEmitter {
     std::string source() const;
 
   private:
-    using Place = std::string (MemberEmitter::*)() const;
-
-    std::string each(Place place, std::string const& between) const;
     std::string includes() const;
     std::string forwardingClass() const;
     std::string wrapperClass() const;

@@ -152,6 +152,11 @@ GenericIf::Ptr GenericIfEntity::applied(GenericAttribute const& attribute, Attri
     refuse(attribute.name, op.opId);
 }
 
+// What an argument list may be given to, and ignored.
+bool GenericIfEntity::isFrameworkOperation(AttributeId id) noexcept {
+    return id == hasAttrLogInterfaceId || id == saForMsgChannelId;
+}
+
 GenericIf::Ptr GenericIfEntity::frameworkOp(AttributeOp const& op, GenericIf const* key,
                                             GenericIf const* value) {
     String8 const name = attributeString(op.attributeId);
@@ -164,17 +169,19 @@ GenericIf::Ptr GenericIfEntity::frameworkOp(AttributeOp const& op, GenericIf con
         refuse(name.charPtr(), op.opId);
     }
     Entity& entity = needEntity();
-    // The argument list of an operation without arguments may be left out.
-    bool const isOperation =
-        op.attributeId == hasAttrLogInterfaceId || op.attributeId == saForMsgChannelId;
-    if (!isOperation) {
+    if (!isFrameworkOperation(op.attributeId)) {
         needNoKey(name.charPtr(), key);
     }
     if (isWritten) {
         entity.isNondestructingIs(needed<bool>(value, name.charPtr()));
         return nullptr;
     }
-    switch (op.attributeId) {
+    return frameworkValue(entity, op.attributeId, name.charPtr());
+}
+
+GenericIf::Ptr GenericIfEntity::frameworkValue(Entity const& entity, AttributeId id,
+                                               char const* name) const {
+    switch (id) {
         case fwkKeyId:
         case entityNameId:
             return wrapped(entity.name(), isConst());
@@ -188,7 +195,7 @@ GenericIf::Ptr GenericIfEntity::frameworkOp(AttributeOp const& op, GenericIf con
         case saForMsgChannelId:
             return wrapped(entity.qorHasAttrLogInterface(), isConst());
         default:
-            refuse(name.charPtr(), op.opId);
+            refuse(name, OpId::opGet);
     }
 }
 

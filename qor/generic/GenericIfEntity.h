@@ -105,6 +105,8 @@ class QOR_EXPORT GenericIfEntity : public GenericIf {
 
   private:
     Ptr frameworkOp(AttributeOp const& op, GenericIf const* key, GenericIf const* value);
+    Ptr frameworkValue(Entity const& entity, AttributeId id, char const* name) const;
+    static bool isFrameworkOperation(AttributeId id) noexcept;
     GenericWalk const& walkOf(AttributeId id) const;
 };
 

@@ -6,8 +6,8 @@
 // destructor run nothing any more. An address in figures is used as it stands; only a name is
 // looked up (by the event loop library's helper thread).
 
-#include <ovsdb/rpc/Remote.h>
-#include <ovsdb/rpc/TlsFiles.h>
+#include <ovsdb/remote/Remote.h>
+#include <ovsdb/remote/TlsFiles.h>
 #include <ovsdb/rpc/Transport.h>
 
 #include <asio/io_context.hpp>

@@ -5,7 +5,7 @@
 // connection, so that renewed certificates are taken up by the next one. Files that can't be read
 // raise std::system_error naming the file.
 
-#include <ovsdb/rpc/TlsFiles.h>
+#include <ovsdb/remote/TlsFiles.h>
 #include <ovsdb/rpc/Transport.h>
 
 #include <asio/ip/tcp.hpp>

@@ -15,7 +15,7 @@
 
 #include <ovsdb/client/Backoff.h>
 #include <ovsdb/client/Log.h>
-#include <ovsdb/rpc/Remote.h>
+#include <ovsdb/remote/Remote.h>
 #include <vgwd/agent/Options.h>
 
 #include <asio/io_context.hpp>

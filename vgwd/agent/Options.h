@@ -3,8 +3,8 @@
 
 // What the command line says.
 
-#include <ovsdb/rpc/Remote.h>
-#include <ovsdb/rpc/TlsFiles.h>
+#include <ovsdb/remote/Remote.h>
+#include <ovsdb/remote/TlsFiles.h>
 #include <vgw/values/OvsdbLogLevel.h>
 
 #include <optional>

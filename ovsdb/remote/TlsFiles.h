@@ -1,5 +1,5 @@
-#ifndef OVSDB_RPC_TLS_FILES_H
-#define OVSDB_RPC_TLS_FILES_H
+#ifndef OVSDB_REMOTE_TLS_FILES_H
+#define OVSDB_REMOTE_TLS_FILES_H
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include <ovsdb/rpc/Remote.h>
+#include <ovsdb/remote/Remote.h>
 
 #include <algorithm>
 #include <charconv>

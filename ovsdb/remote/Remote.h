@@ -1,5 +1,5 @@
-#ifndef OVSDB_RPC_REMOTE_H
-#define OVSDB_RPC_REMOTE_H
+#ifndef OVSDB_REMOTE_REMOTE_H
+#define OVSDB_REMOTE_REMOTE_H
 
 // Where a database server listens, in OVSDB's connection strings (ovsdb(7), "Active Connection
 // Methods"):

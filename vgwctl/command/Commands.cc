@@ -1,0 +1,205 @@
+#include <vgwctl/command/Change.h>
+#include <vgwctl/command/Command.h>
+#include <vgwctl/command/Complete.h>
+#include <vgwctl/command/List.h>
+#include <vgwctl/command/Record.h>
+#include <vgwctl/command/Show.h>
+#include <vgwctl/command/Types.h>
+#include <vgwctl/command/Watch.h>
+
+#include <algorithm>
+
+namespace Vgwctl {
+namespace {
+
+// In the order in which they are told of.
+std::vector<Command> const table{
+    {"show",
+     "[PATH]",
+     "print an entity and all below it, with its values",
+     "Empty texts, empty collections and references to nothing are left out, except with "
+     "--format=json.",
+     "P",
+     0,
+     1,
+     {},
+     runShow},
+    {"tree",
+     "[PATH]",
+     "print the paths and classes of an entity and all below it",
+     "",
+     "P",
+     0,
+     1,
+     {},
+     runTree},
+    {"list",
+     "ROWS [NAME]...",
+     "print rows as a table",
+     "ROWS is the path of a collection or directory, or a class: Vgw::LogicalSwitch, "
+     "LogicalSwitch or logical_switch means all its entities. NAME is a row's name, the last part "
+     "of its path, or its path.",
+     "C",
+     1,
+     anyNumber,
+     {},
+     runList},
+    {"find",
+     "ROWS [CONDITION]...",
+     "print the rows for which all conditions hold",
+     "A CONDITION is ATTRIBUTE[:KEY]=VALUE, or with !=, <, <=, > or >= in the place of =. Where a "
+     "collection has no member KEY, it does not hold.",
+     "C",
+     1,
+     anyNumber,
+     {},
+     runFind},
+    {"get",
+     "PATH [ATTRIBUTE[:KEY]]...",
+     "print values, one a line",
+     "Without an ATTRIBUTE it only finds out whether PATH exists: code 2 if not.",
+     "PA*",
+     1,
+     anyNumber,
+     {"--if-exists"},
+     runGet},
+    {"set",
+     "PATH ATTRIBUTE[:KEY]=VALUE...",
+     "change values of one entity",
+     "All are understood before the first is changed. The agent has taken them when vgwctl ends. "
+     "What it refuses, by its database, is undone and told in /vgw/database.",
+     "PA*",
+     2,
+     anyNumber,
+     {},
+     runSet},
+    {"create",
+     "PATH [CLASS [ARGUMENT]...] [ATTRIBUTE[:KEY]=VALUE]...",
+     "make an entity where PATH says",
+     "In a directory PATH is DIRECTORY/NAME, and CLASS and the arguments of its constructor are "
+     "needed; elsewhere it is OWNER/ATTRIBUTE/NAME.",
+     "P",
+     1,
+     anyNumber,
+     {"--may-exist"},
+     runCreate},
+    {"del",
+     "PATH [ATTRIBUTE:KEY]...",
+     "remove an entity, or members of its collections",
+     "With --if-exists what is not there is no error.",
+     "PA*",
+     1,
+     anyNumber,
+     {"--if-exists"},
+     runDel},
+    {"watch",
+     "[PATH|CLASS] [ATTRIBUTE|!initial|!insert|!delete|!modify]...",
+     "print each change as it comes, until it is ended",
+     "The words may be parted by commas too. What begins with ! is left out; attributes, if any "
+     "are "
+     "named, are shown alone. When the connection ends another is made, for ever, and what differs "
+     "then is printed. With --format=json each line is an object.",
+     "CA*",
+     0,
+     anyNumber,
+     {},
+     runWatch},
+    {"wait-until",
+     "PATH [CONDITION]...",
+     "wait until the entity exists and all conditions hold",
+     "With --timeout it ends with code 3 if that does not come.",
+     "PA*",
+     1,
+     anyNumber,
+     {},
+     runWaitUntil},
+    {"types",
+     "[PATTERN]",
+     "print the types that are known",
+     "PATTERN may have * and ? in it.",
+     "",
+     0,
+     1,
+     {},
+     runTypes},
+    {"describe",
+     "TYPE",
+     "print the attributes and operations of a type",
+     "",
+     "T",
+     1,
+     1,
+     {},
+     runDescribe},
+    {"record",
+     "FILE",
+     "store the attribute log as it comes, until it is ended",
+     "FILE must not exist. What stood at --path when it began is stored first, then each change; "
+     "when the connection ends another is made. With --timeout it ends by then, with code 0.",
+     "F",
+     1,
+     1,
+     {},
+     runRecord},
+    {"replay",
+     "FILE SOCKET [SPEED]",
+     "serve a recording to readers",
+     "SOCKET is the path of a unix socket that is made for its owner alone; vgwctl "
+     "--db=unix:SOCKET reads from it. SPEED is 1, as fast as it was recorded, unless told "
+     "otherwise; 0 plays it at once. At its end the last state goes on being served.",
+     "FF",
+     2,
+     3,
+     {},
+     runReplay},
+    {"diff",
+     "BEFORE AFTER",
+     "print what differs between two states",
+     "Each is the file of a recording, whose last state is meant, or the remote of an agent. Lines "
+     "with - stand in BEFORE alone, lines with + in AFTER alone. Code 4 if there are any.",
+     "FF",
+     2,
+     2,
+     {},
+     runDiff},
+};
+
+Command const complete{"complete", "KIND WORD [PATH]", "", "", "", 1, 3, {}, runComplete};
+
+Command const& neededCommand(std::string const& name) {
+    if (name == complete.name) return complete;
+    auto const found = std::find_if(table.begin(), table.end(),
+                                    [&](Command const& one) { return one.name == name; });
+    if (found == table.end()) throw Failure("there is no command " + name + "; see --help");
+    return *found;
+}
+
+}  // namespace
+
+std::span<Command const> commands() { return table; }
+
+ExitCode run(Context& context, std::vector<std::string> const& words) {
+    // As with the OVSDB tools, a command's options may stand in front of it.
+    Arguments arguments;
+    std::string name;
+    for (std::string const& word : words) {
+        if (word.starts_with("--")) {
+            arguments.flags.insert(word);
+        } else if (name.empty()) {
+            name = word;
+        } else {
+            arguments.operands.push_back(word);
+        }
+    }
+    if (name.empty()) throw Failure("expected a command behind " + words[0]);
+    Command const& command = neededCommand(name);
+    for (std::string const& flag : arguments.flags)
+        if (std::find(command.flags.begin(), command.flags.end(), flag) == command.flags.end())
+            throw Failure(name + " has no option " + flag);
+    std::size_t const count = arguments.operands.size();
+    if (count < command.least || count > command.most)
+        throw Failure("usage: vgwctl " + name + " " + std::string(command.operands));
+    return command.run(context, arguments);
+}
+
+}  // namespace Vgwctl

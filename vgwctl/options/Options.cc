@@ -1,0 +1,117 @@
+#include <vgwctl/options/Options.h>
+
+#include <CLI/CLI.hpp>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+namespace Vgwctl {
+namespace {
+
+// As they stand on the command line, before they are understood.
+struct Words {
+    std::string columns;
+    bool hasNoHeadings = false;
+};
+
+std::map<std::string, TextForm> const textForms{
+    {"string", TextForm::string}, {"bare", TextForm::bare}, {"json", TextForm::json}};
+std::map<std::string, Format> const formats{
+    {"table", Format::table}, {"list", Format::list}, {"json", Format::json}, {"csv", Format::csv}};
+
+void describeConnection(CLI::App& app, Options& options) {
+    app.add_option("--db", options.db,
+                   "where the agent listens: unix:PATH, tcp:HOST:PORT or ssl:HOST:PORT")
+        ->type_name("REMOTE")
+        ->envname("VGWCTL_DB")
+        ->capture_default_str();
+    app.add_option("--path", options.path, "what is mounted of the agent's tree")
+        ->type_name("PATH")
+        ->capture_default_str();
+    app.add_option("-p,--private-key", options.tls.privateKey, "our private key, for ssl: (PEM)")
+        ->type_name("FILE");
+    app.add_option("-c,--certificate", options.tls.certificate, "our certificate, for ssl: (PEM)")
+        ->type_name("FILE");
+    app.add_option("-C,--ca-cert", options.tls.authority,
+                   "authority that signed the agent's certificate (PEM)")
+        ->type_name("FILE");
+    app.add_option("-t,--timeout", options.timeout,
+                   "end with code 3 when it takes longer; 0 waits for ever")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("SECONDS");
+}
+
+void describeOutput(CLI::App& app, Options& options, Words& words) {
+    app.add_option("-f,--format", options.style.format, "table, list, json or csv")
+        ->transform(CLI::Transformer(formats).description(""))
+        ->type_name("FORMAT");
+    app.add_option("-d,--data", options.style.data, "texts in cells: string, bare or json")
+        ->transform(CLI::Transformer(textForms).description(""))
+        ->type_name("FORM");
+    app.add_option("--columns", words.columns, "those alone, in this order")
+        ->type_name("NAME[,NAME]...");
+    app.add_flag("--no-headings,--no-heading", words.hasNoHeadings, "print no headings");
+    app.add_flag("--timestamp", options.hasTimestamp, "print when each change came");
+    app.add_option("--color", options.color, "auto, always or never")
+        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->capture_default_str();
+}
+
+std::vector<std::string> partsOf(std::string const& text) {
+    std::vector<std::string> parts;
+    for (std::size_t at = 0; at <= text.size() && !text.empty();) {
+        std::size_t const comma = std::min(text.find(',', at), text.size());
+        parts.push_back(text.substr(at, comma - at));
+        at = comma + 1;
+    }
+    return parts;
+}
+
+std::vector<std::vector<std::string>> commandsOf(std::vector<std::string> const& words) {
+    std::vector<std::vector<std::string>> commands(1);
+    for (std::string const& word : words) {
+        if (word == "--") {
+            commands.emplace_back();
+        } else {
+            commands.back().push_back(word);
+        }
+    }
+    std::erase_if(commands, [](auto const& command) { return command.empty(); });
+    if (commands.empty()) throw CLI::ValidationError("COMMAND", "what is to be done? See --help");
+    return commands;
+}
+
+}  // namespace
+
+std::optional<Options> parseOptions(int count, char const* const* words, std::string const& help,
+                                    int& exitCode) {
+    CLI::App app("Shows, watches and changes the state of a running agent.", "vgwctl");
+    app.set_version_flag("-V,--version", "vgwctl " VGWCTL_VERSION);
+    app.footer(help);
+    app.prefix_command();
+    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    Options options;
+    Words said;
+    describeConnection(app, options);
+    describeOutput(app, options, said);
+    try {
+        app.parse(count, words);
+        options.style.columns = partsOf(said.columns);
+        options.style.hasHeadings = !said.hasNoHeadings;
+        options.commands = commandsOf(app.remaining());
+    } catch (CLI::ParseError const& e) {
+        exitCode = app.exit(e) == 0 ? 0 : 1;
+        return std::nullopt;
+    }
+    return options;
+}
+
+bool hasColor(Options const& options) {
+    if (options.color != "auto") return options.color == "always";
+    return ::isatty(STDOUT_FILENO) == 1 && std::getenv("NO_COLOR") == nullptr;
+}
+
+}  // namespace Vgwctl

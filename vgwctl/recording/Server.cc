@@ -1,0 +1,65 @@
+#include <vgwctl/recording/Server.h>
+
+#include <qor/attrlog/session/Session.h>
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <vector>
+
+namespace Vgwctl {
+
+using Qor::NboAttrLog::Session;
+
+class Server::Reader {
+  public:
+    Reader(Descriptor socket, Qor::Entity::Ptr const& root)
+        : socket_(std::move(socket)),
+          transport_(socket_.get()),
+          session_(config(), transport_, root) {}
+
+    bool service() {
+        session_.service();
+        return session_.closed().length() == 0;
+    }
+    pollfd wanted() const {
+        return {socket_.get(), static_cast<short>(POLLIN | (session_.wantsWrite() ? POLLOUT : 0)),
+                0};
+    }
+
+  private:
+    static Session::Config config() {
+        Session::Config config;
+        config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
+        return config;
+    }
+
+    Descriptor socket_;
+    Qor::NboAttrLog::FdTransport transport_;
+    Session session_;
+};
+
+Server::Server(std::string path, Copy const& copy)
+    : path_(std::move(path)), copy_(copy), listening_(listenAt(path_)) {}
+
+Server::~Server() { ::unlink(path_.c_str()); }
+
+void Server::accept() {
+    for (;;) {
+        Descriptor socket = acceptFrom(listening_);
+        if (socket.get() < 0) return;
+        Qor::Entity* top = copy_.entity().ptr();
+        while (top != nullptr && top->qorParent() != nullptr) top = top->qorParent();
+        readers_.push_back(std::make_unique<Reader>(std::move(socket), Qor::Entity::Ptr(top)));
+    }
+}
+
+void Server::step(Deadline const& until) {
+    std::vector<pollfd> wanted{{listening_.get(), POLLIN, 0}};
+    for (auto const& reader : readers_) wanted.push_back(reader->wanted());
+    ::poll(wanted.data(), wanted.size(), until.milliseconds());
+    accept();
+    std::erase_if(readers_, [](auto const& reader) { return !reader->service(); });
+}
+
+}  // namespace Vgwctl

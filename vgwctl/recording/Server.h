@@ -1,0 +1,39 @@
+#ifndef VGWCTL_RECORDING_SERVER_H
+#define VGWCTL_RECORDING_SERVER_H
+
+// Gives a tree to whoever connects to a socket of ours, to be read.
+
+#include <vgwctl/link/Copy.h>
+#include <vgwctl/link/Socket.h>
+
+#include <list>
+#include <memory>
+#include <string>
+
+namespace Vgwctl {
+
+class Server {
+  public:
+    /// Raises Failure when `path` is taken. The socket is removed at the end.
+    Server(std::string path, Copy const& copy);
+    ~Server();
+    Server(Server const&) = delete;
+    Server& operator=(Server const&) = delete;
+
+    /// Serves its readers, and waits for them until the time is over.
+    void step(Deadline const& until);
+
+  private:
+    class Reader;
+
+    void accept();
+
+    std::string const path_;
+    Copy const& copy_;
+    Descriptor listening_;
+    std::list<std::unique_ptr<Reader>> readers_;
+};
+
+}  // namespace Vgwctl
+
+#endif

@@ -32,7 +32,7 @@ class QOR_EXPORT LinkHandler {
     // A frame that concerns the connection itself; reading is limited to its payload.
     virtual void handleLink(Frame const& frame, In& in) = 0;
     // An entity without a parent was announced: what stands for it here, and the flags of its
-    // adapter. A null entity refuses it.
+    // adapter. With a null entity it is skipped, and counted.
     struct Orphan {
         Qor::Ptr<Entity> entity;
         AdapterState::Bits flags;

@@ -121,8 +121,8 @@ void Demuxer::serveOrphan(Frame const& frame) {
     LinkHandler::Orphan const here =
         link_ != nullptr ? link_->orphan(told.id, told.typeName, told.name) : LinkHandler::Orphan();
     if (!here.entity) {
-        throw AttrLogRecordException(String8("an entity of class ") + told.typeName +
-                                     " was announced that nobody asked for");
+        ++counters_.unknownEntities;
+        return;
     }
     if (this->adapter(told.id)) return;  // announced before
     auto const adapter = here.entity->qorNboAttrLogSaIs(here.flags, 1, out_, nullptr);

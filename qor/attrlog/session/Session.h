@@ -31,7 +31,7 @@ class QOR_EXPORT SessionListener {
     virtual void onMounted(MountId mount, Ptr<Entity> const& entity);
     // Everything that the peer's entity held when it was mounted has arrived.
     virtual void onSynced(MountId mount);
-    // The peer does not give it.
+    // The peer does not give it, or it is of a class that is not known here.
     virtual void onRefused(MountId mount, String8 const& reason);
     // The peer has answered a ping, after so many seconds.
     virtual void onPong(Seconds roundTrip);
@@ -130,6 +130,8 @@ class QOR_EXPORT Session : private LinkHandler {
     void give(MountId mount, Entity& entity, bool writable);
     void letGo(EntityId const& id);
     void refuse(MountId mount, String8 const& reason);
+    static String8 findCopy(Asked& asked, String8 const& typeName, Name const& name);
+    void refuseHere(EntityId const& id, String8 const& reason);
     Ptr<Entity> entityAt(String8 const& path) const;
     AdapterState::Bits flagsForPeer(bool writable) const;
     template <class... Field>

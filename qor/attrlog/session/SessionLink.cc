@@ -138,20 +138,54 @@ void Session::letGo(EntityId const& id) {
     if (!isBelow) demuxer_->reactorDel(id);
 }
 
+// An announcement may cross an unmount: then nobody asks for it any more.
 LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName, Name const& name) {
     auto const found = std::find_if(asked_.begin(), asked_.end(),
                                     [&](auto const& one) { return one.second.id == id; });
     if (found == asked_.end()) return {};
     Asked& asked = found->second;
     if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();
-    if (!asked.copy) {
-        QorType* const type = QorType::type(Name(typeName));
-        if (type && type->isEntity()) asked.copy = type->newEntity(name, nullptr);
+    String8 const fault = findCopy(asked, typeName, name);
+    if (fault.length() != 0) {
+        demuxer_->unknownClassesInc(1);
+        refuseHere(id, fault);
+        return {};
     }
-    if (!asked.copy) return {};
     if (listener_ != nullptr) listener_->onMounted(found->first, asked.copy);
     return {asked.copy, AdapterState::Bits(AdapterState::weakNotifier |
                                            (asked.writable ? 0 : AdapterState::readOnlyLocal))};
+}
+
+// Makes the copy unless it is there. What is wrong, empty if nothing is.
+String8 Session::findCopy(Asked& asked, String8 const& typeName, Name const& name) {
+    if (asked.copy) {
+        QorType const* const type = asked.copy->fwkType();
+        if (type == nullptr || type->fullName() == typeName) return {};
+        return String8("the copy is a ") + type->fullName() + ", the peer's entity a " + typeName;
+    }
+    QorType* const type = QorType::type(Name(typeName));
+    if (type == nullptr || !type->isEntity()) {
+        return String8("the class ") + typeName + " is not known here";
+    }
+    try {
+        asked.copy = type->newEntity(name, nullptr);
+    } catch (Exception const& failure) {
+        return failure.message();
+    }
+    return {};
+}
+
+// What the peer gives can't be held here: its mounts are taken back, and the session goes on.
+void Session::refuseHere(EntityId const& id, String8 const& reason) {
+    std::vector<MountId> mounts;
+    for (auto const& [mount, asked] : asked_) {
+        if (asked.id == id) mounts.push_back(mount);
+    }
+    for (MountId const mount : mounts) {
+        asked_.erase(mount);
+        send(Op::unmount, mount);
+        if (listener_ != nullptr) listener_->onRefused(mount, reason);
+    }
 }
 
 void Session::handleAnswer(Op op, In& in) {

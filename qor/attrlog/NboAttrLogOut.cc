@@ -25,10 +25,13 @@ void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header) {
 
 }  // namespace
 
+OutWaker::~OutWaker() = default;
+
 Out::~Out() = default;
 
 void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
     dropOpenFrame();
+    if (waker_ != nullptr && written() == sent()) waker_->onFirstFrame();
     frameStart_ = written();
     sectionStart_ = noFrame;
     moreChunksIs(false);

@@ -32,10 +32,21 @@ class TypeId {
 
 namespace NboAttrLog {
 
+// Told of a frame that begins when nothing else waits to be sent, so that whoever drives the
+// connection need not look at it while it rests. Called within setters: it may note, not send.
+class QOR_EXPORT OutWaker {
+  public:
+    virtual ~OutWaker();
+    virtual void onFirstFrame() = 0;
+};
+
 class QOR_EXPORT Out : public Connection::Out {
   public:
     using Connection::Out::Out;
     ~Out() override;
+
+    // Null: nobody is told. Not kept.
+    void wakerIs(OutWaker* waker) noexcept { waker_ = waker; }
 
     // Begins a record.
     void nextHeaderIs(MsgHeader const& header) { beginFrame(FrameKind::record, header); }
@@ -68,6 +79,7 @@ class QOR_EXPORT Out : public Connection::Out {
     U64 frameStart_ = noFrame;
     U64 sectionStart_ = noFrame;
     U64 frames_ = 0;
+    OutWaker* waker_ = nullptr;
     U32 greatestFrame_ = defaultGreatestFrame;
 };
 

@@ -2,6 +2,7 @@
 
 #include <vgwd/agent/Report.h>
 #include <vgwd/agent/RunDirectory.h>
+#include <vgwd/agent/ServeSetting.h>
 
 #include <asio/post.hpp>
 
@@ -23,6 +24,7 @@ Agent::Agent(asio::io_context& loop, Options options, LogOutputs& logs)
       signals_(loop, SIGTERM, SIGINT, SIGUSR1),
       timeout_(loop),
       session_(loop, options_, tree_, static_cast<SessionListener&>(*this), log_),
+      served_(loop, tree_, log_),
       reactor_(Qor::make<ConfigReactor>(loop, tree_.status(), session_, logs_)) {
     signals_.add(SIGCHLD);
     describeRunDirectory(*tree_.config(), options_);
@@ -50,6 +52,7 @@ int Agent::run() {
 void Agent::start() {
     configure();
     prepareRunDirectory();
+    if (options_.serves && !options_.once) serve();
     reactor_->follow(tree_.cliConfig());
     awaitSignal();
     startTimeout();
@@ -77,8 +80,16 @@ void Agent::prepareRunDirectory() {
         makeRunDirectory(options_.runDirectory, log_);
     } catch (std::exception const& e) {
         if (options_.remotes.empty()) throw;
-        log_(LogLevel::warning, e.what());
+        return log_(LogLevel::warning, e.what());
     }
+    lock_ = lockRunDirectory(options_.runDirectory);
+}
+
+// Without its run directory the agent still serves where it was told to.
+void Agent::serve() {
+    if (!lock_.isHeld() && options_.listen.empty())
+        return log_(LogLevel::warning, "nobody can connect without the run directory");
+    served_.start(serveOptionsOf(options_));
 }
 
 void Agent::stop() {
@@ -89,6 +100,8 @@ void Agent::stop() {
     timeout_.cancel();
     tree_.status()->runningIs(false);
     session_.stop();
+    served_.stop("the agent ends");
+    lock_ = {};
     std::error_code ignored;
     if (!options_.pidFile.empty()) std::filesystem::remove(options_.pidFile, ignored);
 }

@@ -12,6 +12,8 @@
 #include <vgwd/agent/LogOutputs.h>
 #include <vgwd/agent/Options.h>
 #include <vgwd/agent/StateTree.h>
+#include <vgwd/agent/TreeServer.h>
+#include <vgwd/serve/FileLock.h>
 #include <vgwd/watch/Watcher.h>
 
 #include <asio/io_context.hpp>
@@ -40,6 +42,7 @@ class Agent final : private SessionListener {
     void stop();
 
     StateTree& tree() { return tree_; }
+    Server const& server() const { return served_.server(); }
 
   private:
     void onStep() override;
@@ -49,6 +52,7 @@ class Agent final : private SessionListener {
 
     void addWatcher();
     void prepareRunDirectory();
+    void serve();
     void configure();
     void awaitSignal();
     void startTimeout();
@@ -63,7 +67,9 @@ class Agent final : private SessionListener {
     asio::signal_set signals_;
     asio::steady_timer timeout_;
     StateTree tree_;
+    FileLock lock_;
     DatabaseSession session_;
+    TreeServer served_;
     ConfigReactor::Ptr reactor_;
     std::optional<Watcher> watcher_;
     std::string lastReason_ = "no server has answered";

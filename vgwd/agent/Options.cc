@@ -10,6 +10,7 @@ namespace {
 // As they stand on the command line, before they are understood.
 struct Words {
     std::string remotes;
+    std::vector<std::string> listen;
     std::vector<std::string> logs;
 };
 
@@ -33,8 +34,32 @@ void describeServer(CLI::App& app, Options& options, Words& words) {
     app.add_option("-c,--certificate", options.tls.certificate, "our certificate, for ssl: (PEM)")
         ->type_name("FILE");
     app.add_option("-C,--ca-cert", options.tls.authority,
-                   "authority that signed the server's certificate (PEM)")
+                   "authority that signed the server's certificate, and those of peers (PEM)")
         ->type_name("FILE");
+}
+
+void describeServing(CLI::App& app, Options& options, Words& words) {
+    app.add_option("--listen", words.listen,
+                   "where others connect who mount our tree: unix:PATH, tcp:ADDR:PORT, "
+                   "ssl:ADDR:PORT, or none; may be repeated [vgwd.sock in the run directory]")
+        ->allow_extra_args(false)
+        ->type_name("ADDRESS");
+    app.add_option("--group", options.readGroup, "whose members may connect and read")
+        ->type_name("NAME");
+    app.add_option("--write-group", options.writeGroup, "whose members may connect and write")
+        ->type_name("NAME");
+    app.add_flag("--tcp-readers", options.tcpReads,
+                 "anyone on this machine may read by tcp:, where nobody can be told apart");
+    app.add_option("--write-cn", options.writerNames,
+                   "common name of a certificate whose holder may write by ssl:; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("NAME");
+    app.add_option("--peer-timeout", options.peerTimeout,
+                   "cut a peer on a network, and say of one on this machine, that leaves a "
+                   "question unanswered for so many seconds; 0: never")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("SECONDS")
+        ->capture_default_str();
 }
 
 void describeOutput(CLI::App& app, Options& options) {
@@ -69,18 +94,45 @@ void describeProcess(CLI::App& app, Options& options, Words& words) {
         ->type_name("FILE");
 }
 
+void takeListen(std::vector<std::string> const& words, Options& options) {
+    options.serves = words != std::vector<std::string>{"none"};
+    if (!options.serves) return;
+    try {
+        for (std::string const& word : words) options.listen.push_back(parseListenAddress(word));
+    } catch (Ovsdb::RemoteError const& e) {
+        throw CLI::ValidationError("--listen", e.what());
+    }
+}
+
 void take(Words const& words, Options& options) {
     try {
         if (!words.remotes.empty()) options.remotes = Ovsdb::parseRemotes(words.remotes);
     } catch (Ovsdb::RemoteError const& e) {
         throw CLI::ValidationError("--ovsdb", e.what());
     }
+    takeListen(words.listen, options);
     for (std::string const& word : words.logs)
         if (std::string const wrong = takeLogWord(options, word); !wrong.empty())
             throw CLI::ValidationError("--verbose", wrong);
 }
 
+void checkListen(Options const& options) {
+    for (ListenAddress const& address : options.listen) {
+        bool const isOpen = address.kind != ListenAddress::Kind::tcp || options.tcpReads;
+        if (!isOpen)
+            throw CLI::ValidationError(
+                "--listen",
+                address.text() + ": who connects can't be learned; --tcp-readers lets all read");
+        if (address.kind == ListenAddress::Kind::ssl && !options.tls.complete())
+            throw CLI::ValidationError(
+                "--listen",
+                address.text() +
+                    " needs a private key (-p), a certificate (-c) and an authority (-C)");
+    }
+}
+
 void check(Options const& options) {
+    checkListen(options);
     for (Ovsdb::Remote const& remote : options.remotes)
         if (remote.kind == Ovsdb::Remote::Kind::ssl && !options.tls.complete())
             throw CLI::ValidationError(
@@ -99,6 +151,7 @@ std::optional<Options> parseOptions(int count, char const* const* words, int& ex
     Options options;
     Words said;
     describeServer(app, options, said);
+    describeServing(app, options, said);
     describeOutput(app, options);
     describeProcess(app, options, said);
     try {

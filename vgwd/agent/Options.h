@@ -6,6 +6,7 @@
 #include <ovsdb/remote/Remote.h>
 #include <ovsdb/remote/TlsFiles.h>
 #include <vgw/values/OvsdbLogLevel.h>
+#include <vgwd/serve/ListenAddress.h>
 
 #include <optional>
 #include <string>
@@ -15,6 +16,13 @@ namespace Vgwd {
 
 struct Options {
     std::vector<Ovsdb::Remote> remotes;  ///< empty: a server of our own
+    std::vector<ListenAddress> listen;   ///< empty: vgwd.sock in the run directory
+    bool serves = true;                  ///< the tree, to others
+    std::string readGroup;               ///< empty: none
+    std::string writeGroup;              ///< the same
+    bool tcpReads = false;
+    std::vector<std::string> writerNames;  ///< common names of certificates
+    double peerTimeout = 60;               ///< seconds; 0: none
     Ovsdb::TlsFiles tls;
     std::string runDirectory = "/run/vgwd";
     std::string schemaFile = "/usr/share/openvswitch/vtep.ovsschema";

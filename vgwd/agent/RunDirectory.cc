@@ -32,6 +32,12 @@ void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log) {
             "run directory " + folder.string() + " can be written by others than its owner");
 }
 
+FileLock lockRunDirectory(std::string const& directory) {
+    return {runFile(directory, "vgwd.lock"),
+            "run directory " + fs::absolute(directory).lexically_normal().string() +
+                " is used by another vgwd"};
+}
+
 std::string runFile(std::string const& directory, char const* name) {
     return (fs::absolute(directory) / name).string();
 }

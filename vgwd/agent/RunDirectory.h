@@ -7,12 +7,14 @@
 //     ovsdb-server.log   its log                                    server.ctl   its control socket
 //     vgwd.log           our log, unless --log-file names another   server.pid   its process id
 //     vtep.db.transient  there while that database is not to persist
+//     vgwd.sock          where those connect who mount our tree     vgwd.lock    held while we run
 //
 // Only the owner may enter it, since whoever can open the sockets can write the database.
 
 #include <ovsdb/client/Log.h>
 #include <vgw/agent/Config.h>
 #include <vgwd/agent/Options.h>
+#include <vgwd/serve/FileLock.h>
 
 #include <string>
 
@@ -21,6 +23,9 @@ namespace Vgwd {
 /// Makes the folder, with its parents, for the owner alone. One that is there is left as it is;
 /// that others may write to it is said. Raises std::runtime_error, which names the folder.
 void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log);
+
+/// The folder is ours from now on. Raises std::runtime_error when another agent runs in it.
+FileLock lockRunDirectory(std::string const& directory);
 
 /// A file of the folder, by its full path.
 std::string runFile(std::string const& directory, char const* name);

@@ -94,13 +94,15 @@ void tellSession(Vgw::OvsdbSessionStatus const& session, ContentSink& sink) {
 }  // namespace
 
 void tellMirror(Ovsdb::Mirror const& mirror, ContentSink& sink) {
-    std::vector<Cell> lost;
-    for (std::string const& line : mirror.lost()) lost.emplace_back(line);
-    Ovsdb::MacDirectories const& directories = mirror.directories();
-    sink.list("lost", lost);
+    tellMirror(mirror.database(), mirror.directories(), mirror.lost(), sink);
+}
+
+void tellMirror(HwVtepOvsdb const& database, Ovsdb::MacDirectories const& directories,
+                std::vector<std::string> const& lost, ContentSink& sink) {
+    sink.list("lost", {lost.begin(), lost.end()});
     tellMacRows<Vgw::McastMacsLocal>("mcastMacsLocal", *directories.mcastMacsLocal, sink);
     tellMacRows<Vgw::McastMacsRemote>("mcastMacsRemote", *directories.mcastMacsRemote, sink);
-    tellDatabase(mirror.database(), sink);
+    tellDatabase(database, sink);
     tellMacRows<Vgw::UcastMacsLocal>("ucastMacsLocal", *directories.ucastMacsLocal, sink);
     tellMacRows<Vgw::UcastMacsRemote>("ucastMacsRemote", *directories.ucastMacsRemote, sink);
 }

@@ -13,6 +13,8 @@ namespace Vgwd {
 
 /// The container, the MAC rows, and what was lost.
 void tellMirror(Ovsdb::Mirror const& mirror, ContentSink& sink);
+void tellMirror(Vgw::HwVtepOvsdb const& database, Ovsdb::MacDirectories const& directories,
+                std::vector<std::string> const& lost, ContentSink& sink);
 /// What the agent says of itself, without the container below it.
 void tellStatus(Vgw::Status const& status, ContentSink& sink);
 

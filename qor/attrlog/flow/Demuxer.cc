@@ -9,6 +9,7 @@ namespace Qor {
 namespace NboAttrLog {
 
 LinkHandler::~LinkHandler() = default;
+void LinkHandler::written(Entity&, AttributeId) {}
 
 Demuxer::Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side)
     : BaseDemuxer(std::move(name)),

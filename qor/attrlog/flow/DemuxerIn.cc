@@ -90,7 +90,9 @@ void Demuxer::serveRecord(Frame const& frame) {
     auto* const found = receiver(frame);
     if (!found) return;
     Qor::Ptr<Entity::QorNboAttrLogSa> const held(found);
+    Qor::Ptr<Entity> const entity(found->qorNotifierEntity());
     found->handleAttrDeserialization(frame.header.attributeId, 0, frame.payloadSize, nullptr);
+    if (link_ != nullptr) link_->written(*entity, frame.header.attributeId);
 }
 
 void Demuxer::serveTransaction(Frame const& frame) {

@@ -16,6 +16,11 @@ void SessionListener::onMounted(MountId, Ptr<Entity> const&) {}
 void SessionListener::onSynced(MountId) {}
 void SessionListener::onRefused(MountId, String8 const&) {}
 void SessionListener::onPong(Seconds) {}
+String8 SessionListener::onAsked(String8 const&, bool, Entity&) { return {}; }
+void SessionListener::onGiven(MountId, String8 const&, bool) {}
+void SessionListener::onTakenBack(MountId) {}
+void SessionListener::onWritten(Entity&, AttributeId) {}
+void SessionListener::onWantsWrite() {}
 
 Session::Session(Config config, Transport& transport, Ptr<Entity> root)
     : config_(std::move(config)),
@@ -26,6 +31,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
       since_(now()),
       lastHeard_(since_) {
     demuxer_->linkHandlerIs(this);
+    demuxer_->out()->wakerIs(this);
     demuxer_->quotaIs(config_.quota);
     demuxer_->in()->greatestFrameIs(config_.greatestFrame);
     send(Op::hello, magic, protocol, config_.greatestFrame);
@@ -33,6 +39,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
 
 Session::~Session() {
     demuxer_->linkHandlerIs(nullptr);
+    demuxer_->out()->wakerIs(nullptr);
     demuxer_->close();
 }
 
@@ -58,6 +65,14 @@ Ptr<Entity> Session::mounted(MountId mount) const {
     auto const found = asked_.find(mount);
     bool const isThere = found != asked_.end() && !found->second.id.isNull();
     return isThere ? found->second.copy : nullptr;
+}
+
+void Session::written(Entity& entity, AttributeId attribute) {
+    if (listener_ != nullptr) listener_->onWritten(entity, attribute);
+}
+
+void Session::onFirstFrame() {
+    if (listener_ != nullptr) listener_->onWantsWrite();
 }
 
 void Session::ping() { send(Op::ping, now()); }
@@ -92,8 +107,10 @@ Session::Counters Session::counters() const {
 
 void Session::service(U64 budget) {
     U64 const end = demuxer_->out()->sent() + budget;
-    for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end;) {
-        bool const hasRead = readAll();
+    U64 const readEnd = demuxer_->in()->received() + budget;
+    wantsRead_ = false;
+    for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end && !wantsRead_;) {
+        bool const hasRead = readAll(readEnd);
         demuxer_->serveFlows(budget);
         tellSynced();
         goesOn = writeAll() || hasRead;
@@ -106,9 +123,11 @@ void Session::service(U64 budget) {
     if (reason_.length() != 0) demuxer_->close();
 }
 
-bool Session::readAll() {
+bool Session::readAll(U64 end) {
     bool hasRead = false;
     while (!demuxer_->hasFailed()) {
+        wantsRead_ = demuxer_->in()->received() >= end;
+        if (wantsRead_) break;
         std::size_t const count = transport_.read(demuxer_->in()->room());
         demuxer_->in()->receivedInc(count);
         std::size_t const served = demuxer_->serveFrames(1024);

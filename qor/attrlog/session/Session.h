@@ -35,9 +35,21 @@ class QOR_EXPORT SessionListener {
     virtual void onRefused(MountId mount, String8 const& reason);
     // The peer has answered a ping, after so many seconds.
     virtual void onPong(Seconds roundTrip);
+
+    // The peer asks for what stands at `path`, of which it could be given the entity. Why it is not
+    // given it; empty: it is.
+    virtual String8 onAsked(String8 const& path, bool writable, Entity& entity);
+    virtual void onGiven(MountId mount, String8 const& path, bool writable);
+    // The peer has given it back.
+    virtual void onTakenBack(MountId mount);
+    // A record of the peer's was applied to the entity.
+    virtual void onWritten(Entity& entity, AttributeId attribute);
+    // There is something to send where there was nothing; the one call that comes from within a
+    // setter, so it may note that service() is due and do no more.
+    virtual void onWantsWrite();
 };
 
-class QOR_EXPORT Session : private LinkHandler {
+class QOR_EXPORT Session : private LinkHandler, private OutWaker {
   public:
     struct Config {
         Name name{"session"};
@@ -79,8 +91,11 @@ class QOR_EXPORT Session : private LinkHandler {
     Ptr<Entity> mounted(MountId mount) const;
     void ping();
 
-    // Reads, applies, sends and writes until nothing goes on or `budget` bytes have been written.
+    // Reads, applies, sends and writes until nothing goes on, or until `budget` bytes have come or
+    // gone.
     void service(U64 budget = 1U << 20);
+    // Whether the last service() ended with more to read at hand.
+    bool wantsRead() const noexcept { return wantsRead_; }
     // Whether there are bytes that the transport has not taken, or could be.
     bool wantsWrite() const;
     // Why the session has ended; empty while it has not.
@@ -136,7 +151,9 @@ class QOR_EXPORT Session : private LinkHandler {
     AdapterState::Bits flagsForPeer(bool writable) const;
     template <class... Field>
     void send(Op op, Field const&... field);
-    bool readAll();
+    void written(Entity& entity, AttributeId attribute) override;
+    void onFirstFrame() override;
+    bool readAll(U64 end);
     bool writeAll();
     void tellSynced();
 
@@ -149,6 +166,7 @@ class QOR_EXPORT Session : private LinkHandler {
     std::map<MountId, Given> given_;  // to the peer, by its own numbers
     MountId lastMount_ = 0;
     bool hasHello_ = false;
+    bool wantsRead_ = false;
     String8 reason_;
     Seconds since_;
     Seconds lastHeard_;

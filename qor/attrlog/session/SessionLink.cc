@@ -95,7 +95,12 @@ void Session::handleMount(In& in) {
     }
     if (!entity) return refuse(mount, path + " does not exist");
     if (!entity->qorHasAttrLogInterface()) return refuse(mount, path + " can't be mounted");
+    if (listener_ != nullptr) {
+        String8 const why = listener_->onAsked(path, writable, *entity);
+        if (why.length() != 0) return refuse(mount, why);
+    }
     give(mount, *entity, writable);
+    if (listener_ != nullptr) listener_->onGiven(mount, path, writable);
 }
 
 void Session::give(MountId mount, Entity& entity, bool writable) {
@@ -123,6 +128,7 @@ void Session::handleUnmount(In& in) {
     if (found == given_.end()) return;
     EntityId const id = found->second.id;
     given_.erase(found);
+    if (listener_ != nullptr) listener_->onTakenBack(mount);
     bool const isShared = std::any_of(given_.begin(), given_.end(),
                                       [&](auto const& one) { return one.second.id == id; });
     if (isShared) return;

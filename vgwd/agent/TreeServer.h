@@ -1,0 +1,37 @@
+#ifndef VGWD_AGENT_TREE_SERVER_H
+#define VGWD_AGENT_TREE_SERVER_H
+
+// Serves the agent's tree, and says which of it may be written: everyone who may connect reads all
+// of it, and writers may change what docs/agent.md says is theirs.
+
+#include <vgwd/agent/StateTree.h>
+#include <vgwd/serve/Server.h>
+
+#include <asio/io_context.hpp>
+
+#include <string>
+
+namespace Vgwd {
+
+class TreeServer final : private ServerListener {
+  public:
+    TreeServer(asio::io_context& loop, StateTree& tree, Ovsdb::LogSink log);
+
+    /// Raises std::runtime_error, which names what can't be listened on.
+    void start(ServeOptions options) { server_.start(std::move(options)); }
+    void stop(std::string const& reason) { server_.stop(reason); }
+    void reloadCertificates() { server_.reloadCertificates(); }
+    Server const& server() const { return server_; }
+
+  private:
+    std::string whyReadOnly(std::string const& path, Qor::Entity& entity) override;
+    void onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) override;
+    void onTraffic(Peer const& peer) override;
+
+    StateTree& tree_;
+    Server server_;
+};
+
+}  // namespace Vgwd
+
+#endif

@@ -114,8 +114,8 @@ void Author::refer(std::string const& path, Row const& row, Field const& field, 
 void Author::changeOwned(std::string const& path, Row const& row, Field const& field) {
     bool const isShared = ownerOf(path) == shared;
     if (isShared && field.kind == FieldKind::child && number_ != 0) return;
-    std::string const name = std::string(1, static_cast<char>('a' + number_)) +
-                             std::to_string(dice_.below(3));
+    std::string const name =
+        std::string(1, static_cast<char>('a' + number_)) + std::to_string(dice_.below(3));
     if (field.kind == FieldKind::child) {
         auto const below = ownedBy(row, path);
         bool const stays = std::any_of(below.begin(), below.end(), [&](auto const& child) {
@@ -148,9 +148,8 @@ void Author::disown(std::string const& path, Row const& row, Field const& field,
                     std::string const& name) {
     std::string const below = path + "/" + field.name + "/";
     for (auto const& [child, owned] : ownedBy(row, path)) {
-        bool const isIt = name.empty() || field.kind == FieldKind::child
-                              ? child.starts_with(below)
-                              : child == below + name;
+        bool const isIt = name.empty() || field.kind == FieldKind::child ? child.starts_with(below)
+                                                                         : child == below + name;
         if (!isIt) continue;
         plan_.trace(number_, child + " goes");
         // Away from the source references go first: a cut in between would leave them behind.

@@ -164,18 +164,16 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
 }
 
 bool Net::isWhole(unsigned process) {
-    bool const isWaited = isHollow_[process] &&
-                          !std::all_of(trees_.begin(), trees_.end(), [&](Tree& tree) {
-                              return isInStep(tree, process);
-                          });
+    bool const isWaited =
+        isHollow_[process] && !std::all_of(trees_.begin(), trees_.end(),
+                                           [&](Tree& tree) { return isInStep(tree, process); });
     if (!isWaited) isHollow_[process] = false;
     return !isWaited;
 }
 
 void Net::connect(Link& link) {
     bool const serves = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
-        return !isWhole(link.accepting()) &&
-               tree.route.from[link.connecting()] == link.accepting();
+        return !isWhole(link.accepting()) && tree.route.from[link.connecting()] == link.accepting();
     });
     if (!serves) link.connect(roots_, trees_, settings_);
 }

@@ -55,7 +55,8 @@ struct Tree {
 
 class Link final : public Qor::NboAttrLog::SessionListener {
   public:
-    Link(unsigned accepting, unsigned connecting) : accepting_(accepting), connecting_(connecting) {}
+    Link(unsigned accepting, unsigned connecting)
+        : accepting_(accepting), connecting_(connecting) {}
 
     unsigned accepting() const { return accepting_; }
     unsigned connecting() const { return connecting_; }

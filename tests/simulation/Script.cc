@@ -70,8 +70,8 @@ bool Run::mayWrite(Tree& tree, unsigned process) const {
 
 void Run::changeSomewhere() {
     Tree& tree = dice_.oneOf(net_.trees());
-    auto const process = dice_.oneIn(2) ? tree.route.maker
-                                        : static_cast<unsigned>(dice_.below(net_.processes()));
+    auto const process =
+        dice_.oneIn(2) ? tree.route.maker : static_cast<unsigned>(dice_.below(net_.processes()));
     if (!mayWrite(tree, process)) return;
     for (std::size_t i = 1 + dice_.below(4); i > 0; --i) {
         tree.authors[process].change();
@@ -106,8 +106,7 @@ void Run::look() {
     Tree& tree = dice_.oneOf(net_.trees());
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
     if (process == tree.route.maker) return;
-    auto const violation =
-        tree.watches[process].look(pictureOf(*tree.tops[process]), tree.plan);
+    auto const violation = tree.watches[process].look(pictureOf(*tree.tops[process]), tree.plan);
     if (!violation.empty() && !settings_.areRivals) {
         fail("process " + std::to_string(process) + ": " + violation);
     }
@@ -125,8 +124,8 @@ void Run::step() {
 void Run::needEqual(char const* when) {
     for (Tree const& tree : net_.trees()) {
         auto const source = pictureOf(*tree.tops[tree.route.maker]);
-        auto const planned = settings_.areRivals ? std::string()
-                                                 : difference(tree.plan.lines, source.lines);
+        auto const planned =
+            settings_.areRivals ? std::string() : difference(tree.plan.lines, source.lines);
         if (!planned.empty()) fail(std::string(when) + ", the source: " + planned);
         for (unsigned process = 0; process < net_.processes(); ++process) {
             auto const copy = pictureOf(*tree.tops[process]);
@@ -158,16 +157,15 @@ void Run::needQuiet() {
 // At rest each change goes over each link once, away from its author, and nothing comes back.
 void Run::needNoEcho() {
     Tree& tree = net_.trees().front();
-    auto const process = settings_.isWritable
-                             ? static_cast<unsigned>(dice_.below(net_.processes()))
-                             : tree.route.maker;
+    auto const process = settings_.isWritable ? static_cast<unsigned>(dice_.below(net_.processes()))
+                                              : tree.route.maker;
     std::vector<std::size_t> before;
     for (auto const& link : net_.links()) before.push_back(link->history().size());
     Row const row = rowAt(*tree.tops[process], "/entry/s1/node/s0/leaf/s0");
     if (!row.entity) return fail("a leaf that stays has gone");
     row.shape->fields[0]->put(*row.entity, 0, {++tree.plan.number, {}});
-    tree.plan.set("/entry/s1/node/s0/leaf/s0/number",
-                  "#" + std::to_string(tree.plan.number) + ".", tree.authors[process].number());
+    tree.plan.set("/entry/s1/node/s0/leaf/s0/number", "#" + std::to_string(tree.plan.number) + ".",
+                  tree.authors[process].number());
     net_.settle();
     for (std::size_t i = 0; i < before.size(); ++i) {
         auto const frames = net_.links()[i]->history().size() - before[i];

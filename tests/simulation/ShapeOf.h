@@ -34,8 +34,7 @@ T valueFrom(Fresh const& fresh) {
     } else if constexpr (std::is_arithmetic_v<T>) {
         return static_cast<T>(fresh.number);
     } else if constexpr (std::is_same_v<T, Kelp::IpAddr>) {
-        return Kelp::IpAddr::fromHostOrder(0xC0000200 +
-                                           static_cast<Qor::U32>(fresh.number % 250));
+        return Kelp::IpAddr::fromHostOrder(0xC0000200 + static_cast<Qor::U32>(fresh.number % 250));
     } else if constexpr (std::is_same_v<T, Kelp::EthAddr>) {
         return Kelp::EthAddr::fromNumber(0x00005E005300 + fresh.number % 250);
     } else if constexpr (std::is_same_v<T, Vxlan::Vni>) {
@@ -124,9 +123,9 @@ template <class S>
 class ValuesField final : public KeyedField<S> {
   public:
     ValuesField()
-        : KeyedField<S>(S::id, S::name,
-                        S::kind == Qor::StreamKind::flagMember ? FieldKind::flags
-                                                               : FieldKind::texts) {}
+        : KeyedField<S>(
+              S::id, S::name,
+              S::kind == Qor::StreamKind::flagMember ? FieldKind::flags : FieldKind::texts) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
         this->forEach(entity, [&](std::string const& key, typename S::Member const& member) {
             reader.value(key, shown<typename S::Value>(S::Attr::valueOf(member)));
@@ -190,9 +189,7 @@ class ChildField final : public Field {
         S::set(as<S>(entity), nameOf(child));
         return EntityPtr(S::get(as<S>(entity)));
     }
-    void disown(Qor::Entity& entity, std::string const&) const override {
-        S::del(as<S>(entity));
-    }
+    void disown(Qor::Entity& entity, std::string const&) const override { S::del(as<S>(entity)); }
 };
 
 template <class S>

@@ -21,9 +21,8 @@ class EntryField final : public Field {
     }
     EntityPtr own(Qor::Entity& entity, std::string const& key, unsigned sort) const override {
         auto const& all = shapes();
-        Shape const& shape = sort % (all.size() + 1) == all.size()
-                                 ? dirShape()
-                                 : *all[sort % (all.size() + 1)];
+        Shape const& shape =
+            sort % (all.size() + 1) == all.size() ? dirShape() : *all[sort % (all.size() + 1)];
         auto& dir = static_cast<Qor::Dir&>(entity);
         auto child = shape.make(key);
         dir.entryIs(nameOf(key), child);

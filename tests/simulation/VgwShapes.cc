@@ -2,6 +2,8 @@
 
 #include "ShapeOf.h"
 
+#include <vgw/OvsdbDataTypesList.h>
+#include <vgw/VgwTypesList.h>
 #include <vgw/attrlog/BackupManager.h>
 #include <vgw/attrlog/CliConfig.h>
 #include <vgw/attrlog/Config.h>
@@ -21,8 +23,6 @@
 #include <vgw/attrlog/Status.h>
 #include <vgw/attrlog/UcastMacsLocal.h>
 #include <vgw/attrlog/UcastMacsRemote.h>
-#include <vgw/OvsdbDataTypesList.h>
-#include <vgw/VgwTypesList.h>
 
 namespace Sim {
 

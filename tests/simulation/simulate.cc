@@ -19,13 +19,16 @@ constexpr char const* help =
     "\n"
     "Runs script after script from the seed on (1 unless told), each of so many steps (as the\n"
     "seed decides unless told), until so many scripts or seconds (60) are over. --rivals lets\n"
-    "several authors write the same values, --trace tells everything. Ends with 1 at the first violation.\n";
+    "several authors write the same values, --trace tells everything. Ends with 1 at the first "
+    "violation.\n";
 
 Options parsed(int count, char** words) {
     Options options;
     for (int i = 1; i < count; ++i) {
         auto const is = [&](char const* word) { return std::strcmp(words[i], word) == 0; };
-        auto const number = [&] { return std::strtoull(i + 1 < count ? words[++i] : "", nullptr, 10); };
+        auto const number = [&] {
+            return std::strtoull(i + 1 < count ? words[++i] : "", nullptr, 10);
+        };
         if (is("--seed")) {
             options.request.seed = number();
         } else if (is("--steps")) {
@@ -56,8 +59,8 @@ void print(Sim::Volumes const& sum, std::uint64_t scripts, double seconds) {
                 static_cast<unsigned long long>(sum.changes), each(sum.changes));
     std::printf("%llu cuts, %llu crashes, %.1f MB over the links, %.1f s\n",
                 static_cast<unsigned long long>(sum.cuts),
-                static_cast<unsigned long long>(sum.crashes),
-                static_cast<double>(sum.bytes) / 1e6, seconds);
+                static_cast<unsigned long long>(sum.crashes), static_cast<double>(sum.bytes) / 1e6,
+                seconds);
 }
 
 }  // namespace
@@ -81,8 +84,9 @@ int main(int count, char** words) {
         sum.crashes += outcome.volumes.crashes;
         sum.bytes += outcome.volumes.bytes;
         if (outcome.violation.empty()) continue;
-        std::printf("--seed %llu --steps %u (%s): %s\n", static_cast<unsigned long long>(request.seed),
-                    request.steps, outcome.topology.c_str(), outcome.violation.c_str());
+        std::printf("--seed %llu --steps %u (%s): %s\n",
+                    static_cast<unsigned long long>(request.seed), request.steps,
+                    outcome.topology.c_str(), outcome.violation.c_str());
         status = 1;
     }
     print(sum, scripts, past());

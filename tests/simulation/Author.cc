@@ -1,0 +1,235 @@
+#include "Author.h"
+
+#include <algorithm>
+
+namespace Sim {
+
+namespace {
+
+constexpr unsigned keysEach = 4;
+constexpr std::size_t deepest = 90;  // characters of a path
+
+unsigned sortOf(std::string const& className) {
+    auto const& all = shapes();
+    for (unsigned sort = 0; sort < all.size(); ++sort) {
+        if (all[sort]->name == className) return sort;
+    }
+    return static_cast<unsigned>(all.size());
+}
+
+}  // namespace
+
+Fresh Author::fresh() {
+    std::uint64_t const number = ++plan_.number;
+    std::string text = "#" + std::to_string(number) + ".";
+    std::size_t const kind = dice_.below(60);
+    if (kind == 0) return {number, {}};
+    std::size_t length = dice_.below(12);
+    if (kind == 1) length = 800;
+    if (hasLongTexts_ && kind == 2) length = 30000 + dice_.below(60000);
+    text.append(length, static_cast<char>('a' + number % 26));
+    return {number, text};
+}
+
+std::string Author::lineOf(std::string const& path, Field const& field, unsigned key) const {
+    std::string const line = path + "/" + field.name;
+    return field.kind == FieldKind::scalar ? line : line + "/" + field.keyText(key);
+}
+
+void Author::note(std::string const& line, std::string const& text, bool isGone) {
+    plan_.set(line, text, number_);
+    if (isGone) plan_.lines.erase(line);
+}
+
+bool Author::mayWrite(std::string const& row, Field const& field, unsigned key) const {
+    if (ownerOf(row) != shared) return isMine(row);
+    if (field.kind == FieldKind::scalar) {
+        return isRival_ || static_cast<unsigned>(field.id) % count_ == number_;
+    }
+    return isRival_ || key % count_ == number_;
+}
+
+// Down from the top, a random number of steps.
+std::pair<std::string, Row> Author::anyRow() {
+    std::pair<std::string, Row> at{"", {EntityPtr(top_), &dirShape()}};
+    while (!dice_.oneIn(4)) {
+        auto below = ownedBy(at.second, at.first);
+        std::erase_if(below, [this](auto const& row) {
+            unsigned const owner = ownerOf(row.first);
+            return (owner != shared && owner != number_) || !isHere(row.first);
+        });
+        if (below.empty()) break;
+        at = dice_.oneOf(below);
+    }
+    return at;
+}
+
+unsigned Author::anyKey() {
+    auto const place = static_cast<unsigned>(dice_.below(keysEach));
+    return place * count_ + number_;
+}
+
+void Author::change() {
+    auto const [path, row] = anyRow();
+    Field const& field = *row.shape->fields[dice_.below(row.shape->fields.size())];
+    changeField(path, row, field);
+}
+
+void Author::changeField(std::string const& path, Row const& row, Field const& field) {
+    if (field.isOwning()) return changeOwned(path, row, field);
+    unsigned const key = anyKey();
+    if (!mayWrite(path, field, key)) return;
+    if (field.kind == FieldKind::scalar) return put(path, row, field, 0);
+    if (dice_.oneIn(3)) return erase(path, row, field, key);
+    if (field.kind == FieldKind::references) return refer(path, row, field, key);
+    put(path, row, field, key);
+}
+
+void Author::put(std::string const& path, Row const& row, Field const& field, unsigned key) {
+    std::string const text = field.put(*row.entity, key, fresh());
+    bool const isInitial =
+        field.kind == FieldKind::scalar && text == field.initial(row.shape->newborn());
+    note(lineOf(path, field, key), text, isInitial);
+}
+
+void Author::erase(std::string const& path, Row const& row, Field const& field, unsigned key) {
+    field.erase(*row.entity, key);
+    note(lineOf(path, field, key), {}, true);
+}
+
+void Author::refer(std::string const& path, Row const& row, Field const& field, unsigned key) {
+    for (int tries = 0; tries < 6; ++tries) {
+        auto const [targetPath, target] = anyRow();
+        // Rows that come and go refer to no others that do: a circle of such would never end.
+        bool const isCircle = ownerOf(path) != shared && ownerOf(targetPath) != shared;
+        if (isCircle || !field.mayRefer(*target.entity)) continue;
+        field.refer(*row.entity, key, *target.entity);
+        std::string const line = lineOf(path, field, key);
+        note(line, referenceTo(targetPath), false);
+        plan_.references[line] = {path, &field, key};
+        return;
+    }
+}
+
+void Author::changeOwned(std::string const& path, Row const& row, Field const& field) {
+    bool const isShared = ownerOf(path) == shared;
+    if (isShared && field.kind == FieldKind::child && number_ != 0) return;
+    std::string const name =
+        std::string(1, static_cast<char>('a' + number_)) + std::to_string(dice_.below(3));
+    if (field.kind == FieldKind::child) {
+        auto const below = ownedBy(row, path);
+        bool const stays = std::any_of(below.begin(), below.end(), [&](auto const& child) {
+            return child.first.starts_with(path + "/" + field.name + "/s");
+        });
+        if (stays) return;
+    }
+    if (dice_.oneIn(3)) return disown(path, row, field, name);
+    own(path, row, field, name);
+}
+
+void Author::own(std::string const& path, Row const& row, Field const& field,
+                 std::string const& name) {
+    if (path.size() > deepest) return;
+    std::string const line = path + "/" + field.name + "/" + name;
+    bool const isSingle = field.kind == FieldKind::child;
+    bool const isEntry = row.shape == &dirShape();
+    if (isHere(line) && !isEntry) return;
+    // An entry is replaced, and so is a single child of another name.
+    if (isSingle || isHere(line)) disown(path, row, field, isSingle ? std::string() : name);
+    auto const child =
+        field.own(*row.entity, name, static_cast<unsigned>(dice_.below(shapes().size() + 1)));
+    for (auto const& [childPath, owned] : ownedBy(row, path)) {
+        if (childPath != line) continue;
+        note(line, owned.shape->title(*child), false);
+    }
+}
+
+void Author::disown(std::string const& path, Row const& row, Field const& field,
+                    std::string const& name) {
+    std::string const below = path + "/" + field.name + "/";
+    for (auto const& [child, owned] : ownedBy(row, path)) {
+        bool const isIt = name.empty() || field.kind == FieldKind::child ? child.starts_with(below)
+                                                                         : child == below + name;
+        if (!isIt) continue;
+        plan_.trace(number_, child + " goes");
+        // Away from the source references go first: a cut in between would leave them behind.
+        bool const before = number_ != 0 || dice_.oneIn(2);
+        if (before) dropReferencesTo(child);
+        field.disown(*row.entity, child.substr(below.size()));
+        if (!before) dropReferencesTo(child);
+        if (number_ == 0) {
+            for (auto at = plan_.lines.lower_bound(child);
+                 at != plan_.lines.end() && at->first.starts_with(child); ++at) {
+                ++plan_.removals[at->first];
+            }
+        }
+        plan_.eraseRow(child);
+    }
+}
+
+void Author::dropReferencesTo(std::string const& row) {
+    std::vector<std::string> lines;
+    for (auto const& [line, text] : plan_.lines) {
+        if (text == referenceTo(row) || text.starts_with(referenceTo(row) + "/")) {
+            lines.push_back(line);
+        }
+    }
+    for (auto const& line : lines) {
+        auto const& place = plan_.references[line];
+        Row const holder = rowAt(*top_, place.row);
+        if (holder.entity) place.field->erase(*holder.entity, place.key);
+        plan_.lines.erase(line);
+    }
+}
+
+void Author::dropLooseReferences() {
+    auto const picture = pictureOf(*top_);
+    for (auto const& [line, text] : picture.lines) {
+        if (text != nowhere) continue;
+        auto const& place = plan_.references[line];
+        Row const holder = rowAt(*top_, place.row);
+        if (holder.entity) place.field->erase(*holder.entity, place.key);
+        plan_.lines.erase(line);
+    }
+}
+
+void Author::found() {
+    auto const stay = [this](std::string const& path, std::string const& fieldName,
+                             std::string const& name, unsigned sort = 0) {
+        Row const row = rowAt(*top_, path);
+        for (auto const& field : row.shape->fields) {
+            if (field->name != fieldName) continue;
+            field->own(*row.entity, name, sort);
+        }
+    };
+    stay("", "entry", "s0", sortOf("Vgw::Status"));
+    stay("", "entry", "s1", sortOf("Lab::Branch"));
+    stay("", "entry", "s2", sortOf("Qor::Dir"));
+    stay("/entry/s0", "ovsdb", "s0");
+    for (char const* const each : {"root", "physicalPort", "logicalSwitch", "physicalLocatorSet",
+                                   "physicalSwitchRaw", "physicalLocatorRaw"}) {
+        stay("/entry/s0/ovsdb/s0", each, "s0");
+    }
+    stay("/entry/s1", "node", "s0");
+    stay("/entry/s1/node/s0", "leaf", "s0");
+    stay("/entry/s2", "entry", "s0", sortOf("Vgw::CliConfig"));
+    stay("/entry/s2", "entry", "s1", sortOf("Vgw::McastMacsLocal"));
+    for (auto const& [path, row] : pictureOf(*top_).rows) {
+        plan_.set(path, row.shape->title(*row.entity), 0);
+    }
+}
+
+void Author::writeAll() {
+    for (auto const& [path, row] : pictureOf(*top_).rows) {
+        if (ownerOf(path) != shared) continue;
+        for (auto const& field : row.shape->fields) {
+            if (field->isOwning() || field->kind == FieldKind::references) continue;
+            unsigned const key = number_;
+            bool const isScalar = field->kind == FieldKind::scalar;
+            if (isScalar && static_cast<unsigned>(field->id) % count_ != number_) continue;
+            put(path, row, *field, isScalar ? 0 : key);
+        }
+    }
+}
+
+}  // namespace Sim

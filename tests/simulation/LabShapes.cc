@@ -1,0 +1,17 @@
+#include "ShapeOf.h"
+#include "VgwShapes.h"
+
+#include <lab/LabList.h>
+#include <lab/attrlog/Branch.h>
+#include <lab/attrlog/Leaf.h>
+#include <lab/attrlog/Node.h>
+
+namespace Sim {
+
+std::vector<Shape const*> labShapes() {
+    std::vector<Shape const*> all;
+    Lab::LabEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>()); });
+    return all;
+}
+
+}  // namespace Sim

@@ -1,0 +1,245 @@
+#include "Net.h"
+
+#include <algorithm>
+
+namespace Sim {
+
+namespace {
+
+using Qor::make;
+using Side = Qor::NboAttrLog::Demuxer::Side;
+
+// In a ring each process's tree goes all the way round to the one before it.
+Topology ring(unsigned count) {
+    Topology result{"ring of " + std::to_string(count), count, {}, {}, true};
+    for (unsigned i = 0; i < count; ++i) result.links.emplace_back(i, (i + 1) % count);
+    for (unsigned maker = 0; maker < count; ++maker) {
+        Route route{maker, std::vector<unsigned>(count, maker)};
+        for (unsigned i = 1; i < count; ++i) {
+            route.from[(maker + i) % count] = (maker + i - 1) % count;
+        }
+        result.trees.push_back(route);
+    }
+    return result;
+}
+
+}  // namespace
+
+std::vector<Topology> const& topologies() {
+    static std::vector<Topology> const all{
+        {"pair", 2, {{0, 1}}, {{0, {0, 0}}}, false},
+        {"pair, both ways", 2, {{0, 1}}, {{0, {0, 0}}, {1, {1, 1}}}, false},
+        {"chain of three", 3, {{0, 1}, {1, 2}}, {{0, {0, 0, 1}}}, true},
+        {"chain of four", 4, {{0, 1}, {1, 2}, {2, 3}}, {{0, {0, 0, 1, 2}}}, true},
+        {"star", 4, {{0, 1}, {0, 2}, {0, 3}}, {{0, {0, 0, 0, 0}}}, false},
+        {"fork", 4, {{0, 1}, {1, 2}, {1, 3}}, {{0, {0, 0, 1, 1}}}, true},
+        ring(3),
+        ring(4),
+    };
+    return all;
+}
+
+void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> const& trees,
+                   Settings const& settings) {
+    history_.clear();
+    acceptEnd_ = std::make_unique<Tap>(history_, true);
+    connectEnd_ = std::make_unique<Tap>(history_, false);
+    Qor::NboAttrLog::MemoryTransport::connect(acceptEnd_->memory(), connectEnd_->memory());
+    Session::Config config;
+    config.peerMayWrite = settings.isWritable;
+    config.ringBlocks = settings.ringBlocks;
+    connect_ = std::make_unique<Session>(config, *connectEnd_, roots[connecting_]);
+    config.side = Side::accepting;
+    accept_ = std::make_unique<Session>(config, *acceptEnd_, roots[accepting_]);
+    synced_ = 0;
+    wanted_ = 0;
+    auto const mount = [&](Session& session, Tree const& tree, unsigned process) {
+        session.listenerIs(this);
+        session.mount(Qor::String8(std::string_view(tree.path)), settings.isWritable,
+                      tree.tops[process]);
+        ++wanted_;
+    };
+    for (Tree const& tree : trees) {
+        auto const& from = tree.route.from;
+        bool const isDown = from[connecting_] == accepting_ && tree.route.maker != connecting_;
+        bool const isUp = from[accepting_] == connecting_ && tree.route.maker != accepting_;
+        if (isDown) mount(*connect_, tree, connecting_);
+        if (isUp) mount(*accept_, tree, accepting_);
+    }
+}
+
+void Link::cut() {
+    if (!isUp()) return;
+    acceptEnd_->memory().cut();
+    service(true, 1);
+    service(false, 1);
+    connect_.reset();
+    accept_.reset();
+}
+
+void Link::roomIs(bool towardsAccepting, std::size_t bytes) {
+    if (isUp()) (towardsAccepting ? acceptEnd_ : connectEnd_)->memory().roomIs(bytes);
+}
+
+void Link::service(bool accepting, Qor::U64 budget) {
+    if (!isUp()) return;
+    Session& session = accepting ? *accept_ : *connect_;
+    Qor::U64 const before = session.counters().bytesOut;
+    session.service(budget);
+    bytes_ += session.counters().bytesOut - before;
+}
+
+std::vector<std::string> Link::traceOn() {
+    std::vector<std::string> told;
+    if (traced_ > history_.size()) traced_ = 0;
+    for (; traced_ < history_.size(); ++traced_) {
+        told.push_back("link " + std::to_string(accepting_) + "-" + std::to_string(connecting_) +
+                       ": " + inWords(history_[traced_]));
+    }
+    return told;
+}
+
+bool Link::isIdle() const {
+    if (!isUp()) return false;
+    bool const isOwed = accept_->wantsWrite() || connect_->wantsWrite() ||
+                        accept_->demuxer().flows() + connect_->demuxer().flows() != 0;
+    bool const isUnderWay =
+        acceptEnd_->put() != connectEnd_->taken() || connectEnd_->put() != acceptEnd_->taken();
+    return !isOwed && !isUnderWay;
+}
+
+std::string Link::closed() const {
+    if (!isUp()) return "the connection is down";
+    return std::string(accept_->closed().view()) + std::string(connect_->closed().view());
+}
+
+std::string Link::audit() const {
+    std::string const where =
+        " on the link of " + std::to_string(accepting_) + " and " + std::to_string(connecting_);
+    if (!closed().empty()) return closed() + where;
+    for (Session const* const session : {accept_.get(), connect_.get()}) {
+        auto const& demuxer = session->demuxer();
+        if (demuxer.flows() != 0) return "something is owed" + where;
+        if (demuxer.hasFlowsIn()) return "something is half received" + where;
+        if (demuxer.openText() != 0) return "a text is open" + where;
+        if (session->wantsWrite()) return "bytes wait" + where;
+    }
+    if (accept_->demuxer().adapters() != connect_->demuxer().adapters()) {
+        return std::to_string(accept_->demuxer().adapters()) + " adapters face " +
+               std::to_string(connect_->demuxer().adapters()) + where;
+    }
+    if (!isSynced()) return "not synced" + where;
+    std::string found = announcedFirst(history_);
+    if (found.empty()) found = wellFormed(history_);
+    return found.empty() ? found : found + where;
+}
+
+Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
+    : settings_(settings), isHollow_(topology.processes) {
+    for (unsigned i = 0; i < topology.processes; ++i) {
+        roots_.push_back(make<Qor::Dir>(Qor::Name("root")));
+    }
+    trees_.reserve(topology.trees.size());
+    for (Route const& route : topology.trees) {
+        Tree& tree = trees_.emplace_back();
+        tree.route = route;
+        std::string const name = "t" + std::to_string(trees_.size() - 1);
+        tree.path = "/root/" + name;
+        tree.plan.isTraced = settings.isTraced;
+        for (unsigned i = 0; i < topology.processes; ++i) {
+            tree.tops.push_back(make<Qor::Dir>(Qor::Name(std::string_view(name))));
+            roots_[i]->entryIs(Qor::Name(std::string_view(name)), tree.tops[i]);
+            unsigned const number = (i + topology.processes - route.maker) % topology.processes;
+            tree.authors.emplace_back(number, topology.processes, tree.tops[i], tree.plan, dice);
+            tree.authors.back().isRivalIs(settings.areRivals);
+            tree.authors.back().hasLongTextsIs(settings.hasLongTexts);
+            tree.watches.emplace_back(settings.holdsEntities);
+            tree.inStep.push_back(false);
+        }
+        tree.authors[route.maker].found();
+    }
+    for (auto const& [accepting, connecting] : topology.links) {
+        links_.push_back(std::make_unique<Link>(accepting, connecting));
+    }
+}
+
+bool Net::isWhole(unsigned process) {
+    bool const isWaited =
+        isHollow_[process] && !std::all_of(trees_.begin(), trees_.end(),
+                                           [&](Tree& tree) { return isInStep(tree, process); });
+    if (!isWaited) isHollow_[process] = false;
+    return !isWaited;
+}
+
+void Net::connect(Link& link) {
+    bool const serves = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
+        return !isWhole(link.accepting()) && tree.route.from[link.connecting()] == link.accepting();
+    });
+    if (!serves) link.connect(roots_, trees_, settings_);
+}
+
+void Net::cut(Link& link) {
+    link.cut();
+    for (Tree& tree : trees_) tree.inStep.assign(roots_.size(), false);
+    for (Tree& tree : trees_) tree.plan.isUnsure = tree.plan.isUnsure || settings_.isWritable;
+}
+
+bool Net::mayCrash(unsigned process) const {
+    return std::none_of(trees_.begin(), trees_.end(),
+                        [&](Tree const& tree) { return tree.route.maker == process; });
+}
+
+void Net::crash(unsigned process) {
+    for (auto const& link : links_) {
+        if (link->accepting() == process || link->connecting() == process) cut(*link);
+    }
+    for (Tree& tree : trees_) {
+        Qor::Name const name = tree.tops[process]->name();
+        tree.tops[process] = make<Qor::Dir>(name);
+        roots_[process]->entryIs(name, tree.tops[process]);
+        tree.authors[process].topIs(tree.tops[process]);
+        tree.watches[process] = Watch(settings_.holdsEntities);
+    }
+    isHollow_[process] = true;
+}
+
+Link* Net::linkBetween(unsigned one, unsigned other) const {
+    for (auto const& link : links_) {
+        bool const isIt = (link->accepting() == one && link->connecting() == other) ||
+                          (link->accepting() == other && link->connecting() == one);
+        if (isIt) return link.get();
+    }
+    return nullptr;
+}
+
+bool Net::isInStep(Tree& tree, unsigned process) const {
+    if (tree.inStep[process]) return true;
+    for (unsigned at = process; at != tree.route.maker; at = tree.route.from[at]) {
+        Link const* const link = linkBetween(at, tree.route.from[at]);
+        if (link == nullptr || !link->isSynced() || !link->isIdle()) return false;
+    }
+    tree.inStep[process] = true;
+    return true;
+}
+
+unsigned Net::settle() {
+    constexpr unsigned most = 100000;
+    unsigned quiet = 0;
+    for (unsigned round = 1; round < most; ++round) {
+        Qor::U64 moved = 0;
+        for (auto const& link : links_) {
+            Qor::U64 const before = link->bytes();
+            if (!link->isUp()) connect(*link);
+            link->roomIs(true, ~std::size_t{0});
+            link->roomIs(false, ~std::size_t{0});
+            link->service(true, 1U << 20);
+            link->service(false, 1U << 20);
+            moved += link->isUp() ? link->bytes() - before : 1;
+        }
+        quiet = moved == 0 ? quiet + 1 : 0;
+        if (quiet == 2) return round;
+    }
+    return 0;
+}
+
+}  // namespace Sim

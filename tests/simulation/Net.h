@@ -1,0 +1,132 @@
+// Processes and the connections between them, all in one thread. A tree is made by one process and
+// mounted by others from the one that is next on the way to it; each serves its copy on.
+#ifndef TESTS_SIMULATION_NET_H
+#define TESTS_SIMULATION_NET_H
+
+#include "Author.h"
+#include "Tap.h"
+#include "Watch.h"
+
+#include <qor/attrlog/session/Session.h>
+
+#include <optional>
+
+namespace Sim {
+
+using Qor::NboAttrLog::Session;
+
+// Who mounts a tree from whom: for each process the one it mounts from, itself for the maker.
+struct Route {
+    unsigned maker = 0;
+    std::vector<unsigned> from;
+};
+
+// What a script runs on.
+struct Topology {
+    std::string name;
+    unsigned processes = 0;
+    std::vector<std::pair<unsigned, unsigned>> links;  // accepting, connecting
+    std::vector<Route> trees;
+    bool hasRelay = false;
+};
+
+std::vector<Topology> const& topologies();
+
+struct Settings {
+    bool isWritable = false;  // copies may be written
+    bool areRivals = false;   // several authors write the same values
+    bool hasCuts = true;
+    bool hasLongTexts = true;
+    bool holdsEntities = false;
+    bool isTraced = false;  // on standard output
+    Qor::U32 ringBlocks = 8;
+};
+
+// One tree in all processes.
+struct Tree {
+    Route route;
+    Plan plan;
+    std::vector<Qor::Dir::Ptr> tops;  // by process
+    std::vector<Author> authors;      // by process, the maker's number is 0
+    std::vector<Watch> watches;
+    std::vector<bool> inStep;  // has had all that the maker had, since the last cut on the way
+    std::string path;
+};
+
+class Link final : public Qor::NboAttrLog::SessionListener {
+  public:
+    Link(unsigned accepting, unsigned connecting)
+        : accepting_(accepting), connecting_(connecting) {}
+
+    unsigned accepting() const { return accepting_; }
+    unsigned connecting() const { return connecting_; }
+    bool isUp() const { return accept_ != nullptr; }
+    void connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> const& trees,
+                 Settings const& settings);
+    void cut();
+    void roomIs(bool towardsAccepting, std::size_t bytes);
+    void service(bool accepting, Qor::U64 budget);
+    // Bytes that have gone over it, both ways.
+    Qor::U64 bytes() const { return bytes_; }
+    bool isSynced() const { return isUp() && synced_ == wanted_; }
+    // Nothing is owed or under way.
+    bool isIdle() const;
+    std::string closed() const;
+    // What must hold when nothing is under way.
+    std::string audit() const;
+    std::vector<Sent> const& history() const { return history_; }
+    // What went over it since the last call, in words.
+    std::vector<std::string> traceOn();
+
+    void onSynced(Qor::NboAttrLog::MountId) override { ++synced_; }
+
+  private:
+    unsigned const accepting_;
+    unsigned const connecting_;
+    std::vector<Sent> history_;
+    std::unique_ptr<Tap> acceptEnd_;
+    std::unique_ptr<Tap> connectEnd_;
+    std::unique_ptr<Session> accept_;
+    std::unique_ptr<Session> connect_;
+    Qor::U64 bytes_ = 0;
+    std::size_t traced_ = 0;
+    unsigned synced_ = 0;
+    unsigned wanted_ = 0;
+};
+
+class Net {
+  public:
+    Net(Topology const& topology, Settings const& settings, Dice& dice);
+    Net(Net const&) = delete;
+    Net& operator=(Net const&) = delete;
+
+    std::vector<Tree>& trees() { return trees_; }
+    std::vector<std::unique_ptr<Link>>& links() { return links_; }
+    unsigned processes() const { return static_cast<unsigned>(roots_.size()); }
+
+    // Unless who would serve has come back empty and is not whole again: it would serve that.
+    void connect(Link& link);
+    void cut(Link& link);
+    // The process forgets all its copies and connections, as if it had ended and come back.
+    void crash(unsigned process);
+    // Makes no trees: only then it may crash.
+    bool mayCrash(unsigned process) const;
+    // Whether all that the process has of the tree has come, all the way from its maker.
+    bool isInStep(Tree& tree, unsigned process) const;
+    // Everything over, until nothing moves. The number of rounds, 0 if it never ends.
+    unsigned settle();
+    Link* linkBetween(unsigned one, unsigned other) const;
+
+  private:
+    bool isWhole(unsigned process);
+
+    Settings const settings_;
+    std::vector<bool> isHollow_;  // has come back empty
+    std::vector<Qor::Dir::Ptr> roots_;
+    std::vector<Tree> trees_;
+    std::vector<std::unique_ptr<Link>> links_;
+};
+
+}  // namespace Sim
+
+#endif

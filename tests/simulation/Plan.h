@@ -1,0 +1,49 @@
+// What a tree is to hold, kept beside the entities by those who change it; it shares no code with
+// them. One plan a tree: all its authors write to it.
+//
+// The names of entities tell who may do what: 's' and a number stays for good, and is shared; a
+// letter of an author's ('a' the one who has the source) and a number comes and goes as that author
+// likes, with all that is below.
+#ifndef TESTS_SIMULATION_PLAN_H
+#define TESTS_SIMULATION_PLAN_H
+
+#include "Picture.h"
+
+namespace Sim {
+
+struct Plan {
+    Lines lines;
+    // Who wrote a line last.
+    std::map<std::string, unsigned> authors;
+    // How often an entity was removed at the source, by path.
+    std::map<std::string, unsigned> removals;
+    // Where references stand: row, field, number of the key.
+    struct Place {
+        std::string row;
+        Field const* field = nullptr;
+        unsigned key = 0;
+    };
+    std::map<std::string, Place> references;
+    // The last number that was given to a value.
+    std::uint64_t number = 0;
+    // Whether something that an author away from the source wrote may have been lost in a cut.
+    bool isUnsure = false;
+
+    // Tells each change on standard output.
+    bool isTraced = false;
+
+    void set(std::string const& line, std::string text, unsigned author);
+    void trace(unsigned author, std::string const& what) const;
+    // The row and all below.
+    void eraseRow(std::string const& row);
+    // Takes over what the source holds of what others than its author wrote.
+    void adopt(Lines const& source);
+};
+
+// Whose entities stand at or above that path: an author's number, or `shared`.
+inline constexpr unsigned shared = ~0U;
+unsigned ownerOf(std::string const& row);
+
+}  // namespace Sim
+
+#endif

@@ -1,0 +1,224 @@
+#include "Script.h"
+
+#include "Net.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace Sim {
+
+namespace {
+
+constexpr std::size_t rooms[] = {0, 1, 2, 7, 100, 5000, 40000, 1U << 20};
+
+Settings settingsOf(Dice& dice, Topology const& topology, Request const& request) {
+    bool const rivals = request.rivals;
+    Settings settings;
+    settings.isTraced = request.isTraced;
+    settings.isWritable = rivals || dice.oneIn(2);
+    settings.areRivals = rivals;
+    // A cut takes a copy back to what its source holds; while a record of another author is still
+    // on its way further out, that is a second writer.
+    settings.hasCuts = rivals || !settings.isWritable || !topology.hasRelay;
+    settings.hasLongTexts = dice.oneIn(4);
+    settings.holdsEntities = dice.oneIn(2);
+    settings.ringBlocks = static_cast<Qor::U32>(1 + dice.below(8));
+    return settings;
+}
+
+class Run {
+  public:
+    explicit Run(Request const& request)
+        : dice_(request.seed),
+          topology_(dice_.oneOf(topologies())),
+          settings_(settingsOf(dice_, topology_, request)),
+          net_(topology_, settings_, dice_) {}
+
+    Outcome run(unsigned steps);
+
+  private:
+    void step();
+    void changeSomewhere();
+    void serveSomeone();
+    void cutSomewhere();
+    void look();
+    void finish();
+    void needEqual(char const* when);
+    void needQuiet();
+    void needNoEcho();
+    void fail(std::string const& what) {
+        if (outcome_.violation.empty()) outcome_.violation = what;
+    }
+    void digest(std::uint64_t number) {
+        outcome_.digest = (outcome_.digest ^ number) * 0x100000001B3;
+    }
+    bool mayWrite(Tree& tree, unsigned process) const;
+
+    Dice dice_;
+    Topology const& topology_;
+    Settings const settings_;
+    Net net_;
+    Outcome outcome_;
+};
+
+// Until something that was cut has come back whole, what the source sends may cross what an author
+// writes elsewhere.
+bool Run::mayWrite(Tree& tree, unsigned process) const {
+    if (process == tree.route.maker) return true;
+    return settings_.isWritable && (settings_.areRivals || net_.isInStep(tree, process));
+}
+
+void Run::changeSomewhere() {
+    Tree& tree = dice_.oneOf(net_.trees());
+    auto const process =
+        dice_.oneIn(2) ? tree.route.maker : static_cast<unsigned>(dice_.below(net_.processes()));
+    if (!mayWrite(tree, process)) return;
+    for (std::size_t i = 1 + dice_.below(4); i > 0; --i) {
+        tree.authors[process].change();
+        ++outcome_.volumes.changes;
+    }
+}
+
+void Run::serveSomeone() {
+    Link& link = *dice_.oneOf(net_.links());
+    if (!link.isUp() && dice_.oneIn(3)) net_.connect(link);
+    link.roomIs(dice_.oneIn(2), dice_.oneOf(rooms));
+    link.service(dice_.oneIn(2), dice_.oneIn(4) ? 300 : 1U << 20);
+    if (!link.closed().empty() && link.isUp()) fail("closed: " + link.closed());
+    digest(link.bytes());
+    if (!settings_.isTraced) return;
+    for (auto const& words : link.traceOn()) std::puts(words.c_str());
+}
+
+void Run::cutSomewhere() {
+    if (!settings_.hasCuts) return;
+    auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
+    if (dice_.oneIn(4) && net_.mayCrash(process)) {
+        net_.crash(process);
+        ++outcome_.volumes.crashes;
+        return;
+    }
+    net_.cut(*dice_.oneOf(net_.links()));
+    ++outcome_.volumes.cuts;
+}
+
+void Run::look() {
+    Tree& tree = dice_.oneOf(net_.trees());
+    auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
+    if (process == tree.route.maker) return;
+    auto const violation = tree.watches[process].look(pictureOf(*tree.tops[process]), tree.plan);
+    if (!violation.empty() && !settings_.areRivals) {
+        fail("process " + std::to_string(process) + ": " + violation);
+    }
+}
+
+void Run::step() {
+    ++outcome_.volumes.steps;
+    std::size_t const kind = dice_.below(60);
+    if (kind == 0) return cutSomewhere();
+    if (kind < 16) return changeSomewhere();
+    serveSomeone();
+    if (kind < 24) look();
+}
+
+void Run::needEqual(char const* when) {
+    for (Tree const& tree : net_.trees()) {
+        auto const source = pictureOf(*tree.tops[tree.route.maker]);
+        auto const planned =
+            settings_.areRivals ? std::string() : difference(tree.plan.lines, source.lines);
+        if (!planned.empty()) fail(std::string(when) + ", the source: " + planned);
+        for (unsigned process = 0; process < net_.processes(); ++process) {
+            auto const copy = pictureOf(*tree.tops[process]);
+            auto const differs = difference(source.lines, copy.lines);
+            if (differs.empty()) continue;
+            fail(std::string(when) + ", " + tree.path + " in process " + std::to_string(process) +
+                 ": " + differs);
+        }
+        for (auto const& [line, text] : source.lines) {
+            for (char const character : text) digest(static_cast<unsigned char>(character));
+        }
+    }
+}
+
+void Run::needQuiet() {
+    if (net_.settle() == 0) return fail("it never comes to rest");
+    for (auto const& link : net_.links()) {
+        auto const found = link->audit();
+        if (!found.empty()) fail(found);
+        Qor::U64 const before = link->bytes();
+        for (int turn = 0; turn < 3; ++turn) {
+            link->service(true, 1U << 20);
+            link->service(false, 1U << 20);
+        }
+        if (link->bytes() != before) fail("bytes go over a link that is at rest");
+    }
+}
+
+// At rest each change goes over each link once, away from its author, and nothing comes back.
+void Run::needNoEcho() {
+    Tree& tree = net_.trees().front();
+    auto const process = settings_.isWritable ? static_cast<unsigned>(dice_.below(net_.processes()))
+                                              : tree.route.maker;
+    std::vector<std::size_t> before;
+    for (auto const& link : net_.links()) before.push_back(link->history().size());
+    Row const row = rowAt(*tree.tops[process], "/entry/s1/node/s0/leaf/s0");
+    if (!row.entity) return fail("a leaf that stays has gone");
+    row.shape->fields[0]->put(*row.entity, 0, {++tree.plan.number, {}});
+    tree.plan.set("/entry/s1/node/s0/leaf/s0/number", "#" + std::to_string(tree.plan.number) + ".",
+                  tree.authors[process].number());
+    net_.settle();
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        auto const frames = net_.links()[i]->history().size() - before[i];
+        bool const carries = net_.links().size() < topology_.processes || i + 1 < before.size();
+        if (frames > 1 || (carries && frames == 0)) {
+            fail(std::to_string(frames) + " frames for one change on link " + std::to_string(i));
+        }
+    }
+}
+
+void Run::finish() {
+    for (Tree& tree : net_.trees()) {
+        for (Watch& watch : tree.watches) watch.release();
+    }
+    needQuiet();
+    for (Tree& tree : net_.trees()) {
+        if (!settings_.isWritable) continue;
+        Author& first = tree.authors[tree.route.maker];
+        first.dropLooseReferences();
+        if (tree.plan.isUnsure) {
+            tree.plan.adopt(pictureOf(*tree.tops[tree.route.maker]).lines);
+        }
+    }
+    needQuiet();
+    needEqual("at rest");
+    if (!outcome_.violation.empty() || !settings_.isWritable) return;
+    for (Tree& tree : net_.trees()) {
+        for (Author& author : tree.authors) {
+            author.writeAll();
+            net_.settle();
+        }
+    }
+    needQuiet();
+    needEqual("after the last round");
+    if (outcome_.violation.empty()) needNoEcho();
+    needEqual("after one change");
+}
+
+Outcome Run::run(unsigned steps) {
+    outcome_.topology = topology_.name;
+    if (steps == 0) steps = static_cast<unsigned>(20 + dice_.below(300));
+    for (unsigned i = 0; i < steps && outcome_.violation.empty(); ++i) {
+        step();
+        if (!outcome_.violation.empty()) outcome_.violation += " (step " + std::to_string(i) + ")";
+    }
+    if (outcome_.violation.empty()) finish();
+    for (auto const& link : net_.links()) outcome_.volumes.bytes += link->bytes();
+    digest(outcome_.volumes.bytes);
+    return outcome_;
+}
+
+}  // namespace
+
+Outcome runScript(Request const& request) { return Run(request).run(request.steps); }
+
+}  // namespace Sim

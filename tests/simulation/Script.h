@@ -1,0 +1,40 @@
+// One run of the simulation: a seed decides the topology, who writes, what is written, the order in
+// which processes run, the room on the links, cuts and reconnections. Then all is let through, and
+// every copy has to equal its source and the plan.
+#ifndef TESTS_SIMULATION_SCRIPT_H
+#define TESTS_SIMULATION_SCRIPT_H
+
+#include <cstdint>
+#include <string>
+
+namespace Sim {
+
+struct Volumes {
+    std::uint64_t steps = 0;
+    std::uint64_t changes = 0;
+    std::uint64_t cuts = 0;
+    std::uint64_t crashes = 0;
+    std::uint64_t bytes = 0;
+};
+
+struct Outcome {
+    std::string topology;
+    // What went wrong, and where; empty if nothing did.
+    std::string violation;
+    // Of everything that happened: the same seed has the same digest.
+    std::uint64_t digest = 0;
+    Volumes volumes;
+};
+
+struct Request {
+    std::uint64_t seed = 1;
+    unsigned steps = 0;     // 0: the seed decides
+    bool rivals = false;    // several authors write the same values
+    bool isTraced = false;  // everything that happens on standard output
+};
+
+Outcome runScript(Request const& request);
+
+}  // namespace Sim
+
+#endif

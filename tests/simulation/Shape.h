@@ -1,0 +1,91 @@
+// A class of entities as the simulation sees it: fields that are shown as text, and changed by
+// number. What a change is to look like is told by the value that was made for it, not read back
+// from the entity.
+#ifndef TESTS_SIMULATION_SHAPE_H
+#define TESTS_SIMULATION_SHAPE_H
+
+#include <qor/tree/Dir.h>
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Sim {
+
+using EntityPtr = Qor::Ptr<Qor::Entity>;
+using Lines = std::map<std::string, std::string>;
+class Shape;
+
+inline Qor::Name nameOf(std::string const& text) { return Qor::Name(std::string_view(text)); }
+
+enum class FieldKind { scalar, flags, texts, references, children, child };
+
+// A value that is different from all before it. Texts and wide numbers show the number.
+struct Fresh {
+    std::uint64_t number = 0;
+    std::string text;
+};
+
+// Receives what a field holds.
+class FieldReader {
+  public:
+    virtual ~FieldReader() = default;
+    virtual void value(std::string const& key, std::string const& text) = 0;
+    virtual void reference(std::string const& key, EntityPtr const& target) = 0;
+    virtual void owned(std::string const& key, EntityPtr const& entity, Shape const& shape) = 0;
+};
+
+class Field {
+  public:
+    Field(Qor::AttributeId number, char const* text, FieldKind sort)
+        : id(number), name(text), kind(sort) {}
+    virtual ~Field() = default;
+
+    Qor::AttributeId const id;
+    std::string const name;
+    FieldKind const kind;
+
+    bool isOwning() const { return kind == FieldKind::children || kind == FieldKind::child; }
+    // `newborn` is an entity of the same class that nobody has touched.
+    virtual void show(Qor::Entity const& entity, Qor::Entity const& newborn,
+                      FieldReader& reader) const = 0;
+    // Stores the value, under the key of that number where there are keys. How it shows.
+    virtual std::string put(Qor::Entity&, unsigned, Fresh const&) const { return {}; }
+    // How a scalar of an untouched entity shows.
+    virtual std::string initial(Qor::Entity const&) const { return {}; }
+    virtual std::string keyText(unsigned) const { return {}; }
+    virtual void erase(Qor::Entity&, unsigned) const {}
+    virtual bool mayRefer(Qor::Entity const&) const { return false; }
+    virtual void refer(Qor::Entity&, unsigned, Qor::Entity&) const {}
+    // Owned entities, by name. `sort` chooses the class where several may stand.
+    virtual EntityPtr own(Qor::Entity&, std::string const&, unsigned) const { return {}; }
+    virtual void disown(Qor::Entity&, std::string const&) const {}
+};
+
+class Shape {
+  public:
+    virtual ~Shape() = default;
+
+    std::string name;
+    std::vector<std::unique_ptr<Field const>> fields;
+
+    virtual EntityPtr make(std::string const& entityName) const = 0;
+    // The class, and what an entity of it is built from beside its name.
+    virtual std::string title(Qor::Entity const&) const { return name; }
+    Qor::Entity const& newborn() const;
+
+  private:
+    mutable EntityPtr newborn_;
+};
+
+// Every class, in a fixed order; the directory's is not among them.
+std::vector<Shape const*> const& shapes();
+Shape const& dirShape();
+// By the full name of the class.
+Shape const& shapeNamed(std::string const& name);
+
+}  // namespace Sim
+
+#endif

@@ -1,0 +1,74 @@
+// A transport in memory that records what is read from it, frame by frame, decoded here by the
+// documented format and nothing of the library's; and the claims that hold for what a link carried.
+#ifndef TESTS_SIMULATION_TAP_H
+#define TESTS_SIMULATION_TAP_H
+
+#include <qor/attrlog/session/Transport.h>
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace Sim {
+
+// One frame that went over a link. Of the payload the first bytes are kept.
+struct Sent {
+    bool isUp = false;  // towards the end that accepted the connection
+    unsigned kind = 0;  // 0 a record, 1 a marker, 2 link control
+    bool hasMore = false;
+    std::uint64_t entity = 0;
+    std::int32_t attribute = 0;
+    std::uint32_t wordB = 0;
+    std::string payload;
+};
+
+// Cuts a stream into frames.
+class FrameCutter {
+  public:
+    void append(std::string_view bytes, bool isUp, std::vector<Sent>& history);
+
+  private:
+    std::string waiting_;
+};
+
+// The id that an announcement gives to an entity; 0 of anything else.
+std::uint64_t announcedBy(Sent const& sent);
+
+// A frame in words.
+std::string inWords(Sent const& sent);
+
+// Every record and marker is for an entity that was announced before on this link. The first
+// violation in words; empty if there is none.
+std::string announcedFirst(std::vector<Sent> const& history);
+// Snapshots end after they have begun, and a text's chunks of one value are not torn apart.
+std::string wellFormed(std::vector<Sent> const& history);
+
+class Tap final : public Qor::NboAttrLog::Transport {
+  public:
+    Tap(std::vector<Sent>& history, bool isUp) : history_(history), isUp_(isUp) {}
+
+    Qor::NboAttrLog::MemoryTransport& memory() { return memory_; }
+    void recordsIs(bool records) { records_ = records; }
+
+    // Bytes that came out of here, and that went in.
+    std::uint64_t taken() const { return taken_; }
+    std::uint64_t put() const { return put_; }
+
+    std::size_t write(std::string_view bytes) override;
+    std::size_t read(std::span<unsigned char> room) override;
+    Qor::String8 closed() const override { return memory_.closed(); }
+
+  private:
+    Qor::NboAttrLog::MemoryTransport memory_;
+    FrameCutter cutter_;
+    std::vector<Sent>& history_;
+    bool const isUp_;
+    bool records_ = true;
+    std::uint64_t taken_ = 0;
+    std::uint64_t put_ = 0;
+};
+
+}  // namespace Sim
+
+#endif

@@ -1,0 +1,142 @@
+// The validators themselves: each passes a history that is in order, and finds the violation that
+// is planted into it.
+#include "Tap.h"
+#include "Watch.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Qor::make;
+using Sim::announcedFirst;
+using Sim::Sent;
+using Sim::wellFormed;
+
+constexpr std::uint64_t orphan = 3;
+constexpr std::uint64_t child = 5;
+
+std::string bytes(std::uint64_t number, int width) {
+    std::string result;
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+        result += static_cast<char>(number >> shift & 0xFF);
+    }
+    return result;
+}
+
+Sent orphanRecord() { return {false, 0, false, 1, 136, 0, "\4" + bytes(8, 4) + bytes(orphan, 8)}; }
+Sent childRecord() {
+    return {false, 0, false, orphan, 258, 151, bytes(1, 4) + "r" + bytes(child, 8)};
+}
+Sent entryRecord() {
+    return {false,
+            0,
+            false,
+            orphan,
+            258,
+            151,
+            bytes(1, 4) + "r" + bytes(0, 1) + bytes(child, 8) + bytes(0, 4) + "x"};
+}
+Sent value(std::uint64_t entity, bool hasMore = false, std::int32_t attribute = 300) {
+    return {false, 0, hasMore, entity, attribute, 0, "v"};
+}
+Sent marker(char type) { return {false, 1, false, orphan, 300, 0, std::string(1, type)}; }
+
+TEST(AnnouncedFirst, PassesRecordsBehindTheirAnnouncements) {
+    EXPECT_EQ(announcedFirst({orphanRecord(), value(orphan), childRecord(), value(child)}), "");
+    EXPECT_EQ(announcedFirst({orphanRecord(), entryRecord(), value(child)}), "");
+}
+
+TEST(AnnouncedFirst, FindsARecordInFrontOfItsAnnouncement) {
+    EXPECT_NE(announcedFirst({orphanRecord(), value(child), childRecord()}), "");
+    EXPECT_NE(announcedFirst({childRecord()}), "");
+}
+
+TEST(WellFormed, PassesSnapshotsAndTextsThatEnd) {
+    EXPECT_EQ(wellFormed({marker(0), value(orphan), marker(2)}), "");
+    EXPECT_EQ(wellFormed({value(orphan, true), value(orphan, true), value(orphan)}), "");
+}
+
+TEST(WellFormed, FindsTheEndOfASnapshotThatHasNotBegun) {
+    EXPECT_NE(wellFormed({marker(2)}), "");
+    EXPECT_NE(wellFormed({marker(0), marker(2), marker(2)}), "");
+}
+
+TEST(WellFormed, FindsATextWithinAnother) {
+    EXPECT_NE(wellFormed({value(orphan, true), value(orphan, true, 301)}), "");
+}
+
+TEST(FrameCutter, CutsTheDocumentedFrameAtAnyByte) {
+    unsigned char const frame[] = {0, 0, 0, 0x1d, 0, 0, 0, 0, 0, 0, 0, 0, 3, 0,    0,    1, 0x84,
+                                   1, 0, 0, 0,    0, 0, 0, 0, 0, 0, 1, 0, 0, 0x13, 0x88, 3};
+    std::string const stream(reinterpret_cast<char const*>(frame), sizeof frame);
+    for (std::size_t at = 0; at <= stream.size(); ++at) {
+        Sim::FrameCutter cutter;
+        std::vector<Sent> history;
+        cutter.append(stream.substr(0, at), true, history);
+        cutter.append(stream.substr(at), true, history);
+        ASSERT_EQ(history.size(), 1U) << at;
+        EXPECT_EQ(history[0].entity, orphan);
+        EXPECT_EQ(history[0].attribute, 388);
+        EXPECT_EQ(history[0].payload, std::string("\0\0\x13\x88", 4));
+        EXPECT_TRUE(history[0].isUp);
+    }
+}
+
+// A copy of which two pictures are looked at.
+class WatchTest : public testing::Test {
+  protected:
+    WatchTest() {
+        picture_.rows["/entry/a1"] = {make<Qor::Dir>(Qor::Name("a1")), &Sim::dirShape()};
+        picture_.lines["/entry/a1/text"] = "#5.ff";
+        plan_.set("/entry/a1/text", "#5.ff", 0);
+        EXPECT_EQ(watch_.look(picture_, plan_), "");
+    }
+
+    Sim::Watch watch_{true};
+    Sim::Plan plan_;
+    Sim::Picture picture_;
+};
+
+TEST_F(WatchTest, PassesWhatStays) { EXPECT_EQ(watch_.look(picture_, plan_), ""); }
+
+TEST_F(WatchTest, FindsAnEntityThatGoesWithoutARemoval) {
+    picture_.rows.clear();
+    EXPECT_NE(watch_.look(picture_, plan_), "");
+}
+
+TEST_F(WatchTest, PassesAnEntityThatTheSourceHasRemoved) {
+    picture_.rows.clear();
+    ++plan_.removals["/entry/a1"];
+    EXPECT_EQ(watch_.look(picture_, plan_), "");
+}
+
+TEST_F(WatchTest, FindsAnEntityThatIsReplacedWithoutARemoval) {
+    picture_.rows["/entry/a1"].entity = make<Qor::Dir>(Qor::Name("a1"));
+    EXPECT_NE(watch_.look(picture_, plan_), "");
+}
+
+TEST_F(WatchTest, FindsAValueThatGoesBack) {
+    picture_.lines["/entry/a1/text"] = "#4.ee";
+    EXPECT_NE(watch_.look(picture_, plan_), "");
+}
+
+TEST_F(WatchTest, FindsATextOfTwoHalves) {
+    picture_.lines["/entry/a1/text"] = "#6.gggff";
+    EXPECT_NE(watch_.look(picture_, plan_), "");
+}
+
+TEST(Difference, FindsWhatIsMissingOtherAndTooMuch) {
+    Sim::Lines const lines{{"a", "1"}, {"b", "2"}};
+    EXPECT_EQ(Sim::difference(lines, lines), "");
+    EXPECT_NE(Sim::difference(lines, {{"a", "1"}}), "");
+    EXPECT_NE(Sim::difference(lines, {{"a", "1"}, {"b", "3"}}), "");
+    EXPECT_NE(Sim::difference({{"a", "1"}}, lines), "");
+}
+
+TEST(Owner, IsTheFirstNameThatDoesNotStay) {
+    EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/s0"), Sim::shared);
+    EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/b1/root/s0"), 1U);
+    EXPECT_EQ(Sim::ownerOf("/entry/a0"), 0U);
+}
+
+}  // namespace

@@ -1,0 +1,14 @@
+// The shapes of the system's classes, and of the simulation's own.
+#ifndef TESTS_SIMULATION_VGWSHAPES_H
+#define TESTS_SIMULATION_VGWSHAPES_H
+
+#include "Shape.h"
+
+namespace Sim {
+
+std::vector<Shape const*> vgwShapes();
+std::vector<Shape const*> labShapes();
+
+}  // namespace Sim
+
+#endif

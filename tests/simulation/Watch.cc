@@ -1,0 +1,61 @@
+#include "Watch.h"
+
+#include <algorithm>
+
+namespace Sim {
+
+bool isWhole(std::string const& text) {
+    if (!text.starts_with('#')) return true;
+    auto const dot = text.find('.');
+    if (dot == std::string::npos) return false;
+    char const letter = static_cast<char>('a' + numberIn(text) % 26);
+    return text.find_first_not_of(letter, dot + 1) == std::string::npos;
+}
+
+std::string Watch::gone(std::string const& path, char const* how, Plan const& plan) {
+    auto const removals = plan.removals.find(path);
+    unsigned const allowed = removals == plan.removals.end() ? 0 : removals->second;
+    if (++goings_[path] <= allowed) return {};
+    return path + how;
+}
+
+std::string Watch::lookAtRow(std::string const& path, Row const& row, Plan const& plan) {
+    auto const before = entities_.find(path);
+    bool const isOther = before != entities_.end() && before->second != row.entity.ptr();
+    entities_[path] = row.entity.ptr();
+    if (holdsEntities_) held_[path] = row.entity;
+    return isOther ? gone(path, " is another entity, and the source's is the same", plan)
+                   : std::string();
+}
+
+std::string Watch::look(Picture const& now, Plan const& plan) {
+    std::string found;
+    auto const note = [&](std::string violation) {
+        if (found.empty()) found = std::move(violation);
+    };
+    auto const isSources = [](std::string const& path) {
+        unsigned const owner = ownerOf(path);
+        return owner == shared || owner == 0;
+    };
+    std::erase_if(entities_, [&](auto const& before) {
+        if (now.rows.contains(before.first)) return false;
+        note(gone(before.first, " has gone, and the source has it", plan));
+        held_.erase(before.first);
+        return true;
+    });
+    for (auto const& [path, row] : now.rows) {
+        if (isSources(path)) note(lookAtRow(path, row, plan));
+    }
+    for (auto const& [line, text] : now.lines) {
+        if (!isWhole(text)) note(line + " is no text that was written: " + text.substr(0, 40));
+        auto const author = plan.authors.find(line);
+        if (author == plan.authors.end() || author->second != 0) continue;
+        std::uint64_t const number = numberIn(text);
+        if (number == 0) continue;
+        if (number < numbers_[line]) note(line + " has gone back to " + text.substr(0, 40));
+        numbers_[line] = number;
+    }
+    return found;
+}
+
+}  // namespace Sim

@@ -10,6 +10,7 @@
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/core/ValidPtr.h>
 #include <qor/generic/GenericList.h>
+#include <qor/generic/ValueSteps.h>
 #include <qor/generic/ValueWrapper.h>
 #include <qor/model/ValueText.h>
 #include <qor/registry/TypeUnit.h>
@@ -38,6 +39,13 @@ class EntityType : public QorType {
                                PtrInterface::NotifieeConst::Qor_BitSet, U32,
                                PtrInterface*) override {
         return validPtr(make<X>(readArgument<Argument>(*in)));
+    }
+    Qor::Ptr<Entity> newInstance([[maybe_unused]] Name const& name) override {
+        if constexpr (std::is_same_v<Argument, Name>) {
+            return validPtr(make<X>(name));
+        } else {
+            return validPtr(make<X>(Argument()));
+        }
     }
     Qor::Ptr<GenericIf> genericIf_(PtrInterface* object, bool isConst) override {
         return make<typename X::GenericIf_>(Qor::Ptr<Entity>(dynamic_cast<X*>(object)), isConst);
@@ -97,6 +105,7 @@ class ValueType : public QorType {
     Qor::Ptr<GenericIf> genericIfFromStrep(String8 const& text, bool isConst) override {
         return make<Wrapper>(strepToValue<V>(text), isConst);
     }
+    ValueSteps const* valueSteps() const noexcept override { return valueStepsOf<V>(); }
 };
 
 }  // namespace Qor

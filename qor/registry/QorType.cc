@@ -59,6 +59,12 @@ Qor::Ptr<GenericIf> QorType::genericIf_(PtrInterface*, bool) {
     throwCannot(*this, "no entity, so that none is wrapped");
 }
 
+Qor::Ptr<Entity> QorType::newInstance(Name const&) { return nullptr; }
+
+ValueSteps const* QorType::valueSteps() const noexcept { return nullptr; }
+
+bool QorType::isDescribed() const noexcept { return false; }
+
 String8 QorType::fullName() const { return fullName_; }
 
 bool QorType::isA(QorType const& other) const noexcept {

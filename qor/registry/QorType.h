@@ -21,6 +21,7 @@ namespace Qor {
 
 class Dir;
 class GenericIf;
+class ValueSteps;
 
 namespace NboAttrLog {
 class In;
@@ -53,6 +54,14 @@ class QOR_EXPORT QorType : public Entity {
     virtual Qor::Ptr<GenericIf> genericIfFromStrep(String8 const& text, bool isConst);
     /// A wrapper over a counted object; over a null entity when the object is null or no such.
     virtual Qor::Ptr<GenericIf> genericIf_(PtrInterface* object, bool isConst);
+    /// A new entity as an owner makes it, with every attribute at its initial value: of that name,
+    /// or, where the constructor takes something else, with the default of that. Null for what is
+    /// no entity.
+    virtual Qor::Ptr<Entity> newInstance(Name const& name);
+    /// What can be done with values of this type; null for entities and for what is never sent.
+    virtual ValueSteps const* valueSteps() const noexcept;
+    /// Whether the process knows the type by a description alone, which a peer has sent.
+    virtual bool isDescribed() const noexcept;
 
     String8 fullName() const override;
     /// Itself, or a type above it.

@@ -42,12 +42,7 @@ void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
 
 template <class X, class Base>
 void AdapterLevel<X, Base>::readAlias(InboundRecord& record) {
-    constexpr auto isChild = []<class S>() {
-        return S::kind == StreamKind::childMember || S::kind == StreamKind::child;
-    };
-    constexpr bool hasChildren = !Adapter::QorStreamed::whileTrue(
-        [isChild]<class S>() { return !isChild.template operator()<S>(); });
-    if constexpr (hasChildren) {
+    if constexpr (Adapter::QorStreamed::hasChildren) {
         bool const isAlias = record.id == NboAttrLog::aliasFrameAttributeId ||
                              record.id == -NboAttrLog::aliasFrameAttributeId;
         if (!isAlias) return;

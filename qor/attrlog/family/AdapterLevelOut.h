@@ -38,7 +38,7 @@ bool AdapterLevel<X, Base>::sendAttribute(AttributeId& next) {
     flow.attrIdIs(S::id);
     bool const isSent = sendOwed<S>(flow);
     if (this->StreamAdapter::flowOut() != &flow) return false;
-    constexpr AttributeId after = List::after(S::id);
+    AttributeId const after = List::after(S::id);
     if (flow.retryLater()) {
         next = S::id;
     } else if (!isSent && (after == 0 || flow.bookmark() || flow.valueIter())) {
@@ -165,7 +165,7 @@ void AdapterLevel<X, Base>::doRemountSelf(Ptr<NboAttrLog::Out> const& out) {
     Adapter::QorStreamed::forEach([&]<class S>() {
         if constexpr (S::kind == StreamKind::childMember) {
             for (auto at = typename S::Attr::Map::IteratorConst(&collectionOf<S>(self())); at; ++at)
-                deleteChildAdapter<S>(self(), at.member());
+                deleteChildAdapter<S>(self(), childOfMember<S>(at.member().ptr()));
         } else if constexpr (S::kind == StreamKind::child) {
             deleteChildAdapter<S>(self(), S::get(entityOf<S>(self())));
         }

@@ -27,7 +27,7 @@ template <class S, class Adapter>
 auto childOf(Adapter& adapter, Name const& key) {
     auto& entity = targetOf<S>(adapter);
     if constexpr (S::isKeyed) {
-        return Ptr<typename S::Target>(S::Attr::map(entity).member(key));
+        return childOfMember<S>(S::Attr::map(entity).member(key));
     } else {
         return Ptr<typename S::Target>(S::get(entity));
     }

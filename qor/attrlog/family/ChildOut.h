@@ -32,6 +32,18 @@ void takeAnnouncedChild(Adapter& adapter, typename S::Target& child) {
     fresh->flagIs(AdapterState::remountPending, false);
 }
 
+/// Of a child whose class is not known when this is compiled, its class's own maker is asked.
+template <class S>
+Ptr<ChildAdapterOf<S>> newChildAdapter(AdapterState::Bits flags,
+                                       Ptr<typename S::Target> const& child, U32 version,
+                                       Ptr<NboAttrLog::Out> const& out, PtrInterface* owner) {
+    if constexpr (std::is_same_v<typename S::Target, Entity>) {
+        return child->qorNboAttrLogSaIs(flags, version, out, owner);
+    } else {
+        return ChildAdapterOf<S>::QorNboAttrLogSaIs(flags, child, version, out, owner);
+    }
+}
+
 /// ANboAttrLogAdapterIs: the child's adapter, made and announced if the peer doesn't know it.
 template <class S, class Adapter>
 Ptr<ChildAdapterOf<S>> announceChild(Adapter& adapter, AdapterState::Bits flags,
@@ -44,7 +56,7 @@ Ptr<ChildAdapterOf<S>> announceChild(Adapter& adapter, AdapterState::Bits flags,
         result->stateIs(AdapterState::replaced(result->state(), flags));
         if (result->has(AdapterState::adapterAnnounced)) return result;
     } else {
-        result = ChildAdapterOf<S>::QorNboAttrLogSaIs(flags, child, version, out, owner);
+        result = newChildAdapter<S>(flags, child, version, out, owner);
         result->qorOnInit();
     }
     NboAttrLog::MsgHeader header{adapter.entityId(), S::id};

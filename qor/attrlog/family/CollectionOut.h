@@ -24,7 +24,7 @@ bool serializeMember(Adapter& adapter, typename S::Key const& key, typename S::M
         return serializeReference<S>(adapter, key,
                                      member ? A::valueOf(*member) : typename S::Value());
     } else if constexpr (S::kind == StreamKind::childMember) {
-        return serializeChildMember<S>(adapter, key, Ptr<typename S::Target>(member));
+        return serializeChildMember<S>(adapter, key, childOfMember<S>(member));
     } else {
         return S::serialize(adapter, key, member);
     }

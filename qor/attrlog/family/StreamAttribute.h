@@ -78,6 +78,16 @@ struct StreamChild : StreamAttribute<A, StreamKind::child> {
     }
 };
 
+/// The child that a member of an owning collection is, or holds; null of null.
+template <class S>
+Ptr<typename S::Target> childOfMember(typename S::Member* member) {
+    if constexpr (std::is_same_v<typename S::Member, typename S::Target>) {
+        return Ptr<typename S::Target>(member);
+    } else {
+        return member ? S::Attr::valueOf(*member) : nullptr;
+    }
+}
+
 /// isNondestructing, the framework's attribute that every root class streams.
 template <class E>
 struct NondestructingAttribute {
@@ -101,6 +111,8 @@ struct StreamNondestructing : StreamAttribute<NondestructingAttribute<E>, Stream
 template <class... S>
 struct StreamList {
     static constexpr std::size_t size = sizeof...(S);
+    static constexpr bool hasChildren =
+        ((S::kind == StreamKind::childMember || S::kind == StreamKind::child) || ...);
     template <class Visit>
     static constexpr void forEach(Visit&& visit) {
         (visit.template operator()<S>(), ...);

@@ -48,13 +48,13 @@ template <class S, class Adapter>
 void sweepChildren(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
-    walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member& child) {
-        auto* const known = child.qorNboAttrLogSa(out);
+    walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member& member) {
+        auto* const known = childOfMember<S>(&member)->qorNboAttrLogSa(out);
         if (type == StreamAdapter::begin) {
             if (known) known->flagIs(AdapterState::remountPending, true);
         } else if (!known || known->has(AdapterState::remountPending)) {
-            Name const name = child.fwkKey();
-            sweepKey<S>(adapter, name);
+            typename S::Key const key = member.fwkKey();
+            sweepKey<S>(adapter, key);
         }
     });
 }

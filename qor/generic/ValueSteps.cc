@@ -1,0 +1,7 @@
+#include <qor/generic/ValueSteps.h>
+
+namespace Qor {
+
+ValueSteps::~ValueSteps() = default;
+
+}  // namespace Qor

@@ -12,7 +12,7 @@
 //
 // Over plain tcp nobody can be told apart, so only an address of the loopback is taken.
 
-#include <ovsdb/rpc/Remote.h>
+#include <ovsdb/remote/Remote.h>
 
 #include <string>
 #include <string_view>

@@ -3,7 +3,7 @@
 
 // How the tree is served: where, to whom, and within which limits.
 
-#include <ovsdb/rpc/TlsFiles.h>
+#include <ovsdb/remote/TlsFiles.h>
 #include <vgwd/serve/Access.h>
 #include <vgwd/serve/ListenAddress.h>
 #include <vgwd/serve/Quotas.h>

@@ -5,7 +5,7 @@
 // have signed the peer's. TLS 1.2 at least, 1.3 where the peer has it. Connections that were made
 // keep what they were made with when the files are read again.
 
-#include <ovsdb/rpc/TlsFiles.h>
+#include <ovsdb/remote/TlsFiles.h>
 
 #include <openssl/types.h>
 

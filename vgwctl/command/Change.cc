@@ -97,15 +97,18 @@ void assign(Entity& entity, std::vector<Assignment> const& assignments) {
 }
 
 // As many words as there are arguments.
+void needArguments(std::span<Qor::QorAttr::Argument const> arguments, Words words,
+                   std::string const& what) {
+    if (words.size() == arguments.size()) return;
+    std::string wanted;
+    for (auto const& argument : arguments)
+        wanted += " " + std::string(argument.name.view()) + ":" + std::string(argument.type.view());
+    throw Failure(what + " takes" + (wanted.empty() ? " no arguments" : wanted));
+}
+
 Qor::Ptr<GenericIf::List_> listOf(std::span<Qor::QorAttr::Argument const> arguments, Words words,
                                   std::string const& what) {
-    if (words.size() != arguments.size()) {
-        std::string wanted;
-        for (auto const& argument : arguments)
-            wanted +=
-                " " + std::string(argument.name.view()) + ":" + std::string(argument.type.view());
-        throw Failure(what + " takes" + (wanted.empty() ? " no arguments" : wanted));
-    }
+    needArguments(arguments, words, what);
     auto const list = Qor::make<GenericIf::List_>();
     for (std::size_t n = 0; n < words.size(); ++n)
         list->enq(valueFrom(neededType(arguments[n].type.view()), words[n]));
@@ -239,6 +242,27 @@ ExitCode runDel(Context& context, Arguments const& arguments) {
     Entity::Ptr const entity = context.writable(path);
     for (std::string const& word : behind(arguments.operands, 1))
         removeMember(*entity, word, mayBeAbsent);
+    return ExitCode::success;
+}
+
+// Arguments as their types read them: of the agent's types, which are known once it is mounted.
+ExitCode runCall(Context& context, Arguments const& arguments) {
+    std::string const& path = arguments.operands[0];
+    std::string const& name = arguments.operands[1];
+    context.root();
+    Qor::QorAttr const& operation = neededAttribute(*neededEntity(path)->fwkType(), name);
+    if (!operation.introspection().isFunction())
+        throw Failure(name + " is no operation: use get and set");
+    Words const words = behind(arguments.operands, 2);
+    needArguments(operation.arguments(), words, name);
+    std::vector<std::string> texts;
+    for (std::size_t n = 0; n < words.size(); ++n) {
+        Qor::QorType& type = neededType(operation.arguments()[n].type.view());
+        texts.push_back(type.isEntity() ? words[n]
+                                        : std::string(valueFrom(type, words[n])->strRep().view()));
+    }
+    std::string const result = context.calling().call(path, name, texts, context.deadline());
+    if (!result.empty()) context.out() << printable(unquoted(result)) << '\n';
     return ExitCode::success;
 }
 

@@ -11,6 +11,7 @@ ExitCode runGet(Context& context, Arguments const& arguments);
 ExitCode runSet(Context& context, Arguments const& arguments);
 ExitCode runCreate(Context& context, Arguments const& arguments);
 ExitCode runDel(Context& context, Arguments const& arguments);
+ExitCode runCall(Context& context, Arguments const& arguments);
 
 }  // namespace Vgwctl
 

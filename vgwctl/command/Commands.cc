@@ -5,6 +5,7 @@
 #include <vgwctl/command/Record.h>
 #include <vgwctl/command/Show.h>
 #include <vgwctl/command/Types.h>
+#include <vgwctl/command/Verify.h>
 #include <vgwctl/command/Watch.h>
 
 #include <algorithm>

@@ -41,6 +41,11 @@ Qor::Entity::Ptr Context::writable(std::string const& path) {
     return writing_->mount(path, true, nullptr, deadline_);
 }
 
+Connection& Context::calling() {
+    writing_.emplace(target_, deadline_);
+    return *writing_;
+}
+
 // The agent sends what has changed before it answers.
 void Context::finish() {
     if (!writing_) return;

@@ -27,6 +27,11 @@ class Context {
     /// The entity at `path`, to be changed: another copy than that in root(), on a connection of
     /// its own. Raises Failure when the agent does not allow it.
     Qor::Entity::Ptr writable(std::string const& path);
+    /// The connection of root().
+    /// REQUIRES: root() was asked for.
+    Connection& reading() { return *reading_; }
+    /// A connection on which nothing is mounted.
+    Connection& calling();
     /// Waits until the agent has taken what was changed since the last time, and root() shows it.
     void finish();
 

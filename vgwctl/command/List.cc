@@ -102,4 +102,11 @@ ExitCode runFind(Context& context, Arguments const& arguments) {
     return ExitCode::success;
 }
 
+// An agent that has a directory of its sessions has it there.
+ExitCode runSessions(Context& context, Arguments const&) {
+    printRows(context,
+              rowsOf(std::string(context.root().uriPath().view()) + "/sessions", context.root()));
+    return ExitCode::success;
+}
+
 }  // namespace Vgwctl

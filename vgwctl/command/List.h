@@ -1,7 +1,7 @@
 #ifndef VGWCTL_COMMAND_LIST_H
 #define VGWCTL_COMMAND_LIST_H
 
-// `list` and `find`: rows as a table, one for each class among them.
+// `list`, `find` and `sessions`: rows as a table, one for each class among them.
 
 #include <vgwctl/command/Command.h>
 
@@ -9,6 +9,7 @@ namespace Vgwctl {
 
 ExitCode runList(Context& context, Arguments const& arguments);
 ExitCode runFind(Context& context, Arguments const& arguments);
+ExitCode runSessions(Context& context, Arguments const& arguments);
 
 }  // namespace Vgwctl
 

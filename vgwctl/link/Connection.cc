@@ -2,6 +2,8 @@
 
 #include <vgwctl/link/MountProgress.h>
 
+#include <qor/tree/EntityPath.h>
+
 #include <poll.h>
 
 namespace Vgwctl {
@@ -56,6 +58,18 @@ void Connection::onRefused(MountId, Qor::String8 const& reason) {
 
 void Connection::onPong(Qor::Seconds) { hasPong_ = true; }
 
+void Connection::onReturned(Qor::NboAttrLog::CallId, bool isDone, Qor::String8 const& text) {
+    returned_.emplace(isDone, std::string(text.view()));
+}
+
+void Connection::onDigested(Qor::NboAttrLog::DigestPage const& page,
+                            Qor::NboAttrLog::StateDigest const& digest, Qor::String8 const& fault) {
+    hasDigest_ = true;
+    Qor::Entity::Ptr const entity = Qor::entityAt(page.path);
+    if (!fault.empty() || !entity) return;
+    digests_ = {digest, Qor::NboAttrLog::stateDigest(*entity, page)};
+}
+
 void Connection::serve() {
     session_->service();
     if (session_->closed().length() != 0)
@@ -86,6 +100,33 @@ Qor::Entity::Ptr Connection::mount(std::string_view path, bool isWritable,
         throw Failure(*refusal_, isAbsent ? ExitCode::absent : ExitCode::fatal);
     }
     return entity_;
+}
+
+std::string Connection::call(std::string_view path, std::string_view operation,
+                             std::vector<std::string> const& arguments, Deadline const& deadline) {
+    returned_.reset();
+    std::vector<Qor::String8> texts;
+    for (std::string const& argument : arguments) texts.emplace_back(std::string_view(argument));
+    session_->call(Qor::String8(path), Qor::String8(operation), texts);
+    while (!returned_) {
+        deadline.check("the agent has not answered the call");
+        step(deadline);
+    }
+    if (returned_->first) return returned_->second;
+    bool const isAbsent = returned_->second.ends_with("does not exist");
+    throw Failure(returned_->second, isAbsent ? ExitCode::absent : ExitCode::fatal);
+}
+
+std::optional<Connection::Digests> Connection::digest(Qor::NboAttrLog::DigestPage const& page,
+                                                      Deadline const& deadline) {
+    hasDigest_ = false;
+    digests_.reset();
+    session_->askForDigest(page);
+    while (!hasDigest_) {
+        deadline.check("the agent has not sent a digest");
+        step(deadline);
+    }
+    return digests_;
 }
 
 // The agent answers a ping behind all that it has read before.

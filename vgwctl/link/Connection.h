@@ -53,6 +53,19 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     /// Serves the session, and waits for something to do until the time is over. Raises LinkFailure
     /// when the connection has ended.
     void step(Deadline const& until);
+    /// Calls an operation of the agent's entity; the text of its result. Raises Failure, with the
+    /// agent's words, when it was not done.
+    std::string call(std::string_view path, std::string_view operation,
+                     std::vector<std::string> const& arguments, Deadline const& deadline);
+    /// The digest of a page of the agent's tree, and of the same page of the process's tree, taken
+    /// at the place of the stream where both should be the same. None when it is not there any
+    /// more.
+    struct Digests {
+        Qor::NboAttrLog::StateDigest agents;
+        Qor::NboAttrLog::StateDigest own;
+    };
+    std::optional<Digests> digest(Qor::NboAttrLog::DigestPage const& page,
+                                  Deadline const& deadline);
     /// Until all that was changed here has gone to the agent, and been answered for.
     void flush(Deadline const& deadline);
 
@@ -66,6 +79,9 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     void onSynced(MountId mount) override;
     void onRefused(MountId mount, Qor::String8 const& reason) override;
     void onPong(Qor::Seconds roundTrip) override;
+    void onReturned(Qor::NboAttrLog::CallId call, bool isDone, Qor::String8 const& text) override;
+    void onDigested(Qor::NboAttrLog::DigestPage const& page,
+                    Qor::NboAttrLog::StateDigest const& digest, Qor::String8 const& fault) override;
 
     void serve();
 
@@ -79,6 +95,9 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     bool isSynced_ = false;
     std::optional<std::string> refusal_;
     bool hasPong_ = false;
+    std::optional<std::pair<bool, std::string>> returned_;  // whether it was done, and the text
+    std::optional<Digests> digests_;
+    bool hasDigest_ = false;
 };
 
 }  // namespace Vgwctl

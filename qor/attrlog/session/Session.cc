@@ -16,6 +16,9 @@ void SessionListener::onMounted(MountId, Ptr<Entity> const&) {}
 void SessionListener::onSynced(MountId) {}
 void SessionListener::onRefused(MountId, String8 const&) {}
 void SessionListener::onPong(Seconds) {}
+void SessionListener::onDigested(DigestPage const&, StateDigest const&, String8 const&) {}
+void SessionListener::onReturned(CallId, bool, String8 const&) {}
+String8 SessionListener::onAskedToCall(String8 const&, String8 const&, Entity&) { return {}; }
 String8 SessionListener::onAsked(String8 const&, bool, Entity&) { return {}; }
 void SessionListener::onGiven(MountId, String8 const&, bool) {}
 void SessionListener::onTakenBack(MountId) {}
@@ -113,6 +116,7 @@ void Session::service(U64 budget) {
         bool const hasRead = readAll(readEnd);
         demuxer_->serveFlows(budget);
         tellSynced();
+        tellDigests();
         goesOn = writeAll() || hasRead;
     }
     String8 const over = transport_.closed();

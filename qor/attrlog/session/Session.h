@@ -12,8 +12,10 @@
 #define QOR_ATTRLOG_SESSION_SESSION_H
 
 #include <qor/attrlog/flow/Demuxer.h>
+#include <qor/attrlog/session/StateDigest.h>
 #include <qor/attrlog/session/Transport.h>
 
+#include <deque>
 #include <map>
 #include <vector>
 
@@ -22,6 +24,7 @@ namespace Qor {
 namespace NboAttrLog {
 
 using MountId = U32;
+using CallId = U32;
 
 // What a session tells its user. All calls come from within service().
 class QOR_EXPORT SessionListener {
@@ -35,11 +38,21 @@ class QOR_EXPORT SessionListener {
     virtual void onRefused(MountId mount, String8 const& reason);
     // The peer has answered a ping, after so many seconds.
     virtual void onPong(Seconds roundTrip);
+    // The peer has called what it was asked to call: the text of the result, empty for none. Or it
+    // has not, and `text` tells why.
+    virtual void onReturned(CallId call, bool isDone, String8 const& text);
+    // The digest of the peer's entity, at the place of the stream where the copy should have it
+    // too; or why there is none.
+    virtual void onDigested(DigestPage const& page, StateDigest const& digest,
+                            String8 const& fault);
 
     // The peer asks for what stands at `path`, of which it could be given the entity. Why it is not
     // given it; empty: it is.
     virtual String8 onAsked(String8 const& path, bool writable, Entity& entity);
     virtual void onGiven(MountId mount, String8 const& path, bool writable);
+    // The peer, which may write, asks for an operation of the entity at `path` to be called. Why it
+    // is not; empty: it is.
+    virtual String8 onAskedToCall(String8 const& path, String8 const& operation, Entity& entity);
     // The peer has given it back.
     virtual void onTakenBack(MountId mount);
     // A record of the peer's was applied to the entity.
@@ -90,6 +103,12 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     // The copy, or null before it is announced.
     Ptr<Entity> mounted(MountId mount) const;
     void ping();
+    // Asks the peer to call an operation of its entity at `path`. The arguments are the texts that
+    // their types read (QorType::genericIfFromStrep), of an entity its path.
+    CallId call(String8 const& path, String8 const& operation,
+                std::vector<String8> const& arguments);
+    // Asks for the digest of a page of the peer's tree; at most 64 may be under way.
+    void askForDigest(DigestPage const& page);
 
     // Reads, applies, sends and writes until nothing goes on, or until `budget` bytes have come or
     // gone.
@@ -121,6 +140,10 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         error = 7,
         ping = 8,
         pong = 9,
+        call = 20,
+        returned = 21,
+        digest = 22,
+        digested = 23,
     };
     struct Asked {
         String8 path;
@@ -142,6 +165,13 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleMounted(In& in);
     void handleUnmount(In& in);
     void handleAnswer(Op op, In& in);
+    void handleCall(In& in);
+    void handleReturned(In& in);
+    void handleDigest(In& in);
+    void handleDigested(In& in);
+    void tellDigests();
+    String8 called(String8 const& path, String8 const& operation,
+                   std::vector<String8> const& arguments) const;
     void give(MountId mount, Entity& entity, bool writable);
     void letGo(EntityId const& id);
     void refuse(MountId mount, String8 const& reason);
@@ -165,6 +195,9 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     std::map<MountId, Asked> asked_;  // of the peer
     std::map<MountId, Given> given_;  // to the peer, by its own numbers
     MountId lastMount_ = 0;
+    CallId lastCall_ = 0;
+    std::deque<DigestPage> digestsAsked_;
+    std::deque<DigestPage> digestsOwed_;
     bool hasHello_ = false;
     bool wantsRead_ = false;
     String8 reason_;

@@ -32,6 +32,14 @@ void Session::handleLink(Frame const&, In& in) {
             return handleMounted(in);
         case Op::unmount:
             return handleUnmount(in);
+        case Op::call:
+            return handleCall(in);
+        case Op::returned:
+            return handleReturned(in);
+        case Op::digest:
+            return handleDigest(in);
+        case Op::digested:
+            return handleDigested(in);
         case Op::synced:
         case Op::refused:
         case Op::error:

@@ -1,0 +1,69 @@
+// How one end finds out whether its copy is what the other end holds, while both go on: it asks for
+// the digest of a page, and is answered once nothing that was changed before is still owed. So the
+// answer stands in the stream where the copy should have that digest.
+#include <qor/attrlog/session/Session.h>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+namespace {
+
+constexpr U32 mostRows = 4096;
+constexpr std::size_t mostPending = 64;
+
+}  // namespace
+
+void Session::askForDigest(DigestPage const& page) {
+    digestsAsked_.push_back(page);
+    send(Op::digest, page.path, static_cast<U32>(page.attribute), page.from, page.most);
+}
+
+void Session::handleDigest(In& in) {
+    DigestPage page;
+    page.path = in.nextString();
+    page.attribute = static_cast<AttributeId>(in.nextU32());
+    page.from = in.nextString();
+    page.most = std::min(in.nextU32(), mostRows);
+    if (digestsOwed_.size() >= mostPending) {
+        throw AttrLogRecordException("more digests asked for than are answered at a time");
+    }
+    digestsOwed_.push_back(page);
+}
+
+void Session::tellDigests() {
+    if (demuxer_->owes() || demuxer_->hasFailed() || digestsOwed_.empty()) return;
+    // One a turn: what is asked for takes time, and others wait.
+    DigestPage const page = digestsOwed_.front();
+    digestsOwed_.pop_front();
+    StateDigest digest;
+    String8 fault;
+    try {
+        Ptr<Entity> const entity = entityAt(page.path);
+        if (!entity) {
+            fault = page.path + " does not exist";
+        } else if (listener_ != nullptr) {
+            fault = listener_->onAsked(page.path, false, *entity);
+        }
+        if (fault.empty()) digest = stateDigest(*entity, page);
+    } catch (Exception const& failure) {
+        fault = failure.message();
+    }
+    send(Op::digested, digest.rows, digest.value, digest.next, fault);
+}
+
+void Session::handleDigested(In& in) {
+    if (digestsAsked_.empty()) throw AttrLogRecordException("a digest that was not asked for");
+    DigestPage const page = digestsAsked_.front();
+    digestsAsked_.pop_front();
+    StateDigest digest;
+    digest.rows = in.nextU32();
+    digest.value = in.nextU64();
+    digest.next = in.nextString();
+    String8 const fault = in.nextString();
+    if (listener_ != nullptr) listener_->onDigested(page, digest, fault);
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

@@ -77,7 +77,10 @@ void Connection::serve() {
 }
 
 void Connection::step(Deadline const& until) {
+    Qor::U64 const before = session_->counters().bytesIn;
     serve();
+    // What is waited for may have come already.
+    if (session_->counters().bytesIn != before) return;
     bool const isWriting = session_->wantsWrite() || (tls_ != nullptr && tls_->wantsWrite());
     await(socket_, static_cast<short>(POLLIN | (isWriting ? POLLOUT : 0)), until);
     serve();

@@ -86,6 +86,7 @@ std::string takenWord(std::string_view& text) {
 
 // Values whose text form is quoted are written without their quotes.
 bool isTextual(Qor::QorType& type) {
+    if (type.isEnumType()) return true;
     return type.genericIf(static_cast<void const*>(nullptr), true)
         ->strRep()
         .view()

@@ -159,6 +159,11 @@ Qor::String8 Peer::onAsked(Qor::String8 const& path, bool writable, Qor::Entity&
                             std::to_string(host_.quotas().limits().mounts) + " mounts already");
 }
 
+Qor::String8 Peer::onAskedToCall(Qor::String8 const& path, Qor::String8 const&,
+                                 Qor::Entity& entity) {
+    return std::string_view(host_.whyNotCalled(std::string(path.view()), entity));
+}
+
 void Peer::onGiven(MountId mount, Qor::String8 const& path, bool writable) {
     mounts_[mount] = {std::string(path.view()), writable};
 }

@@ -60,6 +60,8 @@ class Peer final : public std::enable_shared_from_this<Peer>,
 
   private:
     Qor::String8 onAsked(Qor::String8 const& path, bool writable, Qor::Entity& entity) override;
+    Qor::String8 onAskedToCall(Qor::String8 const& path, Qor::String8 const& operation,
+                               Qor::Entity& entity) override;
     void onGiven(Qor::NboAttrLog::MountId mount, Qor::String8 const& path, bool writable) override;
     void onTakenBack(Qor::NboAttrLog::MountId mount) override;
     void onWritten(Qor::Entity& entity, Qor::AttributeId attribute) override;

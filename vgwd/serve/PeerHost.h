@@ -29,6 +29,8 @@ class PeerHost {
 
     /// Why nobody may write what stands at that path; empty: writers may.
     virtual std::string whyReadOnly(std::string const& path, Qor::Entity& entity) = 0;
+    /// Why nobody may call operations of what stands at that path; empty: writers may.
+    virtual std::string whyNotCalled(std::string const& path, Qor::Entity& entity) = 0;
     /// A writer's record was applied.
     virtual void handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) = 0;
     /// Something went over the connection, or what it has changed.

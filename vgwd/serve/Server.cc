@@ -75,6 +75,10 @@ std::string Server::whyReadOnly(std::string const& path, Qor::Entity& entity) {
     return listener_.whyReadOnly(path, entity);
 }
 
+std::string Server::whyNotCalled(std::string const& path, Qor::Entity& entity) {
+    return listener_.whyNotCalled(path, entity);
+}
+
 void Server::handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) {
     listener_.onWritten(peer, entity, attribute);
 }

@@ -21,6 +21,8 @@ class ServerListener {
     virtual ~ServerListener() = default;
     /// Why nobody may write what stands at that path; empty: writers may.
     virtual std::string whyReadOnly(std::string const& path, Qor::Entity& entity) = 0;
+    /// Why nobody may call operations of what stands at that path; empty: writers may.
+    virtual std::string whyNotCalled(std::string const& path, Qor::Entity& entity) = 0;
     /// A writer has changed an attribute.
     virtual void onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) = 0;
     /// A session began, ended, or something went over it.
@@ -53,6 +55,7 @@ class Server final : private PeerHost {
     SSL_CTX* tlsContext() override { return tls_->get(); }
     void log(Ovsdb::LogLevel level, std::string const& text) override { log_(level, text); }
     std::string whyReadOnly(std::string const& path, Qor::Entity& entity) override;
+    std::string whyNotCalled(std::string const& path, Qor::Entity& entity) override;
     void handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) override;
     void handleTraffic(Peer& peer) override { listener_.onTraffic(peer); }
     void handleEnded(Peer& peer) override;

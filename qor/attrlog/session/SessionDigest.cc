@@ -40,12 +40,11 @@ void Session::tellDigests() {
     String8 fault;
     try {
         Ptr<Entity> const entity = entityAt(page.path);
-        if (!entity) {
+        if (entity) {
+            digest = stateDigest(*entity, page);
+        } else {
             fault = page.path + " does not exist";
-        } else if (listener_ != nullptr) {
-            fault = listener_->onAsked(page.path, false, *entity);
         }
-        if (fault.empty()) digest = stateDigest(*entity, page);
     } catch (Exception const& failure) {
         fault = failure.message();
     }

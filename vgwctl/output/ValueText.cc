@@ -10,19 +10,46 @@
 namespace Vgwctl {
 namespace {
 
+constexpr char const* digits = "0123456789abcdef";
+
+bool isPlain(unsigned char c) {
+    return c >= 0x80 || std::isalnum(c) != 0 ||
+           std::string_view("_-.:/@%+*~!$").find(static_cast<char>(c)) != std::string_view::npos;
+}
+
 // What no one takes for a list, a pair or several words, or for nothing.
 bool isPlain(std::string_view text) {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](unsigned char c) {
-        return std::isalnum(c) != 0 ||
-               std::string_view("_-.:/@%+*~!$").find(static_cast<char>(c)) !=
-                   std::string_view::npos;
-    });
+    return !text.empty() &&
+           std::all_of(text.begin(), text.end(), [](unsigned char c) { return isPlain(c); });
+}
+
+void addByte(std::string& shown, char const* escape, char c) {
+    auto const byte = static_cast<unsigned char>(c);
+    shown += escape;
+    shown += {digits[byte >> 4], digits[byte & 15]};
+}
+
+// Between double quotes, as in JSON; bytes that JSON has no form for as \xNN.
+std::string inQuotes(std::string_view text) {
+    std::string shown = "\"";
+    for (std::size_t at = 0; at < text.size();) {
+        std::size_t const length = Qor::printableLength(text.substr(at));
+        if (text[at] == '"' || text[at] == '\\') shown += '\\';
+        if (length != 0) {
+            shown += text.substr(at, length);
+        } else {
+            addByte(shown, static_cast<unsigned char>(text[at]) < 0x80 ? "\\u00" : "\\x", text[at]);
+        }
+        at += std::max<std::size_t>(length, 1);
+    }
+    return shown + '"';
 }
 
 std::string shown(Value const& value, TextForm form) {
     bool const isText = value.kind == Value::Kind::text;
-    if (!isText || form == TextForm::bare || isPlain(value.text)) return printable(value.text);
-    return jsonText(nlohmann::json(value.text));
+    if (!isText || form == TextForm::bare) return printable(value.text);
+    return isPlain(value.text) && printable(value.text) == value.text ? value.text
+                                                                      : inQuotes(value.text);
 }
 
 std::string memberText(Value::Member const& member, bool isSet, TextForm form) {
@@ -78,15 +105,13 @@ nlohmann::json jsonOf(Value const& value) {
 }
 
 std::string printable(std::string_view text) {
-    constexpr char const* digits = "0123456789abcdef";
     std::string shown;
     for (std::size_t at = 0; at < text.size();) {
         std::size_t const length = Qor::printableLength(text.substr(at));
         if (length != 0) {
             shown += text.substr(at, length);
         } else {
-            auto const byte = static_cast<unsigned char>(text[at]);
-            shown += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
+            addByte(shown, "\\x", text[at]);
         }
         at += std::max<std::size_t>(length, 1);
     }

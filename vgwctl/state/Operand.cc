@@ -84,6 +84,14 @@ std::string takenWord(std::string_view& text) {
     return word;
 }
 
+std::string literalsOf(Qor::QorType const& type) {
+    std::string names;
+    for (auto const& attribute : type.attributes())
+        if (attribute->flags().isLiteral())
+            names += (names.empty() ? "" : ", ") + std::string(attribute->name().view());
+    return names;
+}
+
 // Values whose text form is quoted are written without their quotes.
 bool isTextual(Qor::QorType& type) {
     if (type.isEnumType()) return true;
@@ -135,7 +143,8 @@ GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word) {
         Qor::String8 const text{std::string_view(word)};
         return type.genericIfFromStrep(isTextual(type) ? Qor::valueToStrep(text) : text, false);
     } catch (Qor::Exception const& e) {
-        throw Failure(word + " is no " + std::string(type.fullName().view()) + ": " + e.what());
+        std::string const why = type.isEnumType() ? "expected " + literalsOf(type) : e.what();
+        throw Failure(word + " is no " + std::string(type.fullName().view()) + ": " + why);
     }
 }
 
@@ -147,13 +156,17 @@ bool holds(Operand const& operand, Qor::Entity& entity) {
                       ":KEY=VALUE");
     GenericIf::Ptr const held = memberAt(operand, attribute, wrapper);
     if (!held) return false;
-    if (attribute.valueType()->isEntity()) {
-        bool const isEqual = valueOf(held).text == operand.value;
+    // What has no order of its own.
+    Qor::QorType& type = *attribute.valueType();
+    if (type.isEntity() || type.isEnumType()) {
+        std::string const right =
+            type.isEntity() ? operand.value : valueOf(valueFrom(type, operand.value)).text;
+        bool const isEqual = valueOf(held).text == right;
         if (operand.relation == Relation::equal) return isEqual;
         if (operand.relation == Relation::unequal) return !isEqual;
-        throw Failure(operand.attribute + " is a reference: it is compared by = and != only");
+        throw Failure(operand.attribute + " is compared by = and != only");
     }
-    GenericIf::Ptr const right = valueFrom(*attribute.valueType(), operand.value);
+    GenericIf::Ptr const right = valueFrom(type, operand.value);
     return held->attributeOp(0, operationOf(operand.relation), right)->strRep() == "true";
 }
 

@@ -86,7 +86,7 @@ TEST(ValueJson, IsAsTheOvsdbToolsWriteIt) {
 TEST(Table, AlignsItsColumnsByWhatIsSeen) {
     EXPECT_EQ(printed({}),
               "name key  bindings\n"
-              "---- ---- ------------------\n"
+              "---- ---- ----------------\n"
               "red  5001 {7=red, 8=\"a b\"}\n"
               "r\xC3\xA9"
               "d  7    {}\n");

@@ -51,7 +51,10 @@ void printNone(Context& context, std::string const& word) {
     Table(headingsOf(neededType(word))).print(context.out(), context.options().style);
 }
 
-bool isNamed(Entity const& entity, std::string const& name) {
+bool isNamed(Entity& entity, std::string const& name) {
+    // Rows whose name is an identifier have what people call them beside it.
+    Qor::QorAttr::Ptr const label = entity.fwkType()->attr(Qor::Name("displayName"));
+    if (label && valueOf(*wrapped(entity), *label).text == name) return true;
     std::string const path(entity.uriPath().view());
     return path == name || entity.name().view() == name || path.substr(path.rfind('/') + 1) == name;
 }

@@ -100,7 +100,7 @@ Qor::QorType& neededType(std::string_view name) {
     std::vector<Qor::QorType*> found;
     for (Qor::QorType* const type : Qor::QorType::types())
         if (folded(type->name().view()) == folded(name)) found.push_back(type);
-    if (found.empty()) throw absent("a class " + std::string(name));
+    if (found.empty()) throw absent("the class " + std::string(name));
     if (found.size() > 1)
         throw Failure(std::string(name) + " may be " + std::string(found[0]->fullName().view()) +
                       " or " + std::string(found[1]->fullName().view()));

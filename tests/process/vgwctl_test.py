@@ -1,0 +1,256 @@
+"""vgwctl against a running vgwd: every command in every form, against what it printed when it was last looked at.
+
+After a wanted change: VGW_GOLDEN=write, with the environment that ctest gives, and read the difference.
+"""
+import os
+import re
+import time
+from pathlib import Path
+
+import process_case
+from support import ctl
+from support.agent import SLOWNESS, Agent
+
+GOLDEN = Path(__file__).parent / "golden" / "vgwctl.txt"
+
+
+def uuid(number):
+    return f"00000000-0000-4000-8000-{number:012}"
+
+
+SWITCH, PORT, RED, BLUE, LOCATOR, MAC = map(uuid, range(1, 7))
+OVSDB = "/vgw/status/ovsdb"
+
+
+def insert(table, identifier, **row):
+    return {"op": "insert", "table": table, "uuid": identifier, "row": row}
+
+
+NETWORK = [
+    insert("Logical_Switch", RED, name="red", tunnel_key=5001, description="tenant one"),
+    insert("Logical_Switch", BLUE, name="blue", description="say \"hi\", \u001b[2J"),
+    insert("Physical_Locator", LOCATOR, encapsulation_type="vxlan_over_ipv4", dst_ip="192.0.2.1"),
+    insert("Physical_Port", PORT, name="Ethernet1", vlan_bindings=["map", [[100, ["uuid", RED]], [200, ["uuid", BLUE]]]]),
+    insert("Physical_Switch", SWITCH, name="leaf-1", tunnel_ips="192.0.2.101", ports=["uuid", PORT]),
+    insert("Ucast_Macs_Remote", MAC, MAC="00:00:5e:00:53:01", logical_switch=["uuid", RED], locator=["uuid", LOCATOR]),
+    {"op": "mutate", "table": "Global", "where": [], "mutations": [["switches", "insert", ["uuid", SWITCH]]]},
+]
+
+# Each is run, and its output stands in the golden file.
+COMMANDS = [
+    ["tree", "/vgw/status"],
+    ["tree", OVSDB],
+    ["show", "/vgw/cliConfig"],
+    ["show", f"{OVSDB}/logicalSwitch/{RED}"],
+    ["show", OVSDB],
+    ["-f", "json", "show", f"{OVSDB}/logicalSwitch/{RED}"],
+    ["-f", "json", "tree", "/vgw/ucastMacsRemote"],
+    ["--columns=displayName,tunnelKey,desc", "list", "logical_switch"],
+    ["--columns=displayName,tunnelKey,desc", "-d", "bare", "list", "logical_switch"],
+    ["--columns=displayName,tunnelKey,desc", "-f", "list", "list", "logical_switch"],
+    ["--columns=displayName,tunnelKey,desc", "-f", "csv", "list", "logical_switch"],
+    ["--columns=displayName,tunnelKey,desc", "-f", "json", "list", "logical_switch"],
+    ["--columns=displayName,tunnelKey,desc", "--no-headings", "list", "logical_switch"],
+    ["--columns=_path,vlanBinding", "-f", "list", "list", "PhysicalPort", "Ethernet1"],
+    ["-f", "json", "--columns=key", "list", f"{OVSDB}/physicalLocatorRaw"],
+    ["-f", "list", "list", "/vgw/ucastMacsRemote"],
+    ["list", "LogicalBindingStats"],
+    ["--columns=displayName", "find", "LogicalSwitch", "tunnelKey=5001"],
+    ["--columns=displayName", "find", "LogicalSwitch", "tunnelKey!=5001", "displayName=blue"],
+    ["--columns=displayName", "find", "LogicalSwitch", "tunnelKey<100"],
+    ["--columns=displayName", "find", "PhysicalPort", f"vlanBinding:100={RED}"],
+    ["get", "/vgw/cliConfig", "managerPort", "vtepListType"],
+    ["get", f"{OVSDB}/physicalPort/{PORT}", "vlanBinding", "vlanBinding:200"],
+    ["-f", "json", "get", f"{OVSDB}/physicalPort/{PORT}", "vlanBinding", "displayName"],
+    ["get", OVSDB, "physicalSwitch", "remoteLocator"],
+    ["get", "/vgw/cliConfig"],
+    ["get", "/vgw/nothing"],
+    ["get", "--if-exists", "/vgw/nothing", "color"],
+    ["get", "/vgw/cliConfig", "color"],
+    ["get", f"{OVSDB}/physicalPort/{PORT}", "vlanBinding:7"],
+    ["get", "/vgw/cliConfig", "reset"],
+    ["set", "/vgw/cliConfig", "vtepListType=sendToAll", "logSyslog=warning", "--", "get", "/vgw/cliConfig", "vtepListType"],
+    ["set", "/vgw/cliConfig", "vtepListType=sendToSome"],
+    ["set", "/vgw/cliConfig", "managerIp=192.0.2.256"],
+    ["set", "/vgw/cliConfig", "managerTarget=a"],
+    ["set", "/vgw/cliConfig", "managerPort"],
+    ["set", "/vgw/config", "ovsdbRunDir=elsewhere"],
+    ["set", f"{OVSDB}/logicalSwitch/{RED}", "tunnelKey=1"],
+    ["set", "/vgw/nothing", "a=1"],
+    ["del", "/vgw/nothing"],
+    ["del", "--if-exists", "/vgw/nothing"],
+    ["call", "/vgw/cliConfig", "explode"],
+    ["call", OVSDB, "clear"],
+    ["call", "/vgw/cliConfig", "managerPort"],
+    ["call", "/vgw/cliConfig", "reset", "now"],
+    ["wait-until", f"{OVSDB}/logicalSwitch/{RED}", "tunnelKey=5001", "displayName=red"],
+    ["-t", "0.3", "wait-until", f"{OVSDB}/logicalSwitch/{RED}", "tunnelKey=1"],
+    ["-t", "0.5", "watch", "LogicalSwitch", "displayName,tunnelKey"],
+    ["-t", "0.5", "-f", "json", "watch", f"{OVSDB}/logicalSwitch/{RED}"],
+    ["-t", "0.5", "-f", "csv", "watch", f"{OVSDB}/physicalPort/{PORT}", "vlanBinding"],
+    ["-t", "0.5", "watch", "LogicalSwitch", "!initial"],
+    ["watch", "LogicalSwitch", "!everything"],
+    ["types", "Vgw::*Type"],
+    ["describe", "Vgw::LogicalSwitch"],
+    ["describe", "encapsulation_type"],
+    ["describe", "PhysicalLocatorKey"],
+    ["describe", "Nothing"],
+    ["--columns=color", "list", "LogicalSwitch"],
+    ["list", "LogicalRouter"],
+    ["find", "LogicalSwitch", "tunnelKey"],
+    ["explode"],
+    ["get"],
+    ["get", "--may-exist", "/vgw"],
+    ["verify", OVSDB],
+    ["complete", "P", "/vgw/ucast"],
+    ["complete", "A", "logS", "/vgw/cliConfig"],
+    ["complete", "C", "Logical"],
+]
+
+
+class VgwctlCase(process_case.ProcessCase):
+    def setUp(self):
+        super().setUp()
+        self.database = self.server()
+        with self.database.client() as client:
+            client.transact([{"op": "insert", "table": "Global", "row": {}}])
+            client.transact(NETWORK)
+        self.agent = Agent(self.directory / "agent", self.database.remote)
+        self.addCleanup(self.agent.stop)
+        self.agent.start()
+        self.agent.await_said("in step")
+        self.remote = f"unix:{self.agent.directory / 'vgwd.sock'}"
+
+    def run_ctl(self, *words):
+        return ctl.run(self.remote, *words)
+
+    def read(self, *words):
+        return ctl.read(self.remote, *words)
+
+
+class GoldenTest(VgwctlCase):
+    def masked(self, text):
+        text = text.replace(str(self.directory), "DIR")
+        text = re.sub(r"\b\d{10}\.\d+", "TIME", text)
+        text = re.sub(r"(responseTimeForLastMsg\W+)[-+.e\d]+", r"\1SECONDS", text)
+        text = re.sub(r"\b[0-9a-f]{8}(-[0-9a-f]{4}){3}-(?!0{11})[0-9a-f]{12}\b", "GLOBAL", text)
+        return re.sub(r"\b[0-9a-f]{16} (true|false)", r"DIGEST           \1", text)
+
+    def section(self, words):
+        done = self.run_ctl(*words)
+        shown = " ".join(word if re.fullmatch(r"[^\s'\"]+", word) else f"'{word}'" for word in words)
+        return self.masked(f"$ vgwctl {shown}\n{done.stdout}{done.stderr}-> {done.returncode}\n")
+
+    def test_every_command_prints_what_it_printed(self):
+        printed = "\n".join(self.section(words) for words in COMMANDS)
+        if os.environ.get("VGW_GOLDEN") == "write":
+            GOLDEN.write_text(printed, encoding="utf-8")
+        self.assertEqual(GOLDEN.read_text(encoding="utf-8"), printed)
+
+
+class FollowingTest(VgwctlCase):
+    def await_said(self, running, words, what):
+        deadline = time.monotonic() + 20 * SLOWNESS
+        while words not in running.said():
+            if time.monotonic() > deadline or not running.is_running():
+                self.fail(f"{what}: {running.said()[-2000:]} {running.told()[-2000:]}")
+            time.sleep(0.01)
+
+    def test_watch_prints_what_the_database_changes(self):
+        with ctl.Running(self.remote, "watch", "LogicalSwitch", "!initial") as watch:
+            self.await_mounted()
+            self.database.vtep_ctl("set", "Logical_Switch", "red", "tunnel_key=6001")
+            self.await_said(watch, f"modify {OVSDB}/logicalSwitch/{RED} tunnelKey = 6001\n", "the change")
+            self.database.vtep_ctl("add-ls", "green")
+            self.await_said(watch, " displayName = green\n", "the row")
+            self.database.vtep_ctl("del-ls", "green")
+            self.await_said(watch, f"delete {OVSDB}/logicalSwitch/", "the removal")
+
+    def await_mounted(self):
+        """Until the agent has given something to the reader that was started last."""
+        time.sleep(0.3 * SLOWNESS)
+
+    def test_watch_reconnects_for_ever_says_so_and_prints_differences_only(self):
+        with ctl.Running(self.remote, "watch", OVSDB) as watch:
+            self.await_said(watch, f"initial {OVSDB}/logicalSwitch/{BLUE} tunnelKey = 16777216\n", "the beginning")
+            before = watch.said()
+            self.agent.kill()
+            self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=6002")
+            self.await_told(watch, "it is tried again")
+            self.agent.start()
+            self.await_said(watch, f"modify {OVSDB}/logicalSwitch/{BLUE} tunnelKey = 6002\n", "the difference")
+            self.await_told(watch, "connected to")
+            changes = [line for line in watch.said()[len(before) :].splitlines()]
+            self.assertEqual(changes, [f"modify {OVSDB}/logicalSwitch/{BLUE} tunnelKey = 6002"])
+
+    def await_told(self, running, words):
+        deadline = time.monotonic() + 20 * SLOWNESS
+        while words not in running.told():
+            self.assertTrue(time.monotonic() < deadline and running.is_running(), running.told())
+            time.sleep(0.01)
+
+    def test_watch_ends_with_who_reads_it(self):
+        with ctl.Running(self.remote, "watch", "LogicalSwitch") as watch:
+            self.await_said(watch, "initial", "the beginning")
+            watch._process.stdout.close()
+            self.database.vtep_ctl("set", "Logical_Switch", "red", "tunnel_key=6003")
+            self.assertEqual(watch.code(), 1)
+            watch._process.stdout = open(os.devnull, "rb")
+
+    def test_wait_until_ends_when_it_comes(self):
+        path = f"{OVSDB}/logicalSwitch/{RED}"
+        with ctl.Running(self.remote, "wait-until", path, "tunnelKey=7777") as waiting:
+            self.await_mounted()
+            self.assertTrue(waiting.is_running())
+            self.database.vtep_ctl("set", "Logical_Switch", "red", "tunnel_key=7777")
+            self.assertEqual(waiting.code(), 0)
+
+    def test_record_replay_and_diff_agree(self):
+        recording = self.directory / "recording"
+        with ctl.Running(self.remote, "-t", 600, "record", recording):
+            deadline = time.monotonic() + 20 * SLOWNESS
+            while self.run_ctl("diff", recording, self.remote).returncode != 0:
+                self.assertLess(time.monotonic(), deadline)
+                time.sleep(0.05)
+            self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=6004")
+            while " tunnelKey = 6004" in self.run_ctl("diff", recording, self.remote).stdout or (
+                self.run_ctl("get", f"{OVSDB}/logicalSwitch/{BLUE}", "tunnelKey").stdout != "6004\n"
+            ):
+                self.assertLess(time.monotonic(), deadline)
+                time.sleep(0.05)
+        self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=6005")
+        self.read("wait-until", f"{OVSDB}/logicalSwitch/{BLUE}", "tunnelKey=6005")
+        done = self.run_ctl("diff", recording, self.remote)
+        self.assertEqual(done.returncode, 4)
+        row = f"{OVSDB}/logicalSwitch/{BLUE} tunnelKey"
+        self.assertEqual(done.stdout, f"- {row} = 6004\n+ {row} = 6005\n")
+        self.check_replay(recording)
+
+    def check_replay(self, recording):
+        socket = self.directory / "replay.sock"
+        with ctl.Running(self.remote, "replay", recording, socket, 0) as replay:
+            deadline = time.monotonic() + 20 * SLOWNESS
+            key = ""
+            while key != "6004\n":
+                self.assertTrue(time.monotonic() < deadline and replay.is_running(), replay.told())
+                key = ctl.run(f"unix:{socket}", "get", f"{OVSDB}/logicalSwitch/{BLUE}", "tunnelKey").stdout
+            self.assertEqual(socket.stat().st_mode & 0o777, 0o600)
+            done = ctl.run(f"unix:{socket}", "set", "/vgw/cliConfig", "managerPort=1")
+            self.assertEqual((done.returncode, done.stderr), (1, "vgwctl: /vgw/cliConfig may only be read\n"))
+
+    def test_an_agent_that_is_not_there_is_named(self):
+        done = ctl.run(f"unix:{self.directory}/nobody", "show")
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.stderr, f"vgwctl: unix:{self.directory}/nobody: No such file or directory\n")
+
+    def test_set_changes_what_the_agent_does(self):
+        self.read("set", "/vgw/cliConfig", "managerIp=192.0.2.1", "managerPort=6632")
+        self.agent.await_that(
+            lambda: self.database.vtep_ctl("get-manager").strip() == "ssl:192.0.2.1:6632", "the manager is set"
+        )
+        self.read("call", "/vgw/cliConfig", "reset")
+        self.assertEqual(self.read("get", "/vgw/cliConfig", "enableAgent"), "false\n")
+
+
+if __name__ == "__main__":
+    process_case.main()

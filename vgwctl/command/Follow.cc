@@ -65,6 +65,7 @@ void Follower::add(Entity& entity, Change::Kind kind) {
     followed.wrapper->watcherIs(this);
     added_.insert(&entity);
     tellState(followed, kind);
+    tellEntryState(followed, kind);
     for (Qor::QorAttr const* const attribute : heldAttributes(*entity.fwkType()))
         if (attribute->flags().isEntity()) reconcileAll(followed, *attribute, kind);
 }
@@ -82,7 +83,11 @@ void Follower::reconcile(Followed& followed, Slot const& slot, Entity::Ptr const
                          Change::Kind kind) {
     auto const known = followed.children.find(slot);
     if (known != followed.children.end()) {
-        if (known->second == child.ptr()) return;
+        if (known->second == child.ptr()) {
+            auto const same = followed_.find(child.ptr());
+            if (same != followed_.end()) tellEntryState(same->second, Change::Kind::modified);
+            return;
+        }
         Entity const& old = *known->second;
         followed.children.erase(known);
         drop(old);
@@ -139,6 +144,19 @@ void Follower::tellValue(Followed const& followed, Qor::QorAttr const& attribute
     change.key = valueOf(keyFrom(attribute, key));
     change.value = valueOf(memberOf(followed, attribute, key));
     sink_(change);
+}
+
+void Follower::tellEntryState(Followed& followed, Change::Kind kind) {
+    Entity const& entity = *followed.wrapper->entityConst();
+    std::string const state(entryStateOf(entity));
+    if (state == followed.state) return;
+    followed.state = state;
+    sink_({kind,
+           followed.path,
+           entity.fwkType(),
+           "_state",
+           {},
+           textValue(state.empty() ? "ready" : state)});
 }
 
 // Of what holds children their coming and going is told, by themselves.

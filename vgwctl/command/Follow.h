@@ -54,6 +54,7 @@ class Follower : private Qor::GenericIf::Watcher {
     struct Followed {
         Qor::GenericIf::Ptr wrapper;  // holds the entity
         std::string path;
+        std::string state;  // as an entry of a directory
         std::map<Slot, Qor::Entity const*> children;
     };
     using Heard = std::tuple<Qor::Entity const*, Qor::AttributeId, std::string>;
@@ -65,6 +66,8 @@ class Follower : private Qor::GenericIf::Watcher {
     void drop(Qor::Entity const& entity);
     void tell(Heard const& heard);
     void tellState(Followed const& followed, Change::Kind kind);
+    // Of an entry of a directory, whether it can be relied on, if that has changed.
+    void tellEntryState(Followed& followed, Change::Kind kind);
     void tellValue(Followed const& followed, Qor::QorAttr const& attribute, std::string const& key);
     static Qor::GenericIf::Ptr memberOf(Followed const& followed, Qor::QorAttr const& attribute,
                                         std::string const& key);

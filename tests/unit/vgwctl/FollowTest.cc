@@ -96,6 +96,13 @@ TEST_F(Following, TellsOfAllThatGoesWithItsOwner) {
     EXPECT_NE(told.find("delete /vgw/status/ovsdb\n"), std::string::npos) << told;
 }
 
+TEST_F(Following, TellsWhenAnEntryCanNoLongerBeReliedOn) {
+    root->entryStateIs(Qor::Name("status"), Qor::Dir::EntryState::stale);
+    EXPECT_EQ(take(), "modify /vgw/status _state = stale\n");
+    root->entryStateIs(Qor::Name("status"), Qor::Dir::EntryState::ready);
+    EXPECT_EQ(take(), "modify /vgw/status _state = ready\n");
+}
+
 TEST_F(Following, EndsWithTheFollower) {
     follower.reset();
     red->tunnelKeyIs(1);

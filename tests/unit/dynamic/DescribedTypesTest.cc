@@ -27,8 +27,8 @@ std::string recordOf(QorType& type) {
     for (auto const& attribute : type.attributes()) {
         text << attribute->id() << " " << attribute->name().view() << " "
              << name(attribute->valueType()) << " [" << name(attribute->keyType()) << "] "
-             << name(attribute->owner()) << " by " << name(attribute->definedBy()) << std::hex << " "
-             << attribute->flags().low() << " " << attribute->flags().high() << " "
+             << name(attribute->owner()) << " by " << name(attribute->definedBy()) << std::hex
+             << " " << attribute->flags().low() << " " << attribute->flags().high() << " "
              << attribute->introspection().value() << std::dec << " "
              << attribute->indexAttrName().view() << " "
              << (attribute->keyAttr() ? attribute->keyAttr()->name().view() : "-");

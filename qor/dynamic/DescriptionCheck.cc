@@ -123,7 +123,7 @@ void DescriptionCheck::needWhole(TypeDescription const& description) {
     for (Attribute const& attribute : description.attributes) {
         needAttribute(description, attribute);
     }
-    meaningsOf(description, description.fullName, 0);
+    classOf(description, description.fullName, 0);
     if (description.kind == Kind::value) fieldsOf(description, description.fullName, 0);
 }
 
@@ -136,38 +136,46 @@ void DescriptionCheck::needAttribute(TypeDescription const& description,
     if (isInValue) refuse(description, attribute.name + " is an entity within a value");
 }
 
-// What a class inherits first, so that nothing that it defines can give that another meaning.
-DescriptionCheck::Meanings const& DescriptionCheck::meaningsOf(TypeDescription const& root,
-                                                               Name const& name, U32 depth) {
-    if (depth > greatestDepth) refuse(root, "its bases go round in a circle, or do not end");
-    auto const found = meanings_.find(name);
-    if (found != meanings_.end()) return found->second;
-    Meanings meanings;
-    if (auto const* const description = told(name)) {
-        meanings = meaningsOf(root, description->base, depth + 1);
-        attributes_ += static_cast<U32>(meanings.size());
-        for (Attribute const& one : description->attributes) {
-            addMeaning(root, meanings, one.id, one.name);
-        }
-    } else if (QorType const* const type = QorType::type(name)) {
-        U32 levels = depth;
-        for (auto const* at = type; at; at = at->base()) ++levels;
-        if (levels > greatestDepth) refuse(root, "its bases go round in a circle, or do not end");
-        for (auto const& one : type->attributes()) meanings[one->id()] = one->name();
-    }
-    return meanings_.emplace(name, std::move(meanings)).first->second;
+void DescriptionCheck::needLevels(TypeDescription const& root, U32 levels) {
+    if (levels > greatestDepth) refuse(root, "its bases go round in a circle, or do not end");
 }
 
-void DescriptionCheck::addMeaning(TypeDescription const& description, Meanings& meanings,
-                                  AttributeId id, Name const& name) {
-    auto const [place, isNew] = meanings.emplace(id, name);
+DescriptionCheck::Class const& DescriptionCheck::classOf(TypeDescription const& root,
+                                                         Name const& name, U32 depth) {
+    needLevels(root, depth);
+    auto const found = classes_.find(name);
+    if (found != classes_.end()) return found->second;
+    Class result;
+    if (auto const* const description = told(name)) {
+        result = toldClass(root, *description, depth);
+    } else if (QorType const* const type = QorType::type(name)) {
+        for (auto const* at = type; at; at = at->base()) ++result.levels;
+        for (auto const& one : type->attributes()) result.meanings[one->id()] = one->name();
+    }
+    needLevels(root, result.levels);
+    return classes_.emplace(name, std::move(result)).first->second;
+}
+
+// What a class inherits first, so that nothing that it defines can give that another meaning.
+DescriptionCheck::Class DescriptionCheck::toldClass(TypeDescription const& root,
+                                                    TypeDescription const& description, U32 depth) {
+    Class result = classOf(root, description.base, depth + 1);
+    ++result.levels;
+    for (Attribute const& one : description.attributes) addMeaning(root, result, one.id, one.name);
+    attributes_ += static_cast<U32>(result.meanings.size());
+    bool const isTooMany =
+        result.meanings.size() > greatestAttributes || attributes_ > greatestAttributesOfAll;
+    if (isTooMany) refuse(root, "more attributes than a type, or a set of them, may have");
+    return result;
+}
+
+void DescriptionCheck::addMeaning(TypeDescription const& root, Class& to, AttributeId id,
+                                  Name const& name) {
+    auto const [place, isNew] = to.meanings.emplace(id, name);
     if (!isNew && place->second != name) {
-        refuse(description,
+        refuse(root,
                format("%s has the number %d of %s", name.charPtr(), id, place->second.charPtr()));
     }
-    bool const isTooMany =
-        meanings.size() > greatestAttributes || ++attributes_ > greatestAttributesOfAll;
-    if (isTooMany) refuse(description, "more attributes than a type, or a set of them, may have");
 }
 
 // A value that is being counted counts 0: to meet it again is a circle.

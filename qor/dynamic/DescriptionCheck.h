@@ -30,23 +30,28 @@ class DescriptionCheck {
     void run();
 
   private:
-    using Meanings = std::map<AttributeId, Name>;
+    /// What the attributes of a class are, by their numbers, and how many classes it stands on.
+    struct Class {
+        std::map<AttributeId, Name> meanings;
+        U32 levels = 0;
+    };
 
     void needWhole(TypeDescription const& description);
     void needAttribute(TypeDescription const& description,
                        TypeDescription::Attribute const& attribute);
     void needAgrees(TypeDescription const& description, QorType& compiled) const;
-    /// What the attributes of a class are, by their numbers.
-    Meanings const& meaningsOf(TypeDescription const& root, Name const& name, U32 depth);
-    void addMeaning(TypeDescription const& description, Meanings& meanings, AttributeId id,
-                    Name const& name);
+    Class const& classOf(TypeDescription const& root, Name const& name, U32 depth);
+    Class toldClass(TypeDescription const& root, TypeDescription const& description, U32 depth);
+    static void needLevels(TypeDescription const& root, U32 levels);
+    static void addMeaning(TypeDescription const& root, Class& to, AttributeId id,
+                           Name const& name);
     U32 fieldsOf(TypeDescription const& root, Name const& name, U32 depth);
     TypeDescription const* told(Name const& name) const;
     bool isKnown(Name const& name) const;
     bool isEntity(Name const& name) const;
 
     TypeDescriptions const& all_;
-    std::map<Name, Meanings> meanings_;
+    std::map<Name, Class> classes_;
     std::map<Name, U32> fields_;
     U32 attributes_ = 0;
 };

@@ -80,8 +80,7 @@ class EntityWrapper : public Base {
 
     GenericIf::Ptr genericClone() const override {
         auto* const entity = const_cast<PtrInterface*>(this->qorNotifier());
-        return make<typename X::GenericIf_>(Ptr<Entity>(static_cast<Entity*>(entity)),
-                                            this->isConst());
+        return fwkType()->genericIf_(entity, this->isConst());
     }
 
     void notifierIs(Ptr<PtrInterface const> const& notifier) override {

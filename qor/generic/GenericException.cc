@@ -39,4 +39,9 @@ OpNotSupportedException::OpNotSupportedException(String8 attribute, U32 opId)
       opId_(opId) {}
 OpNotSupportedException::~OpNotSupportedException() = default;
 
+NoCodeException::NoCodeException(String8 operation, String8 const& type)
+    : GenericException(operation, operation + ": can be called only where " + type +
+                                      " is more than a description") {}
+NoCodeException::~NoCodeException() = default;
+
 }  // namespace Qor

@@ -68,6 +68,13 @@ class QOR_EXPORT OpNotSupportedException : public GenericException {
     U32 opId_;
 };
 
+/// A call of an operation whose class the process knows by a description alone.
+class QOR_EXPORT NoCodeException : public GenericException {
+  public:
+    NoCodeException(String8 operation, String8 const& type);
+    ~NoCodeException() override;
+};
+
 }  // namespace Qor
 
 #endif

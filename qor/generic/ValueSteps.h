@@ -1,9 +1,10 @@
 // What can be done with values of a type of which only the record is known: hold one, copy, compare
-// and order them, send and read them. QorType::valueSteps() gives the steps of a type; a type
+// and order them, send and read them, print
+// and parse them. QorType::valueSteps() gives the steps of a type; a type
 // without them (an entity, void*, constants that are never sent) gives null.
 //
-// A value stands in a Place: itself, where it is small and can be moved without failing, else a
-// block on the heap. Steps have no state, and may be used on any thread.
+// A value stands in a Place: itself, where it is small and moved by moving its bytes, else a block
+// on the heap. Steps have no state, and may be used on any thread.
 #ifndef QOR_GENERIC_VALUE_STEPS_H
 #define QOR_GENERIC_VALUE_STEPS_H
 
@@ -13,6 +14,7 @@
 #include <qor/attrlog/MessageSize.h>
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <qor/core/Strep.h>
 #include <qor/generic/TypeOf.h>
 
 namespace Qor {
@@ -45,6 +47,11 @@ class QOR_EXPORT ValueSteps {
     virtual void put(Ptr<NboAttrLog::Out> const& out, void const* value) const = 0;
     /// Reads a value into an empty place; raises what the type's own reader raises.
     virtual void read(Place& place, NboAttrLog::In& in) const = 0;
+    /// The text form.
+    virtual String8 text(void const* value) const = 0;
+    /// Reads the text form at the position into an empty place. Raises RangeException.
+    virtual void parse(Place& place, String8::IteratorConst& position,
+                       String8::IteratorConst const& end) const = 0;
 };
 
 /// A value that the attribute log can write and read.
@@ -109,10 +116,16 @@ class ValueStepsOf final : public ValueSteps {
             put(place, NboAttrLog::nextValue<V>(in));
         }
     }
+    String8 text(void const* value) const override { return valueToStrep(of(value)); }
+    void parse(Place& place, String8::IteratorConst& position,
+               String8::IteratorConst const& end) const override {
+        put(place, sequenceToValue<V>(position, end));
+    }
 
   private:
-    static constexpr bool isInPlace = sizeof(V) <= sizeof(Place) && alignof(V) <= alignof(Place) &&
-                                      std::is_nothrow_move_constructible_v<V>;
+    static constexpr bool isInPlace =
+        sizeof(V) <= sizeof(Place) && alignof(V) <= alignof(Place) &&
+        (std::is_trivially_copyable_v<V> || std::is_base_of_v<String8, V>);
     static V const& of(void const* value) noexcept { return *static_cast<V const*>(value); }
     static void put(Place& place, V value) {
         if constexpr (isInPlace) {

@@ -4,6 +4,10 @@ namespace Qor {
 
 GenericIfValue::~GenericIfValue() = default;
 
+GenericIf::Ptr GenericIfValue::memberValue(GenericMember const& member) const {
+    return member.get(address(), isConst());
+}
+
 GenericIf::Ptr GenericIfValue::attributeOp(AttributeOp const& op, PtrConst const& key,
                                            Ptr const& value) {
     needChangeable(op);
@@ -20,7 +24,7 @@ GenericIf::Ptr GenericIfValue::attributeOp(AttributeOp const& op, PtrConst const
         if (key) {
             throwBadIndexAttrException(member.name);
         }
-        return member.get(address(), isConst());
+        return memberValue(member);
     }
     return GenericIf::attributeOp(op, key, value);
 }

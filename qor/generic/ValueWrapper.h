@@ -29,6 +29,10 @@ class QOR_EXPORT GenericIfValue : public GenericIf {
     using GenericIf::attributeOp;
     Ptr attributeOp(AttributeOp const& op, PtrConst const& key, Ptr const& value) override;
 
+  protected:
+    /// The value of a member.
+    virtual Ptr memberValue(GenericMember const& member) const;
+
   private:
     virtual std::span<GenericMember const> members() const = 0;
     virtual void const* address() const = 0;

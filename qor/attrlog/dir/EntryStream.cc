@@ -42,15 +42,16 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     if (whole) child->doThis();
 }
 
-// The first class of the chain that is known here; null if none is. The position is left at the
-// argument.
-QorType* nextKnownType(NboAttrLog::In& in) {
+// The first class of the chain that is known here; null if none is, and `wanted` is then the first
+// of all. The position is left at the argument.
+QorType* nextKnownType(NboAttrLog::In& in, Name& wanted) {
     U32 const length = in.nextU32();
     U64 const end = in.readPosition() + length;
     if (length > in.available()) throw AttrLogRecordException("a chain of classes past its record");
     QorType* known = nullptr;
     while (in.readPosition() < end) {
         Name const name(in.nextString());
+        if (wanted.length() == 0) wanted = name;
         if (known == nullptr) known = QorType::type(name);
         if (known != nullptr && !known->isEntity()) known = nullptr;
     }
@@ -63,7 +64,9 @@ bool isSame(Entity& here, Entity const& announced, Ptr<NboAttrLog::Out const> co
             EntityId const& id) {
     auto const* const adapter = here.qorNboAttrLogSa(out);
     if (adapter) return adapter->entityId() == id;
-    return typeid(here) == typeid(announced) && here.name() == announced.name();
+    bool const isOfOneClass =
+        typeid(here) == typeid(announced) && here.fwkType() == announced.fwkType();
+    return isOfOneClass && here.name() == announced.name();
 }
 
 void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, EntityId const& id) {
@@ -91,9 +94,10 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     }
     told.state = static_cast<Dir::EntryState>(state);
     told.id = in.nextEntityId();
-    QorType* const type = nextKnownType(in);
+    Name wanted;
+    QorType* const type = nextKnownType(in, wanted);
     if (type == nullptr) {
-        record.demuxer.unknownClassesInc(1);
+        record.demuxer.unknownClass(wanted);
         return told;
     }
     told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);

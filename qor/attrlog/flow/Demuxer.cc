@@ -10,6 +10,7 @@ namespace NboAttrLog {
 
 LinkHandler::~LinkHandler() = default;
 void LinkHandler::written(Entity&, AttributeId) {}
+void LinkHandler::unknownClass(Name const&) {}
 
 Demuxer::Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side)
     : BaseDemuxer(std::move(name)),
@@ -107,6 +108,11 @@ void Demuxer::openTextInc(U64 bytes) {
                                    static_cast<unsigned long long>(quota_.openTextBytes)));
     }
     openText_ += bytes;
+}
+
+void Demuxer::unknownClass(Name const& fullName) {
+    ++counters_.unknownClasses;
+    if (link_ != nullptr) link_->unknownClass(fullName);
 }
 
 void Demuxer::fail(String8 const& reason) {

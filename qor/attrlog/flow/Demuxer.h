@@ -40,6 +40,8 @@ class QOR_EXPORT LinkHandler {
     virtual Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) = 0;
     // A record was applied to the entity.
     virtual void written(Entity& entity, AttributeId attribute);
+    // An entity was announced whose class is not known here; it is skipped.
+    virtual void unknownClass(Name const& fullName);
     // The connection can't go on; told once.
     virtual void failed(String8 const& reason) = 0;
 };
@@ -114,7 +116,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 openText() const noexcept { return openText_; }
 
     void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
-    void unknownClassesInc(U32 count) noexcept { counters_.unknownClasses += count; }
+    // Counts an entity whose class is not known here, and tells the session.
+    void unknownClass(Name const& fullName);
     void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
 
     // Gives the adapter a flow from `startAttr` on, in the place of one that it has, and a place in

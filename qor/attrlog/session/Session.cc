@@ -31,6 +31,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
       root_(std::move(root)),
       demuxer_(
           make<Demuxer>(config_.name, make<In>(), make<Out>(config_.ringBlocks), config_.side)),
+      types_(config_.types),
       since_(now()),
       lastHeard_(since_) {
     demuxer_->linkHandlerIs(this);
@@ -38,6 +39,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
     demuxer_->quotaIs(config_.quota);
     demuxer_->in()->greatestFrameIs(config_.greatestFrame);
     send(Op::hello, magic, protocol, config_.greatestFrame);
+    if (config_.takesTypes) askForTypes(Name());
 }
 
 Session::~Session() {
@@ -48,15 +50,19 @@ Session::~Session() {
 
 MountId Session::mount(String8 const& path, bool writable, Ptr<Entity> copy) {
     MountId const mount = ++lastMount_;
-    asked_[mount] = {path, writable, std::move(copy), {}};
-    send(Op::mount, mount, writable, path);
+    Asked& asked = asked_[mount];
+    asked.path = path;
+    asked.writable = writable;
+    asked.copy = std::move(copy);
+    asked.isHeldBack = awaitsTypes();
+    if (!asked.isHeldBack) sendMount(mount, asked);
     return mount;
 }
 
 void Session::unmount(MountId mount) {
     auto const found = asked_.find(mount);
     if (found == asked_.end()) return;
-    send(Op::unmount, mount);
+    if (!found->second.isHeldBack) send(Op::unmount, mount);
     EntityId const id = found->second.id;
     asked_.erase(found);
     bool const isShared = std::any_of(asked_.begin(), asked_.end(),
@@ -114,6 +120,7 @@ void Session::service(U64 budget) {
     wantsRead_ = false;
     for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end && !wantsRead_;) {
         bool const hasRead = readAll(readEnd);
+        describeTypes();
         demuxer_->serveFlows(budget);
         tellSynced();
         tellDigests();
@@ -155,7 +162,9 @@ bool Session::writeAll() {
     return hasWritten;
 }
 
-bool Session::wantsWrite() const { return !demuxer_->out()->unsent().empty() || demuxer_->owes(); }
+bool Session::wantsWrite() const {
+    return !demuxer_->out()->unsent().empty() || demuxer_->owes() || !answers_.empty();
+}
 
 // Behind what was owed when the mount was given: flows that only wait for ids hold it up no longer.
 void Session::tellSynced() {

@@ -3,6 +3,11 @@
 // unmounted or the connection ends, and stays then as it was. Mounted again over a new connection,
 // it is brought up to date, and hears of real differences only.
 //
+// A session that takes types asks the peer for descriptions of all its types first, and mounts when
+// they are there: what is not compiled in here is then kept in dynamic entities. Of a class that is
+// announced later and is not known, it asks by name and mounts again; what was mounted stays, and
+// onSynced is told once more.
+//
 // A session never blocks and runs only inside service(). It ends once, with one named reason: the
 // transport's, the peer's, or a fault of what the peer sent. One thread.
 //
@@ -14,9 +19,11 @@
 #include <qor/attrlog/flow/Demuxer.h>
 #include <qor/attrlog/session/StateDigest.h>
 #include <qor/attrlog/session/Transport.h>
+#include <qor/dynamic/DescribedTypes.h>
 
 #include <deque>
 #include <map>
+#include <set>
 #include <vector>
 
 namespace Qor {
@@ -74,6 +81,9 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         U32 ringBlocks = Out::defaultBlocks;
         Demuxer::Quota quota;
         U32 mounts = 1024;  // that the peer may have
+        // Whether classes that are not compiled in here are held by their descriptions.
+        bool takesTypes = false;
+        DescribedTypes::Quota types;
     };
 
     struct Counters {
@@ -144,13 +154,26 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         returned = 21,
         digest = 22,
         digested = 23,
+        describe = 10,
+        described = 11,
+        describedAll = 12,
     };
     struct Asked {
         String8 path;
         bool writable = false;
         Ptr<Entity> copy;
-        EntityId id;
+        EntityId id = {};
+        bool isHeldBack = false;  // until the peer's types are known
+        bool isTold = false;
     };
+    // What is still to be told of the types that the peer asked for.
+    struct Answer {
+        U32 number;
+        std::vector<QorType*> types;
+        std::size_t next = 0;
+    };
+    static constexpr std::size_t greatestAnswers = 16;
+    static constexpr std::size_t greatestNamesAsked = 1024;
     struct Given {
         EntityId id;
         bool isSynced = false;
@@ -159,6 +182,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleLink(Frame const& frame, In& in) override;
     Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
     void failed(String8 const& reason) override;
+    void unknownClass(Name const& fullName) override;
 
     void handleHello(In& in);
     void handleMount(In& in);
@@ -187,6 +211,16 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     bool writeAll();
     void tellSynced();
 
+    // The types of both ends.
+    void askForTypes(Name const& fullName);
+    bool awaitsTypes() const noexcept { return typesAsked_ != typesAnswered_; }
+    void sendMount(MountId mount, Asked& asked);
+    void handleDescribe(In& in);
+    void handleDescribed(In& in);
+    void handleDescribedAll(In& in);
+    void describeTypes();
+    void mountAgain();
+
     Config const config_;
     Transport& transport_;
     Ptr<Entity> const root_;
@@ -200,6 +234,11 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     std::deque<DigestPage> digestsOwed_;
     bool hasHello_ = false;
     bool wantsRead_ = false;
+    DescribedTypes types_;  // that the peer describes now
+    U32 typesAsked_ = 0;    // numbers of questions
+    U32 typesAnswered_ = 0;
+    std::set<Name> namesAsked_;
+    std::deque<Answer> answers_;
     String8 reason_;
     Seconds since_;
     Seconds lastHeard_;

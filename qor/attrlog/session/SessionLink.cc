@@ -7,6 +7,7 @@
 #include <qor/tree/EntityPath.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace Qor {
 
@@ -46,6 +47,12 @@ void Session::handleLink(Frame const&, In& in) {
         case Op::ping:
         case Op::pong:
             return handleAnswer(op, in);
+        case Op::describe:
+            return handleDescribe(in);
+        case Op::described:
+            return handleDescribed(in);
+        case Op::describedAll:
+            return handleDescribedAll(in);
     }
     throw AttrLogRecordException(
         format("a link message of the unknown kind %u", static_cast<U32>(op)));
@@ -161,11 +168,12 @@ LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName,
     if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();
     String8 const fault = findCopy(asked, typeName, name);
     if (fault.length() != 0) {
-        demuxer_->unknownClassesInc(1);
+        demuxer_->unknownClass(Name(typeName));
         refuseHere(id, fault);
         return {};
     }
-    if (listener_ != nullptr) listener_->onMounted(found->first, asked.copy);
+    bool const isFirst = !std::exchange(asked.isTold, true);
+    if (isFirst && listener_ != nullptr) listener_->onMounted(found->first, asked.copy);
     return {asked.copy, AdapterState::Bits(AdapterState::weakNotifier |
                                            (asked.writable ? 0 : AdapterState::readOnlyLocal))};
 }

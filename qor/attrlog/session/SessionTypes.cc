@@ -1,0 +1,89 @@
+// How types travel: each end describes to the other what its registry knows.
+#include <qor/attrlog/session/Session.h>
+#include <qor/core/Format.h>
+
+namespace Qor {
+
+namespace NboAttrLog {
+
+void Session::askForTypes(Name const& fullName) {
+    send(Op::describe, ++typesAsked_, String8(fullName));
+}
+
+void Session::sendMount(MountId mount, Asked& asked) {
+    asked.isHeldBack = false;
+    send(Op::mount, mount, asked.writable, asked.path);
+}
+
+void Session::handleDescribe(In& in) {
+    U32 const number = in.nextU32();
+    Name const name(in.nextString());
+    if (answers_.size() >= greatestAnswers) {
+        throw AttrLogRecordException(
+            format("more than %zu descriptions asked for at a time", greatestAnswers));
+    }
+    answers_.push_back({number, typesNeededFor(name)});
+}
+
+// As there is room: what the peer does not read costs no more than its ring.
+void Session::describeTypes() {
+    auto const& out = demuxer_->out();
+    try {
+        while (!answers_.empty() && !demuxer_->hasFailed() && out->freeBytes() >= Out::blockSize) {
+            Answer& answer = answers_.front();
+            if (answer.next == answer.types.size()) {
+                send(Op::describedAll, answer.number, static_cast<U32>(answer.types.size()));
+                answers_.pop_front();
+                continue;
+            }
+            QorType& type = *answer.types[answer.next++];
+            out->beginFrame(FrameKind::link, {});
+            out << Out::TransactToken::begin << static_cast<U8>(Op::described) << answer.number;
+            TypeDescription::of(type).put(out);
+            out << Out::TransactToken::end;
+        }
+    } catch (std::exception const& failure) {
+        demuxer_->fail(failure.what());
+    }
+}
+
+void Session::handleDescribed(In& in) {
+    bool const isAsked = awaitsTypes() && in.nextU32() == typesAnswered_ + 1;
+    if (!isAsked) throw AttrLogRecordException("a description that nobody asked for");
+    types_.take(in);
+}
+
+void Session::handleDescribedAll(In& in) {
+    bool const isAsked = awaitsTypes() && in.nextU32() == typesAnswered_ + 1;
+    bool const isWhole = isAsked && in.nextU32() == types_.size();
+    if (!isWhole) throw AttrLogRecordException("an end of descriptions that are not all there");
+    bool const isNews = typesAnswered_ != 0 && types_.size() != 0;
+    types_.complete();
+    ++typesAnswered_;
+    if (awaitsTypes()) return;
+    if (isNews) mountAgain();
+    for (auto& [mount, asked] : asked_) {
+        if (asked.isHeldBack) sendMount(mount, asked);
+    }
+}
+
+// Once for each name: what the peer can't describe is skipped from then on.
+void Session::unknownClass(Name const& fullName) {
+    bool const isToAsk = config_.takesTypes && namesAsked_.size() < greatestNamesAsked &&
+                         namesAsked_.insert(fullName).second;
+    if (isToAsk) askForTypes(fullName);
+}
+
+// The copies stay, and are told real differences only.
+void Session::mountAgain() {
+    for (auto& [mount, asked] : asked_) {
+        if (asked.isHeldBack) continue;
+        send(Op::unmount, mount);
+        letGo(std::exchange(asked.id, EntityId()));
+        sendMount(mount, asked);
+    }
+}
+
+}  // namespace NboAttrLog
+
+}  // namespace Qor

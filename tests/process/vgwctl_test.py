@@ -239,6 +239,11 @@ class FollowingTest(VgwctlCase):
             done = ctl.run(f"unix:{socket}", "set", "/vgw/cliConfig", "managerPort=1")
             self.assertEqual((done.returncode, done.stderr), (1, "vgwctl: /vgw/cliConfig may only be read\n"))
 
+    def test_it_has_none_of_the_classes_that_it_shows(self):
+        needed = subprocess.run(["readelf", "-d", ctl.program()], capture_output=True, text=True, check=True).stdout
+        self.assertIn("libqor.so.0", needed)
+        self.assertNotIn("Statemart", needed)
+
     def test_an_agent_that_is_not_there_is_named(self):
         done = ctl.run(f"unix:{self.directory}/nobody", "show")
         self.assertEqual(done.returncode, 1)

@@ -11,6 +11,7 @@ namespace Vgwctl {
 Qor::NboAttrLog::Session::Config sessionConfig() {
     Qor::NboAttrLog::Session::Config config;
     config.name = Qor::Name("vgwctl");
+    config.takesTypes = true;
     return config;
 }
 

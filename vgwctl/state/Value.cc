@@ -15,7 +15,8 @@ bool isQuoted(std::string_view text) {
 Value recordOf(GenericIf::Ptr const& wrapper) {
     Value record{Value::Kind::record, {}, {}};
     for (auto const& attribute : wrapper->fwkType()->attributes()) {
-        if (attribute->introspection().isFunction()) continue;
+        // What follows from the other fields says nothing new.
+        if (!attribute->flags().isStored()) continue;
         record.members.emplace_back(textValue(std::string(attribute->name().view())),
                                     valueOf(wrapper->attributeOp(attribute->id())));
     }

@@ -30,6 +30,7 @@ enum class FrameKind : U8 {
     record = 0,       // a value or a removal
     transaction = 1,  // begin, abort or end of an attribute's snapshot
     link = 2,         // control of the connection itself
+    receipt = 3,  // how many frames of the other end had been taken when what follows was written
 };
 
 inline constexpr U8 moreChunksBit = 0x80;

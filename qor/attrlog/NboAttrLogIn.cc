@@ -24,7 +24,7 @@ void readKind(In& in, Frame& frame) {
     U8 const kind = in.nextU8();
     frame.moreChunks = (kind & moreChunksBit) != 0;
     frame.kind = static_cast<FrameKind>(kind & ~moreChunksBit);
-    bool const isKnown = frame.kind <= FrameKind::link;
+    bool const isKnown = frame.kind <= FrameKind::receipt;
     if (!isKnown || (frame.moreChunks && frame.kind != FrameKind::record)) {
         throw AttrLogRecordException(format("a frame of the unknown kind %u", U32{kind}));
     }

@@ -32,6 +32,13 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     void onIsNondestructing() override;
     virtual void onEntry(Name key);
     void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) override;
+
+    /// The frame in which an entry was removed last.
+    U64 removedAt() const noexcept { return removedAt_; }
+    void removedAtIs(U64 frame) noexcept { removedAt_ = frame; }
+
+  private:
+    U64 removedAt_ = 0;
 };
 
 struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream
@@ -41,6 +48,7 @@ struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream
     /// Whether nothing is owed for the key.
     static bool serialize(QorNboAttrLogSa& adapter, Name const& key, QorEntry* member);
     static void read(QorNboAttrLogSa& adapter, InboundRecord& record);
+    static void del(Dir& dir, Name const& key) { dir.entryDel(key); }
     static void sweep(QorNboAttrLogSa& adapter, StreamAdapter::AttrTransactionType type);
 };
 

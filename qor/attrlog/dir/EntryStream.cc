@@ -15,9 +15,7 @@ using Token = NboAttrLog::Out::TransactToken;
 void putEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member,
               Entity::QorNboAttrLogSa& child) {
     auto const& out = adapter.nboAttrLogOut();
-    NboAttrLog::MsgHeader header{adapter.entityId(), EntryStream::id};
-    header.headerWordB = NboAttrLog::adapterAnnounceCode;
-    out->nextHeaderIs(header);
+    adapter.beginRecord(EntryStream::id, NboAttrLog::adapterAnnounceCode);
     out << Token::begin << String8(key) << static_cast<U8>(member.state()) << child.entityId();
     U64 const chain = out->written();
     out << U32{0};
@@ -27,6 +25,7 @@ void putEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member,
     out << Token::end;
 }
 
+// An entity that has stood here before is whole again when it comes back: the peer has let it go.
 void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     Entity& entity = *member.value();
     if (!entity.qorHasAttrLogInterface()) return;
@@ -37,9 +36,13 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     if (!isKnown) child->qorOnInit();
     adapter.doFixChildFlags(child);
     putEntry(adapter, key, member, *child);
-    bool const whole = !isKnown || adapter.handlingScheduledFlowOut() ||
+    if (isKnown && child->isAnnouncedBefore(adapter.removedAt())) {
+        child->flagIs(AdapterState::isLostAtPeer, true);
+    }
+    bool const whole = !isKnown || child->has(AdapterState::isLostAtPeer) ||
+                       adapter.handlingScheduledFlowOut() ||
                        adapter.syncMode() == StreamAdapter::resync;
-    if (whole) child->doThis();
+    if (whole) sendWholeOf(*child);
 }
 
 // The first class of the chain that is known here; null if none is, and `wanted` is then the first
@@ -74,7 +77,7 @@ void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, Entit
     auto const child =
         entity.qorNboAttrLogSaIs(flags, 1, adapter.nboAttrLogOut(), adapter.msgChannel());
     if (child->entityId() != id) child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
-    child->flagIs(AdapterState::remountPending, false);
+    child->remounted();
 }
 
 struct Announced {
@@ -115,6 +118,40 @@ void needShallow(Entity const& dir) {
     }
 }
 
+// Whether what stands under the name is not known to the peer yet.
+bool isNewsToPeer(Adapter& adapter, Name const& key) {
+    Ptr<Entity> const entity = targetOf<EntryStream>(adapter).entry(key);
+    if (!entity || adapter.has(AdapterState::isCopy)) return false;
+    auto const* const known =
+        entity->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    if (known) return known->isUnheardOf();
+    return !entity->qorHasAttrLogInterface() || isOwed<EntryStream>(adapter, key);
+}
+
+// The end of an entry's record; where it crossed another, the entry goes to the peer whole.
+void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
+    if (adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
+    if (!record.hasCrossed) return;
+    adapter.flagIs(AdapterState::isActive, false);
+    auto const member = targetOf<EntryStream>(adapter).qorEntry(key);
+    bool const isThere = member && member->value()->qorHasAttrLogInterface();
+    if (!isThere) return adapter.onEntry(key);
+    auto* const known =
+        member->value()->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    if (known) known->flagIs(AdapterState::isLostAtPeer, true);
+    if (!keyGoesNow<EntryStream>(adapter, *adapter.nboAttrLogOut(), key)) return;
+    writeWhole([&] { sendEntry(adapter, key, *member); });
+}
+
+void takeDownEntry(Adapter& adapter, Name const& key) {
+    auto& dir = targetOf<EntryStream>(adapter);
+    if (auto const entity = dir.entry(key)) {
+        NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    }
+    adapter.flagIs(AdapterState::isActive, true);
+    dir.entryDel(key);
+}
+
 void takeEntry(Adapter& adapter, InboundRecord& record) {
     auto& dir = targetOf<EntryStream>(adapter);
     needShallow(dir);
@@ -125,12 +162,17 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     Ptr<Entity> entity = dir.entry(told.key);
     bool const isKnown = entity && entity->qorNboAttrLogSa(out) &&
                          entity->qorNboAttrLogSa(out)->entityId() == told.id;
+    if (!isKnown && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) record.demuxer.needPeersId(told.id);
-    if (!entity || !isSame(*entity, *told.entity, out, told.id)) entity = told.entity;
+    if (!entity || !isSame(*entity, *told.entity, out, told.id)) {
+        if (entity) NboAttrLog::deleteAdapter(*entity, out);
+        entity = told.entity;
+    }
     dir.entryIs(told.key, entity);
     adapter.flagIs(AdapterState::isActive, true);
     dir.entryStateIs(told.key, told.state);
     enter(adapter, record.demuxer, *entity, told.id);
+    settleEntry(adapter, record, told.key);
 }
 
 }  // namespace
@@ -141,8 +183,10 @@ bool EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member)
     if (guard.wasActive()) return true;
     if (!keyGoesNow<EntryStream>(adapter, *guard.out(), key)) return false;
     if (member == nullptr) {
-        guard.out()->nextHeaderIs({adapter.entityId(), -id});
+        adapter.beginRecord(-id);
         guard.out() << Token::begin << String8(key) << Token::end;
+        adapter.streamDemuxer()->removalSent();
+        adapter.removedAtIs(adapter.streamDemuxer()->framesSent());
         return true;
     }
     Qor::Ptr<QorEntry> const held(member);
@@ -155,7 +199,11 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     if (record.id > 0) return takeEntry(adapter, record);
     Name const key(record.in.nextString());
     if (record.echoOnly) return adapter.onEntry(key);
-    targetOf<EntryStream>(adapter).entryDel(key);
+    if (isNewsToPeer(adapter, key)) {
+        return record.demuxer.flowsInDelBelow(*targetOf<EntryStream>(adapter).entry(key));
+    }
+    takeDownEntry(adapter, key);
+    settleEntry(adapter, record, key);
 }
 
 void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
@@ -166,8 +214,8 @@ void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType typ
         if (type == StreamAdapter::begin) {
             if (known) known->flagIs(AdapterState::remountPending, true);
         } else if (!known || known->has(AdapterState::remountPending)) {
-            IsActiveAnchor const anchor(adapter);
-            targetOf<EntryStream>(adapter).entryDel(Name(entry.key()));
+            Name const key = entry.key();
+            sweepKey<EntryStream>(adapter, key);
         }
     });
 }

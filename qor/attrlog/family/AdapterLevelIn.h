@@ -35,6 +35,7 @@ void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
     }
     InboundRecord record{*in, *this->streamDemuxer(), id, size, echoOnly};
     record.origin = in->readPosition();
+    record.hasCrossed = this->hasCrossed();
     readAlias(record);
     if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, *in);
     if (!readAny(record)) this->doBaseQorNboAttrLogSaMsg(record.id, options, size, *in);
@@ -111,6 +112,7 @@ void AdapterLevel<X, Base>::handleAttrTransaction(AttributeId id, Transaction ty
         if (!this->has(AdapterState::syncModeFanOut) && type == StreamAdapter::begin && !flow) {
             flow = demuxer->flowInIs(this->entityId());
             flow->aidIs(id);
+            flow->heardAtBeginIs(demuxer->peerHeard());
         } else if (type == StreamAdapter::end && flow && flow->aid() == id) {
             flow->handlingTransactionIs(true);
         }

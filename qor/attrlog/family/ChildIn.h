@@ -3,17 +3,10 @@
 #ifndef QOR_ATTRLOG_FAMILY_CHILDIN_H
 #define QOR_ATTRLOG_FAMILY_CHILDIN_H
 
-#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/ChildOut.h>
+#include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
-
-/// The id that comes next, left where it is.
-inline EntityId peekEntityId(NboAttrLog::In& in) {
-    U64 const position = in.readPosition();
-    EntityId const id = in.nextEntityId();
-    in.readPositionIs(position);
-    return id;
-}
 
 inline void goToBody(InboundRecord& record) {
     if (record.bodyOffset == 0) return;
@@ -36,7 +29,7 @@ auto childOf(Adapter& adapter, Name const& key) {
 /// Refuses an id before anything is made under it, unless the child here bears it already.
 template <class S, class Adapter>
 void needFreshId(Adapter& adapter, Name const& key, EntityId const& id,
-                 NboAttrLog::Demuxer const& demuxer) {
+                 NboAttrLog::Demuxer& demuxer) {
     auto const child = childOf<S>(adapter, key);
     auto const* const known =
         child ? child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()))
@@ -78,31 +71,89 @@ bool makeChild(Adapter& adapter, Name const& key) {
     return true;
 }
 
+/// Whether the child that stands here is one that the peer, when it wrote, did not know of: it is
+/// on its way there, and what the peer says of the name concerns another.
+template <class S, class Adapter>
+bool isNewsToPeer(Adapter& adapter, Name const& key) {
+    auto const child = childOf<S>(adapter, key);
+    if (!child || adapter.has(AdapterState::isCopy)) return false;
+    auto const* const known =
+        child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    if (known) return known->isUnheardOf();
+    return isOwed<S>(adapter, key);
+}
+
+/// Whether another child stands in the place of the one that the peer announces under `id`.
+template <class S, class Adapter>
+bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id) {
+    auto const child = childOf<S>(adapter, key);
+    if (record.demuxer.checkEphemeralEntityDeletion(child, id, S::isKeyed)) return true;
+    bool const isOwn = child && adapter.has(AdapterState::isCopy) &&
+                       !child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    if constexpr (S::isKeyed) {
+        return isOwn && flowOf(adapter) && flowOf(adapter)->template dirtyKeys<S>().member(key);
+    } else {
+        return isOwn && isOwed<S>(adapter, key);
+    }
+}
+
+/// Takes the child away, and what stands for it on this connection.
+template <class S, class Adapter>
+void takeDownChild(Adapter& adapter, Name const& key) {
+    deleteChildAdapter<S>(adapter, childOf<S>(adapter, key));
+    adapter.flagIs(AdapterState::isActive, true);
+    deleteChild<S>(adapter, key);
+}
+
+/// Makes the child that the peer announces, or takes the one that stands here.
+template <class S, class Adapter>
+void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id) {
+    bool const isMade = makeChild<S>(adapter, key);
+    if (!adapter.isActive()) return;
+    if (isMade && !hasToMakeRoom<S>(adapter, record, key, id)) {
+        return childChanged<S>(adapter, key);
+    }
+    takeDownChild<S>(adapter, key);
+    adapter.flagIs(AdapterState::isActive, true);
+    makeChild<S>(adapter, key);
+}
+
+/// The end of a child's record. What the peer announced may have gone there meanwhile, by a removal
+/// that was on its way: then it is announced to the peer in turn, with all that it holds.
+template <class S, class Adapter>
+void settleChild(Adapter& adapter, Name const& key) {
+    adapter.flagIs(AdapterState::isActive, false);
+    if (adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
+    auto const child = childOf<S>(adapter, key);
+    if (!child || !adapter.streamDemuxer()->hasCrossedRemoval()) return;
+    auto* const known = child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    if (known) known->flagIs(AdapterState::isLostAtPeer, true);
+    bool goes = false;
+    if constexpr (S::isKeyed) {
+        goes = keyGoesNow<S>(adapter, *adapter.nboAttrLogOut(), key);
+    } else {
+        goes = valueGoesNow<S>(adapter, *adapter.nboAttrLogOut());
+    }
+    if (goes) writeWhole([&] { sendChild<S>(adapter, child); });
+}
+
 template <class S, class Adapter>
 void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     Name const key(record.in.nextString());
     goToBody(record);
     if (record.echoOnly) return childChanged<S>(adapter, key);
     EntityId const id = peekEntityId(record.in);
+    auto const* const known = record.demuxer.adapter(id);
+    bool const isKnown = known && known->qorNotifierEntity() == childOf<S>(adapter, key).ptr();
+    if (!isKnown && isNewsToPeer<S>(adapter, key)) return;
     needFreshId<S>(adapter, key, id, record.demuxer);
     MsgChannel::DeserializingEidAnchor const anchor(id, adapter.qorNotifierEntity());
-    bool const isMade = makeChild<S>(adapter, key);
-    if (adapter.isActive()) {
-        auto const child = childOf<S>(adapter, key);
-        bool const makesRoom =
-            !isMade || record.demuxer.checkEphemeralEntityDeletion(child, id, S::isKeyed);
-        if (makesRoom) {
-            deleteChild<S>(adapter, key);
-            adapter.flagIs(AdapterState::isActive, true);
-            makeChild<S>(adapter, key);
-        } else {
-            childChanged<S>(adapter, key);
-        }
-    }
+    takeChild<S>(adapter, record, key, id);
     if constexpr (S::isKeyed) {
         if (auto const child = childOf<S>(adapter, key)) child->qorMarkedForDeletionIs(false);
     }
     channelModeIs(adapter, MsgChannel::Mode::applied);
+    settleChild<S>(adapter, key);
 }
 
 template <class S, class Adapter>
@@ -110,7 +161,11 @@ void readChildRemoval(Adapter& adapter, InboundRecord& record) {
     Name key;
     if constexpr (S::isKeyed) key = Name(record.in.nextString());
     if (record.echoOnly) return childChanged<S>(adapter, key);
-    deleteChild<S>(adapter, key);
+    if (isNewsToPeer<S>(adapter, key)) {
+        return record.demuxer.flowsInDelBelow(*childOf<S>(adapter, key));
+    }
+    takeDownChild<S>(adapter, key);
+    if (adapter.has(AdapterState::isCopy)) settleChild<S>(adapter, key);
 }
 
 }  // namespace Qor

@@ -29,7 +29,7 @@ void takeAnnouncedChild(Adapter& adapter, typename S::Target& child) {
     if (!adapter.hasUnifiedEntityId()) {
         NboAttrLog::rewriteEntityId(*in, position, adapter.entityId());
     }
-    fresh->flagIs(AdapterState::remountPending, false);
+    fresh->remounted();
 }
 
 /// Of a child whose class is not known when this is compiled, its class's own maker is asked.
@@ -52,17 +52,18 @@ Ptr<ChildAdapterOf<S>> announceChild(Adapter& adapter, AdapterState::Bits flags,
     using Token = NboAttrLog::Out::TransactToken;
     auto* const known = child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
     Ptr<ChildAdapterOf<S>> result(dynamic_cast<ChildAdapterOf<S>*>(known));
+    bool isNew = false;
     if (result) {
         result->stateIs(AdapterState::replaced(result->state(), flags));
         if (result->has(AdapterState::adapterAnnounced)) return result;
     } else {
         result = newChildAdapter<S>(flags, child, version, out, owner);
         result->qorOnInit();
+        isNew = true;
     }
-    NboAttrLog::MsgHeader header{adapter.entityId(), S::id};
-    header.headerWordB = NboAttrLog::adapterAnnounceCode;
-    out->nextHeaderIs(header);
+    adapter.beginRecord(S::id, NboAttrLog::adapterAnnounceCode);
     out << Token::begin << child->name() << result->entityId() << Token::end;
+    if (isNew) result->isAnnounced();
     return validPtr(result);
 }
 
@@ -73,6 +74,15 @@ void deleteChildAdapter(Adapter& adapter, Ptr<typename S::Target> const& child) 
         NboAttrLog::deleteAdapter(*child, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
 }
 
+/// The whole state of an entity that has been announced. Where the peer may have lost it, nothing
+/// below it is taken for known.
+inline void sendWholeOf(Entity::QorNboAttrLogSa& adapter) {
+    if (adapter.has(AdapterState::isLostAtPeer)) adapter.doRemountSelf(adapter.nboAttrLogOut());
+    adapter.flagIs(AdapterState::isLostAtPeer, false);
+    adapter.isAnnounced();
+    adapter.doThis();
+}
+
 /// Announces the child and, while a whole state is sent, lets it send its own.
 template <class S, class Adapter>
 void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child) {
@@ -80,9 +90,11 @@ void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child) {
     Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
     auto const announced = announceChild<S>(adapter, flags, child, 1, out, adapter.msgChannel());
     adapter.doFixChildFlags(announced);
+    bool const isLost = announced->has(AdapterState::isLostAtPeer);
     bool const whole =
-        adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
-    if (whole) announced->doThis();
+        isLost || adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
+    if (!whole) return;
+    sendWholeOf(*announced);
 }
 
 /// qorHandleASerializeSing of an owning collection; a null child is a removal. Whether nothing is
@@ -99,8 +111,9 @@ bool serializeChildMember(Adapter& adapter, typename S::Key const& key,
     }
     if (!keyGoesNow<S>(adapter, *guard.out(), key)) return false;
     if (!child) {
-        guard.out()->nextHeaderIs({adapter.entityId(), -S::id});
+        adapter.beginRecord(-S::id);
         guard.out() << Token::begin << key << Token::end;
+        adapter.streamDemuxer()->removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
         keepForLater<S>(adapter, key);
         return false;
@@ -121,10 +134,9 @@ void serializeChild(Adapter& adapter) {
     }
     if (!valueGoesNow<S>(adapter, *guard.out())) return;
     if (!child) {
-        NboAttrLog::MsgHeader header{adapter.entityId(), -S::id};
-        header.headerTag = 0;
-        guard.out()->nextHeaderIs(header);
+        adapter.beginRecord(-S::id, 0, 0);
         guard.out() << Token::begin << Token::end;
+        adapter.streamDemuxer()->removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
         auto& flow = flowFor(adapter, S::id);
         flow.template isDirtyIs<S>(true);

@@ -96,7 +96,9 @@ class CollectionOut {
             Key const key = at.key();
             bool const done = serializeMember<S>(adapter_, key, at.member().ptr());
             noteMember(key, done);
-            bool const stays = flow_->retryLater() || (!done && !isTextOnItsWay());
+            bool const isLeftOut = flow_->leavesOut();
+            if (isLeftOut) flow_->template dirtyKeyIs<S>(key, false);
+            bool const stays = flow_->retryLater() || (!done && !isLeftOut && !isTextOnItsWay());
             bool const leaves = stays || !adapter_.continueFlowOut();
             if (!stays) ++at;
             if (leaves) return leaveAt(at);
@@ -145,7 +147,13 @@ class CollectionOut {
         for (typename DirtyKeyMap<Key>::IteratorConst at(&dirty); at; ++at) {
             if (!adapter_.continueFlowOut()) break;
             Key const key = at.key();
+            bool const isNew = at.member()->isDirty();
             bool const done = serializeMember<S>(adapter_, key, map_.member(key));
+            if (flow_->leavesOut()) {
+                if (isNew) removeWaiting<S>(adapter_, key);
+                flow_->template dirtyKeyIs<S>(key, false);
+                continue;
+            }
             if (!done || flow_->retryLater()) break;
             flow_->template dirtyKeyDel<S>(key);
         }

@@ -34,6 +34,8 @@ struct InboundRecord {
     /// follows directly.
     U32 bodyOffset = 0;
     U64 origin = 0;
+    /// The peer wrote it before it had taken all that was sent to it for the entity.
+    bool hasCrossed = false;
 };
 
 /// An enumeration's number. One that is unknown here is counted and kept.
@@ -55,6 +57,14 @@ Value nextAttributeValue(InboundRecord& record) {
     } else {
         return NboAttrLog::nextValue<Value>(record.in);
     }
+}
+
+/// The id that comes next, left where it is.
+inline EntityId peekEntityId(NboAttrLog::In& in) {
+    U64 const position = in.readPosition();
+    EntityId const id = in.nextEntityId();
+    in.readPositionIs(position);
+    return id;
 }
 
 template <class S, class Adapter>

@@ -38,10 +38,16 @@ void putReference(Adapter& adapter, typename S::Key const& key, typename S::Targ
     using Token = NboAttrLog::Out::TransactToken;
     auto const& out = adapter.nboAttrLogOut();
     EntityId const id = target ? NboAttrLog::entityIdOn(*target, out) : EntityId();
-    out->nextHeaderIs({adapter.entityId(), target ? S::id : -S::id});
+    adapter.beginRecord(target ? S::id : -S::id);
     out << Token::begin << key;
     if (target) out << id.value();
     out << Token::end;
+}
+
+/// A key that waits is removed at the peer, which may hold an older value of it.
+template <class S, class Adapter>
+void removeWaiting(Adapter& adapter, typename S::Key const& key) {
+    if constexpr (S::kind == StreamKind::reference) putReference<S>(adapter, key, nullptr);
 }
 
 /// qorHandleASerializeSing of a reference collection; a null value is a removal. Whether nothing is
@@ -51,10 +57,12 @@ bool serializeReference(Adapter& adapter, typename S::Key const& key,
                         typename S::Value const& value) {
     OutboundGuard const guard(adapter, S::id);
     if (!guard.mayGo(S::name)) return guard.isNothingOwed();
+    if (value && !NboAttrLog::hasIdOn(*value, guard.out())) {
+        keepForLater<S>(adapter, key);
+        return false;
+    }
     if (!keyGoesNow<S>(adapter, *guard.out(), key)) return false;
-    if (writeWhole([&] { putReference<S>(adapter, key, value.ptr()); })) return true;
-    keepForLater<S>(adapter, key);
-    return false;
+    return writeWhole([&] { putReference<S>(adapter, key, value.ptr()); });
 }
 
 }  // namespace Qor

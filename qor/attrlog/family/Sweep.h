@@ -25,11 +25,23 @@ void walkUntilQuiet(typename S::Entity& entity, Visit const& visit) {
     } while (map.version() != seen);
 }
 
-/// Deletes a key without sending it back.
+/// Whether something was sent to the peer for the entity that it had not taken when its snapshot
+/// began; never of a copy, whose snapshots are the original's.
+template <class Adapter>
+bool hasCrossedSnapshot(Adapter& adapter) {
+    auto const* const demuxer = adapter.streamDemuxer();
+    auto const* const flow = demuxer ? demuxer->flowIn(adapter.entityId()) : nullptr;
+    return adapter.hasSentSince(flow ? flow->heardAtBegin() : 0);
+}
+
+/// Deletes a key without sending it back, unless the snapshot may have missed what the peer holds.
 template <class S, class Adapter>
 void sweepKey(Adapter& adapter, typename S::Key const& key) {
-    IsActiveAnchor const anchor(adapter);
-    S::del(targetOf<S>(adapter), key);
+    {
+        IsActiveAnchor const anchor(adapter);
+        S::del(targetOf<S>(adapter), key);
+    }
+    if (hasCrossedSnapshot(adapter)) S::on(adapter, key);
 }
 
 template <class S, class Adapter>

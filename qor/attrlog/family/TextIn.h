@@ -4,7 +4,7 @@
 #define QOR_ATTRLOG_FAMILY_TEXTIN_H
 
 #include <qor/attrlog/ConnectionSizeAnchor.h>
-#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
 
@@ -35,6 +35,7 @@ void readText(Adapter& adapter, InboundRecord& record) {
             demuxer.flowInDel(adapter.entityId());
         }
         S::set(targetOf<S>(adapter), whole);
+        settle<S>(adapter, record);
     } else if (!flow) {
         qorFlowInIteratorIs(*demuxer.flowInIs(adapter.entityId()), record.id, text);
     }
@@ -83,6 +84,7 @@ void readTextMember(Adapter& adapter, InboundRecord& record) {
     auto& entity = targetOf<S>(adapter);
     S::set(entity, key, whole);
     keepMember<S>(entity, key);
+    settle<S>(adapter, record, key);
 }
 
 }  // namespace Qor

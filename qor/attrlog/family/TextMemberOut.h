@@ -71,7 +71,7 @@ class TextMemberOut {
             return false;
         }
         auto const& out = adapter_.nboAttrLogOut();
-        out->nextHeaderIs({adapter_.entityId(), -S::id});
+        adapter_.beginRecord(-S::id);
         out << Token::begin << key_ << Token::end;
         return true;
     }
@@ -108,7 +108,7 @@ class TextMemberOut {
         auto const& out = adapter_.nboAttrLogOut();
         Ptr<Connection::Out> const connection(out);
         ConnectionOutSizeAnchor const limit(connection, NboAttrLog::greatestTextRecord - keySize_);
-        out->nextHeaderIs({adapter_.entityId(), S::id});
+        adapter_.beginRecord(S::id);
         out << Token::begin << key_;
         connection << position;
         out << Token::end;

@@ -11,7 +11,7 @@ template <class Adapter>
 void putTextRecord(Adapter& adapter, AttributeId id, String8::IteratorConst& position) {
     using Token = NboAttrLog::Out::TransactToken;
     auto const& out = adapter.nboAttrLogOut();
-    out->nextHeaderIs({adapter.entityId(), id});
+    adapter.beginRecord(id);
     out << Token::begin;
     Ptr<Connection::Out>(out) << position;
     out << Token::end;

@@ -2,7 +2,7 @@
 #ifndef QOR_ATTRLOG_FAMILY_VALUEIN_H
 #define QOR_ATTRLOG_FAMILY_VALUEIN_H
 
-#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
 
@@ -13,6 +13,7 @@ void readScalar(Adapter& adapter, InboundRecord& record) {
         S::on(adapter);
     } else {
         S::set(targetOf<S>(adapter), std::move(value));
+        settle<S>(adapter, record);
     }
 }
 
@@ -24,17 +25,22 @@ void readFlagMember(Adapter& adapter, InboundRecord& record) {
     auto& entity = targetOf<S>(adapter);
     S::set(entity, key, value);
     keepMember<S>(entity, key);
+    settle<S>(adapter, record, key);
 }
 
+/// A target that has gone here leaves no reference, and an original says so.
 template <class S, class Adapter>
 void readReference(Adapter& adapter, InboundRecord& record) {
     auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    EntityId const id = peekEntityId(record.in);
     auto const target = record.in.nextEntity<typename S::Target>();
     channelModeIs(adapter, MsgChannel::Mode::applied);
     if (record.echoOnly) return S::on(adapter, key);
     auto& entity = targetOf<S>(adapter);
     S::set(entity, key, target);
     keepMember<S>(entity, key);
+    bool const isTaken = target || id.isNull() || adapter.has(AdapterState::isCopy);
+    isTaken ? settle<S>(adapter, record, key) : sendAgain<S>(adapter, key);
 }
 
 template <class S, class Adapter>
@@ -42,6 +48,7 @@ void readRemoval(Adapter& adapter, InboundRecord& record) {
     auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
     if (record.echoOnly) return S::on(adapter, key);
     S::del(targetOf<S>(adapter), key);
+    settle<S>(adapter, record, key);
 }
 
 }  // namespace Qor

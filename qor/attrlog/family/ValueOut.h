@@ -30,7 +30,7 @@ void serializeScalar(Adapter& adapter) {
     if (!guard.mayGo(S::name)) return;
     auto const& out = guard.out();
     if (!valueGoesNow<S>(adapter, *out)) return;
-    out->nextHeaderIs({adapter.entityId(), S::id});
+    adapter.beginRecord(S::id);
     out << Token::begin;
     putValue(out, S::get(entityOf<S>(adapter)));
     out << Token::end;
@@ -45,7 +45,7 @@ bool serializeFlagMember(Adapter& adapter, typename S::Key const& key, bool valu
     if (!guard.mayGo(S::name)) return guard.isNothingOwed();
     auto const& out = guard.out();
     if (!keyGoesNow<S>(adapter, *out, key)) return false;
-    out->nextHeaderIs({adapter.entityId(), deleted ? -S::id : S::id});
+    adapter.beginRecord(deleted ? -S::id : S::id);
     out << Token::begin << key;
     if (!deleted) out << value;
     out << Token::end;

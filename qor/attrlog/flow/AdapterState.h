@@ -27,6 +27,12 @@ inline constexpr U32 weakNotifier = flag(6);
 inline constexpr U32 flowOutSuspended = flag(8);
 // A sync mode is being applied, and changes concern nobody.
 inline constexpr U32 syncModeFanOut = flag(13);
+// The entity is a copy of the peer's: where both write at once, the peer's word is the last.
+inline constexpr U32 isCopy = flag(16);
+// The entity stands below another that has an adapter here.
+inline constexpr U32 isChild = flag(17);
+// The peer may have let go of the entity and all below it, and is sent the whole once more.
+inline constexpr U32 isLostAtPeer = flag(21);
 // No resynchronisation runs: a change goes out at once.
 inline constexpr U32 steadyState = flag(20);
 // handleAttrFlowOut runs.
@@ -45,7 +51,8 @@ constexpr bool canFlowOut(U32 word) noexcept {
 // The flags of a child's adapter, from its parent's.
 constexpr Bits ofChild(Bits parent) noexcept {
     constexpr U32 ownToEach = isActive | remountPending | flag(10) | flag(11) | flag(12) | flag(13);
-    return Bits(parent.word() & Bits::notificationBitMask().word() & ~ownToEach);
+    U32 const inherited = parent.word() & Bits::notificationBitMask().word() & ~ownToEach;
+    return Bits(inherited | isChild);
 }
 
 // What is replaced from outside, beside what stays.

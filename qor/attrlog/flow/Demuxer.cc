@@ -63,13 +63,19 @@ void Demuxer::adapterEnds(StreamAdapter& adapter) {
     if (!reactorDel(adapter.entityId())) dropFlow(adapter);
 }
 
-void Demuxer::needPeersId(EntityId const& id) const {
-    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
+void Demuxer::needPeersId(EntityId const& id) {
+    // One that was drawn here comes back when what it was given to has gone here meanwhile.
+    bool const isDrawnHere = (id.value() & peersHalf) == ownHalf_;
+    bool const isPeers = id.isUnified() && (!isDrawnHere || id.value() < nextId_);
     if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {
         throw AttrLogRecordException(format("the id %llx is not the peer's to give",
                                             static_cast<unsigned long long>(id.value())));
     }
-    if (adapters_.member(id)) {
+    auto* const known = adapter(id);
+    bool const isAway = known && known->has(AdapterState::isChild) && known->qorNotifierEntity() &&
+                        !known->qorNotifierEntity()->qorParent();
+    if (isAway) reactorDel(id);
+    if (known && !isAway) {
         throw AttrLogRecordException(format("the id %llx stands for another entity",
                                             static_cast<unsigned long long>(id.value())));
     }
@@ -93,7 +99,25 @@ Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
 }
 
 void Demuxer::flowInDel(EntityId const& id) {
-    if (Qor::Ptr<FlowIn> const gone = flowsIn_.memberDel(id)) textDel(*gone);
+    Qor::Ptr<FlowIn> const gone = flowsIn_.memberDel(id);
+    if (!gone) return;
+    textDel(*gone);
+    // What was held back for the sake of the text may go out now.
+    auto* const here = adapter(id);
+    if (here && here->flowOut()) here->flowOut()->owes();
+}
+
+void Demuxer::flowsInDelBelow(Entity const& entity) {
+    for (HashMap<FlowIn, EntityId>::IteratorConst at(&flowsIn_); at; ++at) {
+        Qor::Ptr<FlowIn> const flow = at.member();
+        Qor::Ptr<Entity::QorNboAttrLogSa> const here(adapter(flow->fwkKey()));
+        Entity const* above = here ? here->qorNotifierEntity() : nullptr;
+        while (above && above != &entity) above = above->qorParent();
+        if (!above) continue;
+        AttributeId const text = flow->heldBack() ? flow->aid() : 0;
+        flowInDel(flow->fwkKey());
+        if (text != 0) here->doNotification(text, nullptr);
+    }
 }
 
 void Demuxer::textDel(FlowIn& flowIn) {

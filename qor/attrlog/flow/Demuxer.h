@@ -95,20 +95,31 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     Qor::Ptr<Entity::QorNboAttrLogSa> reactorDel(EntityId const& id);
     // The adapter's entity has gone.
     void adapterEnds(StreamAdapter& adapter);
-    // Raises AttrLogRecordException where an id is not one of the peer's, or stands for another
-    // entity.
-    void needPeersId(EntityId const& id) const;
+    // Raises AttrLogRecordException where an id is not the peer's to give, or stands for another
+    // entity. A child that was taken out of its place here, and lives on, makes room.
+    void needPeersId(EntityId const& id);
     // Whether `child`, which stands where the peer announces an entity of that id, is another one
     // that has to make room: it was announced on this connection under another id. `isCollected`
     // tells whether it stands in a collection.
     bool checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, EntityId const& id,
                                       bool isCollected) const;
 
+    // Who wrote last, where both ends write at once. Each end counts the frames that it sends and
+    // those that it takes; a copy tells the count in front of what it writes, and only there.
+    U64 framesSent() const noexcept { return out_->frames(); }
+    U64 peerHeard() const noexcept { return peerHeard_; }
+    void sendReceipt();
+    // A child was removed, or a snapshot marked: what the peer announces may have gone there.
+    void removalSent() noexcept { removedAt_ = out_->frames(); }
+    bool hasCrossedRemoval() const noexcept { return removedAt_ > peerHeard_; }
+
     // What is half received, by entity id.
     FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.member(id); }
     bool hasFlowsIn() const noexcept { return flowsIn_.size() != 0; }
     Qor::Ptr<FlowIn> flowInIs(EntityId const& id);
     void flowInDel(EntityId const& id);
+    // The same for an entity and all that stands below it.
+    void flowsInDelBelow(Entity const& entity);
     // Frees a text that was half received.
     void textDel(FlowIn& flowIn);
     // Accounts for a text that is half received. Raises RangeException over the quota.
@@ -184,6 +195,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 announced_ = 0;  // counts ids that became known
     U64 waitingSince_ = 0;
     U64 openText_ = 0;
+    U64 heard_ = 0;      // frames of the peer's that were taken, the one being read included
+    U64 toldHeard_ = 0;  // what the last receipt said
+    U64 peerHeard_ = 0;  // what the peer's last receipt said
+    U64 removedAt_ = 0;
     Quota quota_;
     Counters counters_;
     U32 protocol_ = 2;

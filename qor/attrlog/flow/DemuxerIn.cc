@@ -53,6 +53,7 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     try {
         Frame frame;
         while (!hasFailed_ && served < budget && in_->nextFrame(frame)) {
+            ++heard_;
             serveFrame(frame);
             in_->frameDone(frame);
             ++served;
@@ -74,6 +75,9 @@ void Demuxer::serveFrame(Frame const& frame) {
             return serveTransaction(frame);
         case FrameKind::link:
             if (link_ != nullptr) link_->handleLink(frame, *in_);
+            return;
+        case FrameKind::receipt:
+            peerHeard_ = in_->nextU64();
             return;
     }
 }
@@ -127,7 +131,8 @@ void Demuxer::serveOrphan(Frame const& frame) {
         return;
     }
     if (this->adapter(told.id)) return;  // announced before
-    auto const adapter = here.entity->qorNboAttrLogSaIs(here.flags, 1, out_, nullptr);
+    AdapterState::Bits const flags(here.flags.word() | AdapterState::isCopy);
+    auto const adapter = here.entity->qorNboAttrLogSaIs(flags, 1, out_, nullptr);
     adapter->doEntityIdIs(told.id, Ptr(this), true);
 }
 

@@ -11,6 +11,14 @@ namespace Qor {
 
 namespace NboAttrLog {
 
+void Demuxer::sendReceipt() {
+    using Token = Out::TransactToken;
+    if (heard_ == toldHeard_) return;
+    out_->beginFrame(FrameKind::receipt, {});
+    out_ << Token::begin << heard_ << Token::end;
+    toldHeard_ = heard_;
+}
+
 void Demuxer::createFlowOut(StreamAdapter& adapter, ConnectDesc const& desc, bool flag,
                             AttributeId startAttr) {
     AttributeId cutText = 0;
@@ -96,8 +104,8 @@ void Demuxer::run(FlowOut& flowOut) {
 }
 
 // The attributes from where the flow stands to the last. False when the turn is over. An attribute
-// that waits for an id is passed over, and its walk begins anew; a whole pass that leads to nothing
-// has to wait until ids become known or more is owed.
+// that waits for an id is passed over, and its walk begins anew, this time to leave out what has no
+// id yet; a whole pass that leads to nothing has to wait until ids become known or more is owed.
 bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
     bool const isWhole = flow.hasResume_ && flow.resumeAt_ == 0;
     U64 const knownBefore = announced_;
@@ -106,6 +114,10 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
     AttributeId next = flow.hasResume_ ? flow.resumeAt_ : flow.attrId();
     do {
         if (!adapter.continueFlowOut()) return false;
+        if (adapter.isHeldUp()) {
+            park(flow);
+            return false;
+        }
         AttributeId const at = next;
         U64 const before = out_->written();
         next = adapter.handleAttrFlowOut(at);
@@ -123,6 +135,10 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
             return false;
         }
     } while (next != 0);
+    if (waits && !flow.leavesOut_) {
+        flow.leavesOut_ = true;
+        return true;
+    }
     bool const isIdle = waits || (isWhole && out_->written() == writtenBefore);
     if (!isIdle || announced_ != knownBefore || !flow.hasDirtyAttributes()) return true;
     park(flow);
@@ -132,8 +148,8 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
 void Demuxer::park(FlowOut& flow) {
     if (!ready_.remove(flow)) return;
     flow.isWaiting_ = true;
+    if (waiting_.isEmpty()) waitingSince_ = announced_;
     waiting_.append(flow);
-    waitingSince_ = announced_;
 }
 
 void Demuxer::handlerFailed(StreamAdapter&, AttributeId id) noexcept {

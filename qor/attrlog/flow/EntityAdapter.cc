@@ -121,13 +121,44 @@ bool Entity::QorNboAttrLogSa::prepareImmediateTransmission(AttributeId id, bool 
     return !defer;
 }
 
+void Entity::QorNboAttrLogSa::noteSent() {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer == nullptr) return;
+    if (has(AdapterState::isCopy)) {
+        demuxer->sendReceipt();
+    } else {
+        sentAt_ = demuxer->framesSent() + 1;
+    }
+}
+
+void Entity::QorNboAttrLogSa::beginRecord(AttributeId id, U32 wordB, U8 tag) {
+    noteSent();
+    nboAttrLogOut()->nextHeaderIs({entityId(), id, tag, 0, wordB});
+}
+
+bool Entity::QorNboAttrLogSa::hasCrossed() const {
+    auto const* const demuxer = streamDemuxer();
+    return demuxer && hasSentSince(demuxer->peerHeard());
+}
+
+bool Entity::QorNboAttrLogSa::isUnheardOf() const {
+    auto const* const demuxer = streamDemuxer();
+    return demuxer && !has(AdapterState::isCopy) && announcedAt_ > demuxer->peerHeard();
+}
+
+void Entity::QorNboAttrLogSa::isAnnounced() {
+    if (auto const* const demuxer = streamDemuxer()) announcedAt_ = demuxer->framesSent();
+}
+
 void Entity::QorNboAttrLogSa::sendTransactionMarker(AttributeId id, AttrTransactionType type,
                                                     U32 arg) {
     using Token = NboAttrLog::Out::TransactToken;
     auto const& out = nboAttrLogOut();
     if (!out) return;
+    noteSent();
     out->beginFrame(NboAttrLog::FrameKind::transaction, {entityId(), id});
     out << Token::begin << static_cast<U8>(type) << arg << Token::end;
+    if (auto* const demuxer = streamDemuxer()) demuxer->removalSent();
 }
 
 void Entity::QorNboAttrLogSa::sendPendingAborts(NboAttrLog::FlowOut& flow) {
@@ -209,6 +240,11 @@ Qor::Ptr<Entity::QorNboAttrLogSa> deleteAdapter(Entity& entity, Qor::Ptr<Out con
     if (demuxer == nullptr) return nullptr;
     auto* const adapter = entity.qorNboAttrLogSa(out);
     return adapter ? demuxer->reactorDel(adapter->entityId()) : nullptr;
+}
+
+bool hasIdOn(Entity& entity, Qor::Ptr<Out> const& out) {
+    auto const* const adapter = entity.qorNboAttrLogSa(Qor::Ptr<Out const>(out));
+    return adapter && !adapter->entityId().isNull();
 }
 
 EntityId entityIdOn(Entity& entity, Qor::Ptr<Out> const& out) {

@@ -39,6 +39,20 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     // `defer` the caller lacks room or has a text to send: never, and a text of the attribute that
     // is half sent is stale.
     bool prepareImmediateTransmission(AttributeId id, bool defer);
+    // Begins a record about an attribute, negative to remove. What a copy sends goes behind a
+    // receipt of what it had taken from the original.
+    void beginRecord(AttributeId id, U32 wordB = 0, U8 tag = 1);
+    // Whether the peer, when it wrote what was read last, had not taken all that was sent for this
+    // entity. Always false of a copy.
+    bool hasCrossed() const;
+    // Whether something was sent for it after that frame.
+    bool hasSentSince(U64 frame) const { return !has(AdapterState::isCopy) && sentAt_ > frame; }
+    // Whether it had not taken the announcement of this entity.
+    bool isUnheardOf() const;
+    // Whether that was before a frame.
+    bool isAnnouncedBefore(U64 frame) const noexcept { return announcedAt_ < frame; }
+    // The entity is announced, and its whole state follows.
+    void isAnnounced();
     void sendTransactionMarker(AttributeId id, AttrTransactionType type, U32 arg);
     // Aborts what is pending before anything else is sent.
     void sendPendingAborts(NboAttrLog::FlowOut& flowOut);
@@ -59,7 +73,11 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
                     PtrInterface* owner);
 
   private:
+    void noteSent();
+
     Qor::Ptr<Entity::NotifieeConst> companion_;
+    U64 sentAt_ = 0;       // the number of the last frame that was sent for the entity
+    U64 announcedAt_ = 0;  // of its announcement
 };
 
 class Entity::QorNboAttrLogSa::HandlingScheduledFlowOutAnchor {
@@ -88,6 +106,7 @@ QOR_EXPORT Entity::QorNboAttrLogSa* adapterForMsgChannel(ListRawGeneric const& l
                                                          Entity::QorNboAttrLogSa const& other);
 QOR_EXPORT Qor::Ptr<Entity::QorNboAttrLogSa> deleteAdapter(Entity& entity,
                                                            Qor::Ptr<Out const> const& out);
+QOR_EXPORT bool hasIdOn(Entity& entity, Qor::Ptr<Out> const& out);
 // The id by which a record on `out` names the entity. Raises EntityIdUnavailableException while it
 // has none there.
 QOR_EXPORT EntityId entityIdOn(Entity& entity, Qor::Ptr<Out> const& out);

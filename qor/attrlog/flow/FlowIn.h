@@ -40,6 +40,10 @@ class QOR_EXPORT FlowIn : public VFPtrInterface {
     bool heldBack() const noexcept { return heldBack_; }
     void heldBackIs(bool on) noexcept { heldBack_ = on; }
 
+    // What the peer had taken of this end's frames when the snapshot began.
+    U64 heardAtBegin() const noexcept { return heardAtBegin_; }
+    void heardAtBeginIs(U64 frames) noexcept { heardAtBegin_ = frames; }
+
     // Frees a text that was half received.
     void textDel() {
         if (!iter_) return;
@@ -55,6 +59,7 @@ class QOR_EXPORT FlowIn : public VFPtrInterface {
 
   private:
     EntityId const id_;
+    U64 heardAtBegin_ = 0;
     AttributeId aid_ = 0;
     bool handlingTransaction_ = false;
     bool heldBack_ = false;

@@ -62,6 +62,14 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
     bool retryLater() const noexcept { return (qorDataBits_ & retryLaterBit) != 0; }
     void retryLaterIs(bool on) noexcept { bitIs(retryLaterBit, on); }
 
+    // A reference that names what the peer doesn't know is left out: its key stays dirty, and the
+    // walk goes on. So it is once a pass over all attributes has made known what it could.
+    bool leavesOut() {
+        bool const leaves = leavesOut_ && retryLater();
+        if (leaves) retryLaterIs(false);
+        return leaves;
+    }
+
     // Attributes of which the peer has part of a text, or a snapshot, that will not be finished.
     void pendingAbortIs(AttributeId id, bool on);
     void pendingAbortDel(AttributeId id) { pendingAborts_.memberDel(id); }
@@ -97,6 +105,7 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
     bool isWaiting_ = false;  // for an id of the peer's; gets no turns
     bool hasResume_ = false;  // resumeAt_ says more than attrId_
     bool isRunning_ = false;
+    bool leavesOut_ = false;
     HashMap<QorPendingAbort, AttributeId> pendingAborts_;
     StreamAdapter* adapter_;
     FlowQueue* queue_ = nullptr;  // the demuxer's that it stands in, with its neighbours there

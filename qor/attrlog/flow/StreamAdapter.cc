@@ -124,6 +124,11 @@ void StreamAdapter::notificationDisabledDueToMsgChannelIs(bool disabled) {
     if (!disabled && flowOut_) flowOut_->owes();
 }
 
+void StreamAdapter::remounted() {
+    flagIs(AdapterState::remountPending, false);
+    if (flowOut_) flowOut_->owes();
+}
+
 void StreamAdapter::qorDoZombieReactors(bool zombie) {
     if (zombie != qorMarkedForDeletion()) qorMarkedForDeletionIs(zombie);
 }

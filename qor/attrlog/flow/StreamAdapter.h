@@ -59,6 +59,13 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
         qorState() = AdapterState::Bits(on ? word | flag : word & ~flag);
     }
     bool isActive() const noexcept { return has(AdapterState::isActive); }
+    // Whether its flow gets no turns, until the peer has announced the entity again or the
+    // framework lets it.
+    bool isHeldUp() const noexcept {
+        return has(AdapterState::remountPending | AdapterState::flowOutSuspended);
+    }
+    // The peer has announced the entity again.
+    void remounted();
     bool steadyState() const noexcept { return has(AdapterState::steadyState); }
     bool handlingScheduledFlowOut() const noexcept {
         return has(AdapterState::handlingScheduledFlowOut);

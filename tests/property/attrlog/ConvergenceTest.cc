@@ -70,19 +70,6 @@ struct World {
     }
 };
 
-// Differences, shortened: a text may be long.
-std::string difference(Lines const& left, Lines const& right) {
-    for (auto const& [path, value] : left) {
-        auto const found = right.find(path);
-        if (found == right.end()) return path + " is missing";
-        if (found->second != value) return path + " differs";
-    }
-    for (auto const& line : right) {
-        if (!left.contains(line.first)) return line.first + " is too much";
-    }
-    return {};
-}
-
 void expectAudited(Link const& link) {
     EXPECT_EQ(link.agent->demuxer().flows(), 0U);
     EXPECT_FALSE(link.agent->demuxer().hasFlowsIn());

@@ -18,6 +18,9 @@ using Lines = std::map<std::string, std::string>;
 
 Lines linesOf(Vgw::Status const& status);
 
+// The first line in which they differ, without the value: a text may be long.
+std::string difference(Lines const& left, Lines const& right);
+
 class ChangingTree {
   public:
     ChangingTree(Vgw::Status::Ptr status, std::uint64_t seed);

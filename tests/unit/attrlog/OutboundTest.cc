@@ -221,13 +221,15 @@ TEST_F(Outbound, KeyLongerThanABlockStopsTheProcess) {
     EXPECT_DEATH(locator->bfdStatusIs(text(49152 - 33), "v"), "_bfdStatus,true");
 }
 
-TEST_F(Outbound, ReferenceToAnUnknownEntityWaitsAndWritesNothing) {
+TEST_F(Outbound, ReferenceToAnUnknownEntityWaitsAndThePeerHoldsNoneMeanwhile) {
     auto const ovsdb = make<Vgw::HwVtepOvsdb>(Name("db"));
     auto const a = peer.attach(ovsdb);
     auto const stranger = make<Vgw::PhysicalSwitch>(Name("s"));
     ovsdb->physicalSwitchIs("leaf", stranger);
     EXPECT_EQ(sent(), "");
     EXPECT_TRUE(a->flowOut()->retryLater());
+    serve();
+    EXPECT_EQ(sent(), record(3, -260, "000000046c656166"));
     serve();
     EXPECT_EQ(sent(), "");
     EXPECT_FALSE(peer.demuxer->owes()) << "waits without turns";

@@ -1,0 +1,85 @@
+// What happens after a record of the peer's, so that both ends hold the same in the end although
+// both write. The original's word is the last: where the peer's write crossed something that the
+// original had sent for the entity, or was sending, the original sends again what it holds now. A
+// copy that was still to send the value that came has lost it, and sends it no more.
+#ifndef QOR_ATTRLOG_FAMILY_CROSSING_H
+#define QOR_ATTRLOG_FAMILY_CROSSING_H
+
+#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/OutboundRoom.h>
+#include <qor/attrlog/flow/FlowOutHold.h>
+
+namespace Qor {
+
+/// In the place of a key, of an attribute that has none.
+struct Unkeyed {};
+
+/// A text of the attribute that is half sent; of that key, if it is keyed.
+template <class S, class Adapter, class Key>
+bool isHalfSent(Adapter& adapter, Key const& key) {
+    auto* const flow = flowOf(adapter);
+    if (!flow || flow->attrId() != S::id || !flow->valueIter()) return false;
+    if constexpr (S::kind == StreamKind::textMember) {
+        return NboAttrLog::qorFlowOutValueKeyMatches(*flow, key);
+    } else {
+        return !flow->valueIterKey();
+    }
+}
+
+/// Whether the value is still to be sent to the peer.
+template <class S, class Adapter, class Key>
+bool isOwed(Adapter& adapter, Key const& key) {
+    auto* const flow = flowOf(adapter);
+    if (!flow) return false;
+    if constexpr (S::isKeyed) {
+        return !flow->template hasSynced<S>() || flow->template dirtyKeys<S>().member(key);
+    } else {
+        return flow->template isDirty<S>();
+    }
+}
+
+/// Of a copy: what was owed of the value is owed no more.
+template <class S, class Adapter, class Key>
+void forgive(Adapter& adapter, Key const& key) {
+    auto* const flow = flowOf(adapter);
+    if (!flow) return;
+    if (isHalfSent<S>(adapter, key)) {
+        flow->pendingAbortIs(S::id, true);
+        NboAttrLog::qorFlowOutValueDeq(*flow);
+        if constexpr (S::kind == StreamKind::textMember) {
+            NboAttrLog::qorFlowOutValueKeyDeq<Key>(*flow);
+        }
+    }
+    if constexpr (S::isKeyed) {
+        flow->template dirtyKeyDel<S>(key);
+    } else {
+        flow->template isDirtyIs<S>(false);
+    }
+    flow->owes();
+}
+
+/// The original sends what it holds.
+template <class S, class Adapter, class Key>
+void sendAgain(Adapter& adapter, Key const& key) {
+    adapter.flagIs(AdapterState::isActive, false);
+    if constexpr (S::isKeyed) {
+        S::on(adapter, key);
+    } else {
+        S::on(adapter);
+    }
+}
+
+/// The end of every record that set or removed a value. Where it has changed nothing, the peer
+/// holds that value already or is about to hear of it.
+template <class S, class Adapter, class Key = Unkeyed>
+void settle(Adapter& adapter, InboundRecord const& record, Key const& key = {}) {
+    if (adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
+    if (adapter.isActive()) return;
+    if (record.hasCrossed || isHalfSent<S>(adapter, key)) [[unlikely]] {
+        sendAgain<S>(adapter, key);
+    }
+}
+
+}  // namespace Qor
+
+#endif

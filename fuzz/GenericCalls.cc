@@ -67,6 +67,8 @@ class Calls {
         if (word % 8 == 2) return walk(*target);
         auto const id = attributeOf(*target);
         auto const op = operations[input_.byte() % operations.size()];
+        // Switches the counting of references off, by contract: an entity need not end then.
+        if (id == Qor::isNondestructingId && op == OpId::opSet) return;
         keep(target->attributeOp(id, op, word & 0x40 ? argument() : nullptr,
                                  word & 0x80 ? argument() : nullptr));
     }

@@ -1,9 +1,9 @@
-# vgw_fuzz_target(<name> SOURCES <file>... [LINKS <target>...] [CORPUS <dir>] [SECONDS <n>])
+# vgw_fuzz_target(<name> SOURCES <file>... [LINKS <target>...] [CORPUS <dir>] [SECONDS <n>] [FLAGS <flag>...])
 #
 # One libFuzzer binary, and a ctest entry that runs its corpus and then looks further for SECONDS (10 unless told).
 # What it finds is kept in the build folder; the corpus in the tree is only read. The target fuzz_targets builds them all.
 function(vgw_fuzz_target name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "CORPUS;SECONDS" "SOURCES;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "CORPUS;SECONDS" "SOURCES;LINKS;FLAGS")
     if(NOT arg_SECONDS)
         set(arg_SECONDS 10)
     endif()
@@ -25,7 +25,7 @@ function(vgw_fuzz_target name)
     vgw_add_test(
         ${name}
         COMMAND $<TARGET_FILE:${name}> -max_total_time=${arg_SECONDS} -timeout=10 -rss_limit_mb=2048
-                -artifact_prefix=${found}/crash- -print_final_stats=1 ${found} ${corpus}
+                -artifact_prefix=${found}/crash- -print_final_stats=1 ${arg_FLAGS} ${found} ${corpus}
         LABELS fuzz
         TIMEOUT 600)
 endfunction()

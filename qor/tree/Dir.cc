@@ -21,6 +21,9 @@ void Dir::entryIs(Name const& name, Qor::Ptr<Entity> const& entity) {
         entryDel(name);
         return;
     }
+    for (Entity const* at = this; at; at = at->qorParent()) {
+        if (at == entity.ptr()) throwRangeException("a directory can't stand within itself");
+    }
     if (present && present->entity_ == entity) {
         return;
     }

@@ -49,7 +49,8 @@ class QOR_EXPORT Dir : public Entity {
     Qor::Ptr<Entity> entry(Name const& name) const;
     /// Puts `entity` under that name, in state ready, in the place of what stood there; null
     /// removes the name. An entity that stands in another place of the tree is the caller's to take
-    /// from there. Tells onEntry(name) when that is a change.
+    /// from there. Tells onEntry(name) when that is a change. Raises RangeException for this
+    /// directory itself and for what it stands in.
     void entryIs(Name const& name, Qor::Ptr<Entity> const& entity);
     /// Removes the name and hands the entity over; null if absent.
     Qor::Ptr<Entity> entryDel(Name const& name);

@@ -193,6 +193,15 @@ void Author::dropLooseReferences() {
     }
 }
 
+void Author::letGo() {
+    for (auto const& [path, row] : pictureOf(*top_).rows) {
+        for (auto const& field : row.shape->fields) {
+            if (field->kind != FieldKind::references) continue;
+            for (unsigned key = 0; key < keysEach * count_; ++key) field->erase(*row.entity, key);
+        }
+    }
+}
+
 void Author::found() {
     auto const stay = [this](std::string const& path, std::string const& fieldName,
                              std::string const& name, unsigned sort = 0) {

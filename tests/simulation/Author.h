@@ -28,6 +28,8 @@ class Author {
     void writeAll();
     // Removes references to what stands nowhere, as an agent has to.
     void dropLooseReferences();
+    // Opens circles of references, before the tree is let go.
+    void letGo();
     unsigned number() const { return number_; }
 
   private:

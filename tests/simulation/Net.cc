@@ -163,6 +163,13 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
     }
 }
 
+Net::~Net() {
+    for (auto const& link : links_) link->cut();
+    for (Tree& tree : trees_) {
+        for (Author& author : tree.authors) author.letGo();
+    }
+}
+
 bool Net::isWhole(unsigned process) {
     bool const isWaited =
         isHollow_[process] && !std::all_of(trees_.begin(), trees_.end(),
@@ -195,6 +202,7 @@ void Net::crash(unsigned process) {
     }
     for (Tree& tree : trees_) {
         Qor::Name const name = tree.tops[process]->name();
+        tree.authors[process].letGo();
         tree.tops[process] = make<Qor::Dir>(name);
         roots_[process]->entryIs(name, tree.tops[process]);
         tree.authors[process].topIs(tree.tops[process]);

@@ -97,6 +97,7 @@ class Link final : public Qor::NboAttrLog::SessionListener {
 class Net {
   public:
     Net(Topology const& topology, Settings const& settings, Dice& dice);
+    ~Net();
     Net(Net const&) = delete;
     Net& operator=(Net const&) = delete;
 

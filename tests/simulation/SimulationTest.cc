@@ -10,7 +10,7 @@ using Sim::runScript;
 #ifdef QOR_PLAIN_NEW
 constexpr std::uint64_t scripts = 120;  // sanitizers are slow
 #else
-constexpr std::uint64_t scripts = 2500;
+constexpr std::uint64_t scripts = 1800;
 #endif
 
 TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {

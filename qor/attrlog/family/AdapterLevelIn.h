@@ -48,7 +48,7 @@ void AdapterLevel<X, Base>::readAlias(InboundRecord& record) {
                              record.id == -NboAttrLog::aliasFrameAttributeId;
         if (!isAlias) return;
         AttributeId const selected = family::selectAlias(record, [](AttributeId id) {
-            AttributeId const wanted = id < 0 ? -id : id;
+            AttributeId const wanted = withoutSign(id);
             return !Adapter::QorStreamed::whileTrue([wanted]<class S>() {
                 return !(S::kind == StreamKind::childMember || S::kind == StreamKind::child) ||
                        S::id != wanted;
@@ -70,7 +70,7 @@ bool AdapterLevel<X, Base>::readAny(InboundRecord& record) {
 
 template <class X, class Base>
 bool AdapterLevel<X, Base>::readOwn(InboundRecord& record) {
-    AttributeId const wanted = record.id < 0 ? -record.id : record.id;
+    AttributeId const wanted = withoutSign(record.id);
     return !Adapter::QorStreamed::whileTrue([&]<class S>() {
         constexpr bool canBeRemoved = S::isKeyed || S::kind == StreamKind::child;
         if (S::id != wanted || (record.id < 0 && !canBeRemoved)) return true;

@@ -100,7 +100,7 @@ Ptr<NboAttrLog::FlowOut> AdapterLevel<X, Base>::flowOutIs(Ptr<NboAttrLog::Out> c
 
 template <class X, class Base>
 void AdapterLevel<X, Base>::doNotification(AttributeId id, void* key) {
-    AttributeId const wanted = id < 0 ? -id : id;
+    AttributeId const wanted = withoutSign(id);
     if (!Adapter::QorStreamed::has(wanted)) return Base::doNotification(id, key);
     Adapter::QorStreamed::forEach([&]<class S>() {
         if (S::id != wanted) return;

@@ -35,6 +35,9 @@ class Companion : public Base {
             adapter->Qor::Entity::QorNboAttrLogSa::onZeroReferences();
         }
         hasNotificationActiveIs(false);
+        // Whoever works with the adapter may still hold it: what the entity tells at its end is
+        // not for it any more.
+        adapter_ = nullptr;
     }
     void onNotificationException(AttributeId id) override {
         if (adapter_) adapter_->Qor::Entity::QorNboAttrLogSa::onNotificationException(id);

@@ -12,6 +12,8 @@
 #include <qor/model/Attribute.h>
 #include <qor/model/Notifier.h>
 
+#include <limits>
+
 namespace Qor {
 
 enum class StreamKind : U8 {
@@ -24,6 +26,13 @@ enum class StreamKind : U8 {
     child,        // one entity that is owned
     entry,        // keyed entities of any class, which the descriptor sends and reads itself
 };
+
+/// The attribute that a record's id is about: a negated one tells a removal. The one number that has
+/// no counterpart is no attribute's.
+constexpr AttributeId withoutSign(AttributeId id) noexcept {
+    if (id == std::numeric_limits<AttributeId>::min()) return 0;
+    return id < 0 ? -id : id;
+}
 
 constexpr bool isKeyedKind(StreamKind kind) noexcept {
     return kind == StreamKind::flagMember || kind == StreamKind::textMember ||

@@ -365,4 +365,19 @@ TEST(RingRewrite, IdThatWrapsIsCutAndItsSecondPartIsNotTheIds) {
               "79");
 }
 
+// The least id has no counterpart to negate it to.
+TEST_F(Inbound, LeastAttributeIdIsNoAttribute) {
+    constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+    auto const ovsdb = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const adapter = enter(ovsdb);
+    feed(record(first, least, ""));
+    feed(record(first, 144,
+                "00080000"
+                "80000000"));
+    EXPECT_EQ(peer.failure, String8());
+    EXPECT_EQ(peer.demuxer->counters().unknownAttributes, 2U);
+    feed(marker(first, least, "00"));
+    EXPECT_EQ(peer.failure, String8());
+}
+
 }  // namespace

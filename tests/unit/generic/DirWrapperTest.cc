@@ -116,4 +116,15 @@ TEST_F(DirWrapper, RefusesAValueInThePlaceOfAnEntity) {
     EXPECT_EQ(root->attributeOp(entry, OpId::opCount)->strRep(), "0");
 }
 
+TEST(Dir, RefusesItselfAndWhatItStandsIn) {
+    auto const top = Qor::make<Qor::Dir>(Qor::Name("top"));
+    auto const low = Qor::make<Qor::Dir>(Qor::Name("low"));
+    top->entryIs(Qor::Name("low"), low);
+    EXPECT_THROW(top->entryIs(Qor::Name("x"), top), Qor::RangeException);
+    EXPECT_THROW(low->entryIs(Qor::Name("x"), top), Qor::RangeException);
+    EXPECT_EQ(top->entrys(), 1U);
+    EXPECT_EQ(low->entrys(), 0U);
+    EXPECT_EQ(low->uriPath(), "/top/low");
+}
+
 }  // namespace

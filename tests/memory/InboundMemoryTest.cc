@@ -1,0 +1,145 @@
+// What a peer makes this process hold: at most 64 KiB and four times the bytes that it sent, after
+// every one of its frames; a length that it claims reserves nothing.
+#include "CountingNew.h"
+
+#include <fuzz/HostilePeer.h>
+
+#include <qor/attrlog/session/Session.h>
+#include <qor/tree/Dir.h>
+#include <vgw/agent/Status.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Qor::make;
+using Qor::Name;
+using Qor::NboAttrLog::MemoryTransport;
+using Qor::NboAttrLog::Session;
+
+constexpr std::uint64_t statusId = 0x8000000000000003;
+constexpr std::uint64_t switchId = 0x8000000000000007;
+constexpr std::size_t allowance = 64U << 10;
+
+std::string number(std::uint64_t value, int width) {
+    std::string result;
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+        result += static_cast<char>(value >> shift & 0xFF);
+    }
+    return result;
+}
+std::string text(std::string const& value) { return number(value.size(), 4) + value; }
+
+// An agent's session, its tree mounted by a peer that is bytes.
+class InboundMemory : public testing::Test {
+  protected:
+    InboundMemory() {
+        root_->entryIs(Name("status"), status_);
+        status_->ovsdbIs(Name("db"))->logicalSwitchIs(Name("ls"));
+        MemoryTransport::connect(peer_, own_);
+        Session::Config config;
+        config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
+        config.peerMayWrite = true;
+        session_ = std::make_unique<Session>(config, own_, root_);
+        send(HostilePeer::hello());
+        send(hostileFrame(2, 0, 0, 1, 0, "\2" + number(1, 4) + "\1" + text("/vgw/status")));
+        drain();
+        before_ = Memory::heldBytes();
+        sent_ = 0;
+    }
+    void drain() {
+        static unsigned char sink[65536];
+        session_->service();
+        while (peer_.read(sink) != 0) session_->service();
+    }
+    // Hands bytes over; they are the session's to hold, not the transport's.
+    void send(std::string const& bytes) {
+        peer_.write(bytes);
+        sent_ += bytes.size();
+        session_->service();
+    }
+    void expectBound() {
+        std::size_t const held = Memory::heldBytes();
+        std::size_t const more = held > before_ ? held - before_ : 0;
+        ASSERT_LE(more, allowance + 4 * sent_) << "after " << sent_ << " bytes";
+    }
+    std::string closed() const { return std::string(session_->closed().view()); }
+
+    Qor::Ptr<Qor::Dir> root_ = make<Qor::Dir>(Name("vgw"));
+    Vgw::Status::Ptr status_ = Vgw::statusFactory(Name("status"));
+    MemoryTransport peer_;
+    MemoryTransport own_;
+    std::unique_ptr<Session> session_;
+    std::size_t before_ = 0;
+    std::size_t sent_ = 0;
+};
+
+TEST_F(InboundMemory, LengthThatIsClaimedReservesNothing) {
+    send(number((1U << 20) - 1, 4));
+    std::size_t const claimed = Memory::heldBytes();
+    EXPECT_LE(claimed, before_ + 1024);
+    for (int i = 0; i < 2000; ++i) {
+        send(std::string(100, 'x'));
+        expectBound();
+    }
+}
+
+TEST_F(InboundMemory, OpenTextIsHeldOnce) {
+    for (int i = 0; i < 3000; ++i) {
+        send(hostileFrame(0x80, switchId, 387, 1, 0, std::string(300, 'x')));
+        expectBound();
+    }
+    EXPECT_EQ(closed(), "");
+    send(hostileFrame(0, switchId, 387, 1, 0, "."));
+    EXPECT_EQ(status_->ovsdb()->logicalSwitch(Name("ls"))->desc().length(), 900001U);
+}
+
+TEST_F(InboundMemory, TextInSingleBytesIsHeldOnce) {
+    for (int i = 0; i < 5000; ++i) {
+        send(hostileFrame(0x80, switchId, 387, 1, 0, "x"));
+        expectBound();
+    }
+    EXPECT_EQ(closed(), "");
+}
+
+TEST_F(InboundMemory, LinkMessagesLeaveNothingBehind) {
+    for (std::uint32_t i = 0; i < 3000; ++i) {
+        send(hostileFrame(2, 0, 0, 1, 0, "\2" + number(i + 2, 4) + number(0, 1) + text("/none")));
+        send(hostileFrame(2, 0, 0, 1, 0, "\10" + number(0, 8)));
+        drain();
+        expectBound();
+    }
+    EXPECT_EQ(closed(), "");
+}
+
+TEST_F(InboundMemory, RecordsForNobodyLeaveNothingBehind) {
+    for (std::uint64_t i = 0; i < 3000; ++i) {
+        send(hostileFrame(0, 1001 + 2 * i, 387, 1, 0, "x"));
+        send(hostileFrame(1, 1001 + 2 * i, 387, 1, 0, std::string(5, '\0')));
+        send(hostileFrame(0x80, statusId, 999, 1, 0, "x"));
+        expectBound();
+    }
+    EXPECT_EQ(closed(), "");
+}
+
+// An entity costs more than the bytes that announce it; their number is what is bounded.
+TEST_F(InboundMemory, EntitiesEndAtTheirQuota) {
+    Session::Config config;
+    config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
+    config.peerMayWrite = true;
+    config.quota.entities = 500;
+    session_ = std::make_unique<Session>(config, own_, root_);
+    send(HostilePeer::hello());
+    send(hostileFrame(2, 0, 0, 1, 0, "\2" + number(1, 4) + "\1" + text("/vgw/status")));
+    drain();
+    for (std::uint64_t i = 0; i < 1000; ++i) {
+        send(hostileFrame(0, statusId + 2, 263, 1, 151,
+                          text("x" + std::to_string(i)) + number(101 + 2 * i, 8)));
+        drain();
+    }
+    EXPECT_EQ(closed(), "more than 500 entities");
+    EXPECT_LE(status_->ovsdb()->logicalSwitchs(), 501U);
+    EXPECT_LE(Memory::heldBytes(), before_ + allowance + 501 * 1500);
+}
+
+}  // namespace

@@ -30,6 +30,7 @@ DatabaseSession::DatabaseSession(asio::io_context& loop, Options const& options,
       client_(loop, clientOptions(options), static_cast<Ovsdb::ClientListener&>(*this), log),
       mirror_(client_.rows(), tree.database(), tree.macs()),
       books_(loop, tree.session(), tree.config()),
+      report_(tree.report(), mirror_),
       manager_(loop, client_, tree.database(), log) {
     if (options.remotes.empty()) addServer(loop, options, log);
 }
@@ -72,6 +73,7 @@ void DatabaseSession::end() {
 void DatabaseSession::handleLeft() {
     running_ = leaving_ = false;
     tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    report_.outOfStep(client_.remoteName(), "switched off");
     books_.close();
     if (server_) server_->wantedIs(false);
     listener_.onStep();
@@ -92,10 +94,14 @@ void DatabaseSession::stop() {
     if (server_) server_->stop();
 }
 
-void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) { mirror_.planIs(plan); }
+void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) {
+    mirror_.planIs(plan);
+    report_.planIs(plan);
+}
 
 void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
     mirror_.apply(changes);
+    report_.step(changes);
     listener_.onStep();
 }
 
@@ -105,6 +111,7 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
         mirror_.apply({});
         synced_ = true;
         tree_.mirrorStateIs(EntryState::ready);
+        report_.inStep(client_.remoteName());
     } else if (!reason.empty()) {
         tree_.session()->lastErrorCodeIs(std::string_view(reason));
         handleOutOfStep(reason);
@@ -115,6 +122,7 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
 void DatabaseSession::handleOutOfStep(std::string const& reason) {
     manager_.inStepIs(false);
     tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    report_.outOfStep(client_.remoteName(), reason);
     books_.awaitCopy(reason);
 }
 
@@ -134,9 +142,11 @@ void DatabaseSession::onOutcome(Ovsdb::RequestKind kind, std::string const& deta
 void DatabaseSession::onSilent(bool silent) {
     if (silent) {
         tree_.mirrorStateIs(EntryState::stale);
+        report_.outOfStep(client_.remoteName(), "the server does not answer");
         books_.awaitCopy("the server does not answer");
     } else {
         tree_.mirrorStateIs(EntryState::ready);
+        report_.inStep(client_.remoteName());
         books_.resume();
     }
     listener_.onStep();

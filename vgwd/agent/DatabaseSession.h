@@ -10,6 +10,7 @@
 
 #include <ovsdb/client/Client.h>
 #include <ovsdb/mirror/Mirror.h>
+#include <vgwd/agent/DatabaseBooks.h>
 #include <vgwd/agent/EmbeddedServer.h>
 #include <vgwd/agent/ManagerWriter.h>
 #include <vgwd/agent/Options.h>
@@ -76,6 +77,7 @@ class DatabaseSession final : private Ovsdb::ClientListener {
     Ovsdb::Client client_;
     Ovsdb::Mirror mirror_;
     SessionBooks books_;
+    DatabaseBooks report_;
     ManagerWriter manager_;
     bool enabled_ = false;
     bool running_ = false;  // the client was started

@@ -6,7 +6,8 @@ namespace Vgwd {
 
 TreeServer::TreeServer(asio::io_context& loop, StateTree& tree, Ovsdb::LogSink log)
     : tree_(tree),
-      server_(loop, tree.root(), static_cast<ServerListener&>(*this), std::move(log)) {}
+      server_(loop, tree.root(), static_cast<ServerListener&>(*this), std::move(log)),
+      books_(loop, tree.sessions(), server_) {}
 
 std::string TreeServer::whyReadOnly(std::string const& path, Qor::Entity& entity) {
     if (&entity == tree_.cliConfig().ptr()) return {};
@@ -21,6 +22,6 @@ std::string TreeServer::whyNotCalled(std::string const& path, Qor::Entity& entit
 
 void TreeServer::onWritten(Peer const&, Qor::Entity&, Qor::AttributeId) {}
 
-void TreeServer::onTraffic(Peer const&) {}
+void TreeServer::onTraffic(Peer const&) { books_.handleTraffic(); }
 
 }  // namespace Vgwd

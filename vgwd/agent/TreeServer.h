@@ -5,6 +5,7 @@
 // of it, and writers may change what docs/agent.md says is theirs.
 
 #include <vgwd/agent/StateTree.h>
+#include <vgwd/serve/PeerBooks.h>
 #include <vgwd/serve/Server.h>
 
 #include <asio/io_context.hpp>
@@ -19,7 +20,10 @@ class TreeServer final : private ServerListener {
 
     /// Raises std::runtime_error, which names what can't be listened on.
     void start(ServeOptions options) { server_.start(std::move(options)); }
-    void stop(std::string const& reason) { server_.stop(reason); }
+    void stop(std::string const& reason) {
+        server_.stop(reason);
+        books_.stop();
+    }
     void reloadCertificates() { server_.reloadCertificates(); }
     Server const& server() const { return server_; }
 
@@ -31,6 +35,7 @@ class TreeServer final : private ServerListener {
 
     StateTree& tree_;
     Server server_;
+    PeerBooks books_;
 };
 
 }  // namespace Vgwd

@@ -24,7 +24,7 @@ Agent::Agent(asio::io_context& loop, Options options, LogOutputs& logs)
       signals_(loop, SIGTERM, SIGINT, SIGUSR1),
       timeout_(loop),
       session_(loop, options_, tree_, static_cast<SessionListener&>(*this), log_),
-      served_(loop, tree_, log_),
+      served_(loop, tree_, session_, log_),
       reactor_(Qor::make<ConfigReactor>(loop, tree_.status(), session_, logs_)) {
     signals_.add(SIGCHLD);
     describeRunDirectory(*tree_.config(), options_);

@@ -31,7 +31,9 @@ DatabaseSession::DatabaseSession(asio::io_context& loop, Options const& options,
       mirror_(client_.rows(), tree.database(), tree.macs()),
       books_(loop, tree.session(), tree.config()),
       report_(tree.report(), mirror_),
-      manager_(loop, client_, tree.database(), log) {
+      manager_(loop, client_, tree.database(), log),
+      writer_(loop, client_, mirror_, static_cast<WriteListener&>(*this)),
+      log_(log) {
     if (options.remotes.empty()) addServer(loop, options, log);
 }
 
@@ -67,6 +69,7 @@ void DatabaseSession::begin() {
 void DatabaseSession::end() {
     leaving_ = true;
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
     client_.leave([this] { handleLeft(); });
 }
 
@@ -91,6 +94,8 @@ void DatabaseSession::handleChild() {
 void DatabaseSession::stop() {
     client_.stop();
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
+    writer_.stop();
     if (server_) server_->stop();
 }
 
@@ -100,6 +105,7 @@ void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) {
 }
 
 void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
+    DatabaseWriter::Working const working(writer_);
     mirror_.apply(changes);
     report_.step(changes);
     listener_.onStep();
@@ -121,9 +127,17 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
 
 void DatabaseSession::handleOutOfStep(std::string const& reason) {
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
     tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
     report_.outOfStep(client_.remoteName(), reason);
     books_.awaitCopy(reason);
+}
+
+void DatabaseSession::onUndone(std::string const& path, std::string const& peer,
+                               std::string const& reason) {
+    log_(Ovsdb::LogLevel::warning, path + ": what " + peer + " wrote is undone: " + reason);
+    report_.refused(path, peer, reason);
+    listener_.onStep();
 }
 
 void DatabaseSession::onRequest(Ovsdb::RequestKind kind, std::string const& detail) {
@@ -136,6 +150,7 @@ void DatabaseSession::onOutcome(Ovsdb::RequestKind kind, std::string const& deta
     listener_.onStep();
     if (kind != Ovsdb::RequestKind::monitor || error != nullptr) return;
     manager_.inStepIs(true);
+    writer_.inStepIs(true);
     listener_.onInStep();
 }
 

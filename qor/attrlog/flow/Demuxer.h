@@ -38,7 +38,7 @@ class QOR_EXPORT LinkHandler {
         AdapterState::Bits flags;
     };
     virtual Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) = 0;
-    // A record was applied to the entity.
+    // A record was applied to the entity, or a snapshot of the attribute has come whole.
     virtual void written(Entity& entity, AttributeId attribute);
     // The connection can't go on; told once.
     virtual void failed(String8 const& reason) = 0;

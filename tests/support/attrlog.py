@@ -45,9 +45,11 @@ class Frame:
 class Peer:
     """A connection without manners."""
 
-    def __init__(self, path, greets=True):
-        self.socket = socket.socket(socket.AF_UNIX)
-        self.socket.connect(str(path))
+    def __init__(self, place, greets=True):
+        """`place` is the path of a unix socket, or a port of this machine."""
+        is_port = isinstance(place, int)
+        self.socket = socket.socket(socket.AF_INET if is_port else socket.AF_UNIX)
+        self.socket.connect(("127.0.0.1", place) if is_port else str(place))
         self._bytes = b""
         if greets:
             self.send(hello())

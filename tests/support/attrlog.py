@@ -45,11 +45,13 @@ class Frame:
 class Peer:
     """A connection without manners."""
 
-    def __init__(self, place, greets=True):
-        """`place` is the path of a unix socket, or a port of this machine."""
+    def __init__(self, place, greets=True, tls=None):
+        """`place` is the path of a unix socket, or a port of this machine; `tls` the context to connect with."""
         is_port = isinstance(place, int)
         self.socket = socket.socket(socket.AF_INET if is_port else socket.AF_UNIX)
         self.socket.connect(("127.0.0.1", place) if is_port else str(place))
+        if tls:
+            self.socket = tls.wrap_socket(self.socket)
         self._bytes = b""
         if greets:
             self.send(hello())

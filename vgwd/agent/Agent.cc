@@ -54,8 +54,8 @@ int Agent::run() {
 void Agent::start() {
     configure();
     prepareRunDirectory();
-    if (options_.serves && !options_.once) serve();
     reactor_->follow(tree_.cliConfig());
+    if (options_.serves && !options_.once) serve();
     awaitSignal();
     startTimeout();
     if (!starting_) handleReady();

@@ -74,24 +74,27 @@ Columns lostOf(Table table, Row const& row) {
 
 }  // namespace
 
+std::vector<std::string_view> Mirror::lost(Table table, Uuid const& uuid) const {
+    Row const* const row = store_.find(table, uuid);
+    if (row == nullptr) return {};
+    Columns lost = lostOf(table, *row);
+    if (table != Table::physicalLocator) return lost;
+    auto const node = graph_.locators().find(uuid);
+    if (node == graph_.locators().end()) return lost;
+    if (bfdOf(node->second, plan_, store_).disagrees) lost.push_back("bfd");
+    if (bfdStatusOf(node->second, plan_, store_).disagrees) lost.push_back("bfdStatus");
+    return lost;
+}
+
 std::vector<std::string> Mirror::lost() const {
-    std::vector<std::string> lost;
-    auto const note = [&](Table table, Uuid const& uuid, std::string_view column) {
-        lost.push_back(std::string(mirroredTable(table).name) + " " + uuid.text() + " " +
-                       std::string(column));
-    };
+    std::vector<std::string> all;
     for (MirroredTable const& table : mirroredTables())
         for (auto const& [uuid, record] : store_.rows(table.table))
-            for (std::string_view const column : lostOf(table.table, record.row))
-                note(table.table, uuid, column);
-    for (auto const& [uuid, node] : graph_.locators()) {
-        if (node.raw == nullptr) continue;
-        if (bfdOf(node, plan_, store_).disagrees) note(Table::physicalLocator, uuid, "bfd");
-        if (bfdStatusOf(node, plan_, store_).disagrees)
-            note(Table::physicalLocator, uuid, "bfdStatus");
-    }
-    std::sort(lost.begin(), lost.end());
-    return lost;
+            for (std::string_view const column : lost(table.table, uuid))
+                all.push_back(std::string(table.name) + " " + uuid.text() + " " +
+                              std::string(column));
+    std::sort(all.begin(), all.end());
+    return all;
 }
 
 }  // namespace Ovsdb

@@ -118,6 +118,12 @@ void MacRows::remove(MacNode& node) const {
     node.row = nullptr;
 }
 
+void MacRows::restore(MacNode& node) const {
+    if (node.raw == nullptr || !node.mac) return;
+    if (node.row) directories_.of(node.table).entryIs(textOf(node.uuid), node.row);
+    write(node);
+}
+
 void MacRows::write(MacNode& node) const {
     if (!node.mac) return;
     if (!node.row) {

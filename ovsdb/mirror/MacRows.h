@@ -37,6 +37,9 @@ class MacRows {
     /// Makes the row if need be, and brings it up to date. REQUIRES: node.raw.
     void write(MacNode& node) const;
 
+    /// The same for one that somebody else may have changed or taken out.
+    void restore(MacNode& node) const;
+
     MacDirectories const& directories() const { return directories_; }
 
   private:

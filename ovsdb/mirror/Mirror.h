@@ -41,6 +41,11 @@ class Mirror {
 
     /// What the model could not hold, as "TABLE UUID COLUMN", in ascending order.
     std::vector<std::string> lost() const;
+    /// The columns of one row that the model could not hold.
+    std::vector<std::string_view> lost(Table table, Uuid const& uuid) const;
+    /// Makes a row what the database says, whatever somebody else made of it. One that the database
+    /// does not have is left alone.
+    void restore(Table table, Uuid const& uuid);
 
   private:
     void digest(RowChange const& change);

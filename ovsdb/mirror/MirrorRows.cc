@@ -106,4 +106,18 @@ void Mirror::addRow(RowChange const& change) {
     }
 }
 
+void Mirror::restore(Table table, Uuid const& uuid) {
+    Row const* const raw = store_.find(table, uuid);
+    if (raw == nullptr) return;
+    switch (table) {
+        case Table::ucastMacsLocal:
+        case Table::mcastMacsLocal:
+        case Table::ucastMacsRemote:
+        case Table::mcastMacsRemote:
+            return macRows_.restore(graph_.mac(table, uuid));
+        default:
+            return addRow({table, uuid, {}, raw});
+    }
+}
+
 }  // namespace Ovsdb

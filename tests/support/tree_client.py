@@ -38,7 +38,7 @@ class TreeClient:
         self._process.stdin.write(" ".join(map(str, words)) + "\n")
         self._process.stdin.flush()
         answer = self._answers.get(timeout=timeout * SLOWNESS)
-        return answer[6:] if answer.startswith("value ") else answer
+        return answer[6:] if answer.split(" ")[0] == "value" else answer
 
     def await_told(self, words, count=1, timeout=20):
         self.await_that(lambda: sum(words in line for line in self.told) >= count, f"it tells {words!r} {count} times", timeout)

@@ -24,9 +24,11 @@ Agent::Agent(asio::io_context& loop, Options options, LogOutputs& logs)
       signals_(loop, SIGTERM, SIGINT, SIGUSR1),
       timeout_(loop),
       session_(loop, options_, tree_, static_cast<SessionListener&>(*this), log_),
-      served_(loop, tree_, log_),
-      reactor_(Qor::make<ConfigReactor>(loop, tree_.status(), session_, logs_)) {
+      served_(loop, tree_, session_, log_),
+      reactor_(Qor::make<ConfigReactor>(loop, tree_.status(), session_, logs_)),
+      notice_(loop) {
     signals_.add(SIGCHLD);
+    signals_.add(SIGHUP);
     describeRunDirectory(*tree_.config(), options_);
     if (options_.watch) addWatcher();
 }
@@ -52,11 +54,27 @@ int Agent::run() {
 void Agent::start() {
     configure();
     prepareRunDirectory();
-    if (options_.serves && !options_.once) serve();
     reactor_->follow(tree_.cliConfig());
+    if (options_.serves && !options_.once) serve();
     awaitSignal();
     startTimeout();
-    if (!starting_) writePidFile();
+    if (!starting_) handleReady();
+}
+
+void Agent::handleReady() {
+    writePidFile();
+    notice_.ready();
+    for (ListenAddress const& address : server().addresses())
+        notice_.status("listening on " + address.text());
+}
+
+// Of our own server nothing is read again: it has its files from its start.
+void Agent::reload() {
+    notice_.reloading();
+    logs_.reopen();
+    log_(LogLevel::info, "SIGHUP: logs are opened anew");
+    served_.reloadCertificates();
+    notice_.ready();
 }
 
 void Agent::writePidFile() {
@@ -77,7 +95,7 @@ void Agent::configure() {
 void Agent::prepareRunDirectory() {
     if (options_.once && !options_.remotes.empty()) return;
     try {
-        makeRunDirectory(options_.runDirectory, log_);
+        madeRunDirectory_ = makeRunDirectory(options_.runDirectory, log_);
     } catch (std::exception const& e) {
         if (options_.remotes.empty()) throw;
         return log_(LogLevel::warning, e.what());
@@ -89,11 +107,14 @@ void Agent::prepareRunDirectory() {
 void Agent::serve() {
     if (!lock_.isHeld() && options_.listen.empty())
         return log_(LogLevel::warning, "nobody can connect without the run directory");
-    served_.start(serveOptionsOf(options_));
+    ServeOptions serve = serveOptionsOf(options_);
+    if (madeRunDirectory_) letThroughRunDirectory(options_.runDirectory, serve.access);
+    served_.start(std::move(serve));
 }
 
 void Agent::stop() {
     if (reactor_ == nullptr) return;
+    notice_.stopping();
     reactor_->leave();
     reactor_ = nullptr;
     signals_.cancel();
@@ -111,6 +132,7 @@ void Agent::awaitSignal() {
         if (error) return;
         if (number == SIGUSR1) writeDump();
         if (number == SIGCHLD) session_.handleChild();
+        if (number == SIGHUP) reload();
         if (number == SIGTERM || number == SIGINT) {
             log_(LogLevel::info, number == SIGTERM ? "SIGTERM: ending" : "SIGINT: ending");
             return end(0);
@@ -152,7 +174,7 @@ void Agent::onInStep() {
 }
 
 void Agent::onListening() {
-    if (std::exchange(starting_, false)) writePidFile();
+    if (std::exchange(starting_, false)) handleReady();
 }
 
 void Agent::onFailed(std::string const& reason) {

@@ -11,6 +11,7 @@
 #include <vgwd/agent/DatabaseSession.h>
 #include <vgwd/agent/LogOutputs.h>
 #include <vgwd/agent/Options.h>
+#include <vgwd/agent/ServiceNotice.h>
 #include <vgwd/agent/StateTree.h>
 #include <vgwd/agent/TreeServer.h>
 #include <vgwd/serve/FileLock.h>
@@ -57,6 +58,8 @@ class Agent final : private SessionListener {
     void awaitSignal();
     void startTimeout();
     void writeDump();
+    void handleReady();
+    void reload();
     void writePidFile();
     void end(int exitCode);
 
@@ -72,7 +75,9 @@ class Agent final : private SessionListener {
     TreeServer served_;
     ConfigReactor::Ptr reactor_;
     std::optional<Watcher> watcher_;
+    ServiceNotice notice_;
     std::string lastReason_ = "no server has answered";
+    bool madeRunDirectory_ = false;
     bool starting_ = false;  // our own server is to run and has not listened yet
     int exitCode_ = 0;
 };

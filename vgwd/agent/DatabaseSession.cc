@@ -30,7 +30,10 @@ DatabaseSession::DatabaseSession(asio::io_context& loop, Options const& options,
       client_(loop, clientOptions(options), static_cast<Ovsdb::ClientListener&>(*this), log),
       mirror_(client_.rows(), tree.database(), tree.macs()),
       books_(loop, tree.session(), tree.config()),
-      manager_(loop, client_, tree.database(), log) {
+      report_(tree.report(), mirror_),
+      manager_(loop, client_, tree.database(), log),
+      writer_(loop, client_, mirror_, static_cast<WriteListener&>(*this)),
+      log_(log) {
     if (options.remotes.empty()) addServer(loop, options, log);
 }
 
@@ -66,12 +69,14 @@ void DatabaseSession::begin() {
 void DatabaseSession::end() {
     leaving_ = true;
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
     client_.leave([this] { handleLeft(); });
 }
 
 void DatabaseSession::handleLeft() {
     running_ = leaving_ = false;
     tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    report_.outOfStep(client_.remoteName(), "switched off");
     books_.close();
     if (server_) server_->wantedIs(false);
     listener_.onStep();
@@ -89,13 +94,20 @@ void DatabaseSession::handleChild() {
 void DatabaseSession::stop() {
     client_.stop();
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
+    writer_.stop();
     if (server_) server_->stop();
 }
 
-void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) { mirror_.planIs(plan); }
+void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) {
+    mirror_.planIs(plan);
+    report_.planIs(plan);
+}
 
 void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
+    DatabaseWriter::Working const working(writer_);
     mirror_.apply(changes);
+    report_.step(changes);
     listener_.onStep();
 }
 
@@ -105,6 +117,7 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
         mirror_.apply({});
         synced_ = true;
         tree_.mirrorStateIs(EntryState::ready);
+        report_.inStep(client_.remoteName());
     } else if (!reason.empty()) {
         tree_.session()->lastErrorCodeIs(std::string_view(reason));
         handleOutOfStep(reason);
@@ -114,8 +127,17 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
 
 void DatabaseSession::handleOutOfStep(std::string const& reason) {
     manager_.inStepIs(false);
+    writer_.inStepIs(false);
     tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
+    report_.outOfStep(client_.remoteName(), reason);
     books_.awaitCopy(reason);
+}
+
+void DatabaseSession::onUndone(std::string const& path, std::string const& peer,
+                               std::string const& reason) {
+    log_(Ovsdb::LogLevel::warning, path + ": what " + peer + " wrote is undone: " + reason);
+    report_.refused(path, peer, reason);
+    listener_.onStep();
 }
 
 void DatabaseSession::onRequest(Ovsdb::RequestKind kind, std::string const& detail) {
@@ -128,15 +150,18 @@ void DatabaseSession::onOutcome(Ovsdb::RequestKind kind, std::string const& deta
     listener_.onStep();
     if (kind != Ovsdb::RequestKind::monitor || error != nullptr) return;
     manager_.inStepIs(true);
+    writer_.inStepIs(true);
     listener_.onInStep();
 }
 
 void DatabaseSession::onSilent(bool silent) {
     if (silent) {
         tree_.mirrorStateIs(EntryState::stale);
+        report_.outOfStep(client_.remoteName(), "the server does not answer");
         books_.awaitCopy("the server does not answer");
     } else {
         tree_.mirrorStateIs(EntryState::ready);
+        report_.inStep(client_.remoteName());
         books_.resume();
     }
     listener_.onStep();

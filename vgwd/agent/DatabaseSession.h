@@ -10,11 +10,13 @@
 
 #include <ovsdb/client/Client.h>
 #include <ovsdb/mirror/Mirror.h>
+#include <vgwd/agent/DatabaseBooks.h>
 #include <vgwd/agent/EmbeddedServer.h>
 #include <vgwd/agent/ManagerWriter.h>
 #include <vgwd/agent/Options.h>
 #include <vgwd/agent/SessionBooks.h>
 #include <vgwd/agent/StateTree.h>
+#include <vgwd/write/DatabaseWriter.h>
 
 #include <asio/io_context.hpp>
 
@@ -36,7 +38,7 @@ class SessionListener {
     virtual void onListening() = 0;
 };
 
-class DatabaseSession final : private Ovsdb::ClientListener {
+class DatabaseSession final : private Ovsdb::ClientListener, private WriteListener {
   public:
     DatabaseSession(asio::io_context& loop, Options const& options, StateTree& tree,
                     SessionListener& listener, Ovsdb::LogSink log);
@@ -53,6 +55,11 @@ class DatabaseSession final : private Ovsdb::ClientListener {
     void stop();
 
     Ovsdb::Mirror const& mirror() const { return mirror_; }
+    /// Takes what peers write.
+    DatabaseWriter& writer() { return writer_; }
+    /// Tells of a write that was undone, whoever undid it.
+    void onUndone(std::string const& path, std::string const& peer,
+                  std::string const& reason) override;
 
   private:
     void onPlan(Ovsdb::MonitorPlan const& plan) override;
@@ -63,6 +70,7 @@ class DatabaseSession final : private Ovsdb::ClientListener {
                    Ovsdb::RpcError const* error) override;
     void onSilent(bool silent) override;
     void onRoundFailed(std::string const& reason) override;
+    void onTaken() override { report_.taken(); }
 
     void addServer(asio::io_context& loop, Options const& options, Ovsdb::LogSink const& log);
     void begin();
@@ -76,7 +84,10 @@ class DatabaseSession final : private Ovsdb::ClientListener {
     Ovsdb::Client client_;
     Ovsdb::Mirror mirror_;
     SessionBooks books_;
+    DatabaseBooks report_;
     ManagerWriter manager_;
+    DatabaseWriter writer_;
+    Ovsdb::LogSink log_;
     bool enabled_ = false;
     bool running_ = false;  // the client was started
     bool leaving_ = false;  // it is ending

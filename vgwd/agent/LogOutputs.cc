@@ -69,6 +69,18 @@ void LogOutputs::levelIs(LogDestination destination, Vgw::OvsdbLogLevel wanted) 
     gather();
 }
 
+void LogOutputs::reopen() {
+    for (std::size_t at = 0; at < sinks_.size(); ++at) {
+        if (sinks_[at] == nullptr) continue;
+        level::level_enum const threshold = sinks_[at]->level();
+        sinks_[at] = nullptr;
+        gather();
+        open(at);
+        if (sinks_[at] != nullptr) sinks_[at]->set_level(threshold);
+    }
+    gather();
+}
+
 void LogOutputs::open(std::size_t destination) {
     try {
         sinks_[destination] = openers_[destination]();

@@ -47,6 +47,9 @@ class LogOutputs {
     /// change of its level.
     void levelIs(LogDestination destination, Vgw::OvsdbLogLevel level);
 
+    /// Closes and opens what is open, so that a log file which was moved away is made anew.
+    void reopen();
+
     void log(Ovsdb::LogLevel level, std::string const& text);
     /// At level emergency.
     void logFatal(std::string const& text);

@@ -45,9 +45,9 @@ void describeServing(CLI::App& app, Options& options, Words& words) {
         ->allow_extra_args(false)
         ->type_name("ADDRESS");
     app.add_option("--group", options.readGroup, "whose members may connect and read")
-        ->type_name("NAME");
+        ->type_name("NAME|NUMBER");
     app.add_option("--write-group", options.writeGroup, "whose members may connect and write")
-        ->type_name("NAME");
+        ->type_name("NAME|NUMBER");
     app.add_flag("--tcp-readers", options.tcpReads,
                  "anyone on this machine may read by tcp:, where nobody can be told apart");
     app.add_option("--write-cn", options.writerNames,

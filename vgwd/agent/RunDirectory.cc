@@ -1,6 +1,7 @@
 #include <vgwd/agent/RunDirectory.h>
 
 #include <sys/stat.h>
+#include <unistd.h>
 #include <cerrno>
 #include <filesystem>
 #include <stdexcept>
@@ -15,12 +16,12 @@ Qor::String8 text(std::string const& path) { return std::string_view(path); }
 
 }  // namespace
 
-void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log) {
+bool makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log) {
     fs::path const path = fs::absolute(directory).lexically_normal();
     std::error_code error;
     fs::path const folder = path.has_filename() ? path : path.parent_path();
     fs::create_directories(folder.parent_path(), error);
-    if (::mkdir(folder.c_str(), S_IRWXU) == 0) return;
+    if (::mkdir(folder.c_str(), S_IRWXU) == 0) return true;
     std::error_code const refused(errno, std::generic_category());
     fs::file_status const status = fs::status(folder, error);
     if (!fs::is_directory(status))
@@ -30,6 +31,22 @@ void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log) {
         fs::perms::none)
         log(Ovsdb::LogLevel::warning,
             "run directory " + folder.string() + " can be written by others than its owner");
+    return false;
+}
+
+void letThroughRunDirectory(std::string const& directory, Access const& access) {
+    auto const& [one, other] = std::pair(access.readGroup, access.writeGroup);
+    if (!one && !other) return;
+    bool const areTwo = one && other && *one != *other;
+    gid_t const group = one.value_or(other.value_or(0));
+    mode_t const mode = S_IRWXU | S_IXGRP | (areTwo ? S_IXOTH : 0);
+    bool const isDone =
+        (areTwo || ::chown(directory.c_str(), static_cast<uid_t>(-1), group) == 0) &&
+        ::chmod(directory.c_str(), mode) == 0;
+    if (!isDone)
+        throw std::runtime_error("run directory " + directory + " can't be opened to the group: " +
+                                 std::generic_category().message(errno) +
+                                 " (vgwd has to be a member of it)");
 }
 
 FileLock lockRunDirectory(std::string const& directory) {

@@ -14,6 +14,7 @@
 #include <ovsdb/client/Log.h>
 #include <vgw/agent/Config.h>
 #include <vgwd/agent/Options.h>
+#include <vgwd/serve/Access.h>
 #include <vgwd/serve/FileLock.h>
 
 #include <string>
@@ -21,8 +22,12 @@
 namespace Vgwd {
 
 /// Makes the folder, with its parents, for the owner alone. One that is there is left as it is;
-/// that others may write to it is said. Raises std::runtime_error, which names the folder.
-void makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log);
+/// that others may write to it is said. Whether it was made. Raises std::runtime_error, which names
+/// the folder.
+bool makeRunDirectory(std::string const& directory, Ovsdb::LogSink const& log);
+/// Lets members of a group pass through the folder to our socket, of two different groups everyone;
+/// what stands there has modes of its own. Not to be told of a folder that others have made.
+void letThroughRunDirectory(std::string const& directory, Access const& access);
 
 /// The folder is ours from now on. Raises std::runtime_error when another agent runs in it.
 FileLock lockRunDirectory(std::string const& directory);

@@ -5,6 +5,7 @@
 #include <grp.h>
 #include <unistd.h>
 #include <cerrno>
+#include <charconv>
 #include <stdexcept>
 #include <vector>
 
@@ -20,7 +21,12 @@ std::optional<gid_t> groupOf(std::string const& name) {
     while ((failure = ::getgrnam_r(name.c_str(), &found, room.data(), room.size(), &result)) ==
            ERANGE)
         room.resize(room.size() * 2);
-    if (failure != 0 || result == nullptr) throw std::runtime_error("there is no group " + name);
+    gid_t number = 0;
+    auto const [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+    bool const isNumber = error == std::errc() && end == name.data() + name.size();
+    bool const isFound = failure == 0 && result != nullptr;
+    if (!isFound && isNumber) return number;
+    if (!isFound) throw std::runtime_error("there is no group " + name);
     return found.gr_gid;
 }
 

@@ -20,12 +20,15 @@ StateTree::StateTree()
       database_(status_->ovsdbIs("ovsdb")),
       session_(status_->ovsdbSessionStatusIs("ovsdbSessionStatus")),
       cliConfig_(Vgw::cliConfigFactory("cliConfig")),
-      config_(Vgw::configFactory("config")) {
+      config_(Vgw::configFactory("config")),
+      report_(Qor::make<DatabaseReport>("database")) {
     root_->entryIs("status", status_);
     root_->entryIs("cliConfig", cliConfig_);
     root_->entryIs("config", config_);
     macs_ = {addDirectory(*root_, macTables[0]), addDirectory(*root_, macTables[1]),
              addDirectory(*root_, macTables[2]), addDirectory(*root_, macTables[3])};
+    root_->entryIs("database", report_);
+    sessions_ = addDirectory(*root_, "sessions");
     mirrorStateIs(Qor::Dir::EntryState::pending);
 }
 

@@ -9,12 +9,15 @@
 //     /vgw/config           Vgw::Config: where it keeps what, and its limits
 //     /vgw/ucastMacsLocal   and mcastMacsLocal, ucastMacsRemote, mcastMacsRemote: directories of
 //                           MAC rows
+//     /vgw/database         Vgwd::DatabaseReport: how the agent stands with the database
+//     /vgw/sessions         directory of Vgwd::PeerSession: who mounts this tree
 
 #include <ovsdb/mirror/MacRows.h>
 #include <qor/tree/Dir.h>
 #include <vgw/agent/CliConfig.h>
 #include <vgw/agent/Config.h>
 #include <vgw/agent/Status.h>
+#include <vgwd/model/DatabaseReport.h>
 
 namespace Vgwd {
 
@@ -29,6 +32,8 @@ class StateTree {
     Vgw::CliConfig::Ptr const& cliConfig() const { return cliConfig_; }
     Vgw::Config::Ptr const& config() const { return config_; }
     Ovsdb::MacDirectories const& macs() const { return macs_; }
+    DatabaseReport::Ptr const& report() const { return report_; }
+    Qor::Dir::Ptr const& sessions() const { return sessions_; }
 
     /// How far what is mirrored can be relied on: the state of /vgw/status and of the MAC rows'
     /// directories.
@@ -42,6 +47,8 @@ class StateTree {
     Vgw::CliConfig::Ptr cliConfig_;
     Vgw::Config::Ptr config_;
     Ovsdb::MacDirectories macs_;
+    DatabaseReport::Ptr report_;
+    Qor::Dir::Ptr sessions_;
 };
 
 }  // namespace Vgwd

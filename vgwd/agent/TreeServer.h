@@ -4,7 +4,9 @@
 // Serves the agent's tree, and says which of it may be written: everyone who may connect reads all
 // of it, and writers may change what docs/agent.md says is theirs.
 
+#include <vgwd/agent/DatabaseSession.h>
 #include <vgwd/agent/StateTree.h>
+#include <vgwd/serve/PeerBooks.h>
 #include <vgwd/serve/Server.h>
 
 #include <asio/io_context.hpp>
@@ -15,11 +17,15 @@ namespace Vgwd {
 
 class TreeServer final : private ServerListener {
   public:
-    TreeServer(asio::io_context& loop, StateTree& tree, Ovsdb::LogSink log);
+    TreeServer(asio::io_context& loop, StateTree& tree, DatabaseSession& database,
+               Ovsdb::LogSink log);
 
     /// Raises std::runtime_error, which names what can't be listened on.
-    void start(ServeOptions options) { server_.start(std::move(options)); }
-    void stop(std::string const& reason) { server_.stop(reason); }
+    void start(ServeOptions options);
+    void stop(std::string const& reason) {
+        server_.stop(reason);
+        books_.stop();
+    }
     void reloadCertificates() { server_.reloadCertificates(); }
     Server const& server() const { return server_; }
 
@@ -29,8 +35,13 @@ class TreeServer final : private ServerListener {
     void onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) override;
     void onTraffic(Peer const& peer) override;
 
+    void keepPaths(Peer const& peer, Qor::AttributeId attribute);
+
     StateTree& tree_;
+    DatabaseSession& database_;
+    Vgw::Config::Ptr paths_;  // as they were at the start: what is told there is no peer's to write
     Server server_;
+    PeerBooks books_;
 };
 
 }  // namespace Vgwd

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 namespace Vgwd {
 namespace {
@@ -76,7 +77,7 @@ void letIn(std::string const& path, SocketGroups const& groups) {
     mode_t mode = S_IRUSR | S_IWUSR;
     if (groups.one) {
         need(::chown(path.c_str(), static_cast<uid_t>(-1), *groups.one) == 0, path,
-             "the group can't be set");
+             "the group, of which vgwd has to be a member, can't be set");
         mode |= S_IRGRP | S_IWGRP;
     }
     if (groups.everyone) mode |= S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;

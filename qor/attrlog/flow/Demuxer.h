@@ -38,7 +38,7 @@ class QOR_EXPORT LinkHandler {
         AdapterState::Bits flags;
     };
     virtual Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) = 0;
-    // A record was applied to the entity.
+    // A record was applied to the entity, or a snapshot of the attribute has come whole.
     virtual void written(Entity& entity, AttributeId attribute);
     // An entity was announced whose class is not known here; it is skipped.
     virtual void unknownClass(Name const& fullName);

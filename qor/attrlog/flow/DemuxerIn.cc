@@ -115,7 +115,9 @@ void Demuxer::serveTransaction(Frame const& frame) {
         throwInternalException(String8("write-update from readonly proxy: ") +
                                found->qorNotifierEntity()->fullName());
     }
+    Qor::Ptr<Entity> const entity(found->qorNotifierEntity());
     found->handleAttrTransaction(id, static_cast<StreamAdapter::AttrTransactionType>(type), arg);
+    if (link_ != nullptr && type == StreamAdapter::end) link_->written(*entity, id);
 }
 
 void Demuxer::serveOrphan(Frame const& frame) {

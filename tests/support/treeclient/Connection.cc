@@ -1,6 +1,7 @@
 #include <tests/support/treeclient/Connection.h>
 
 #include <qor/tree/EntityPath.h>
+#include <vgw/OvsdbDataTypes.h>
 
 #include <arpa/inet.h>
 #include <fcntl.h>
@@ -37,6 +38,17 @@ int connectTcp(std::string const& port) {
     return -1;
 }
 
+// Rows are not made by their class's name alone; whoever mounts one brings it along.
+Qor::Ptr<Qor::Entity> newRow(std::string const& path) {
+    auto const slash = path.rfind('/');
+    Qor::Name const name = std::string_view(path).substr(slash + 1);
+    std::string const parent = path.substr(0, slash);
+    if (parent.ends_with("/physicalPort")) return Qor::make<Vgw::PhysicalPort>(name);
+    if (parent.ends_with("/physicalSwitchRaw")) return Qor::make<Vgw::PhysicalSwitch>(name);
+    if (parent.ends_with("/logicalBindingStats")) return Qor::make<Vgw::LogicalBindingStats>(name);
+    return nullptr;
+}
+
 }  // namespace
 
 Connection::Connection(std::string address, bool reconnects, bool isQuiet)
@@ -47,7 +59,8 @@ void Connection::say(std::string const& line) const {
 }
 
 void Connection::add(std::string path, bool isWritable) {
-    mounts_.push_back({std::move(path), isWritable, nullptr, 0, false});
+    auto const row = newRow(path);
+    mounts_.push_back({std::move(path), isWritable, row, 0, false});
     if (session_) ask(mounts_.back());
 }
 

@@ -1,0 +1,212 @@
+"""What allowed peers write in the tree goes into the database, and what may not be written is undone."""
+import serve_case
+
+MAC = "00:00:5e:00:53:01"
+VTEP = "192.0.2.1"
+UNICAST = "/vgw/ucastMacsLocal"
+MULTICAST = "/vgw/mcastMacsLocal"
+ROWS = "/vgw/status/ovsdb"
+
+
+class WriteTest(serve_case.ServeCase):
+    def setUp(self):
+        super().setUp()
+        self.db = self.server()
+        self.db.vtep_ctl("add-ps", "tor", "--", "add-port", "tor", "p1", "--", "add-ls", "red", "--", "add-ls", "blue")
+        self.agent_ = self.agent(self.db)
+        self.reader = self.client(self.agent_, "/vgw")
+        self.reader.await_value("true", "get", "/vgw/database", "inStep")
+
+    def writer(self, *paths):
+        client = self.client(self.agent_, *(path + ":w" for path in paths))
+        client.await_told("synced", len(paths))
+        return client
+
+    def uuid(self, table, name):
+        return self.db.vtep_ctl("--bare", "--columns=_uuid", "find", table, f"name={name}").strip()
+
+    def column(self, table, record, column):
+        return self.db.vtep_ctl("get", table, record, column).strip()
+
+    def names(self, client, path):
+        return [name.strip("'") for name in client.ask("list", path, "entry").split()]
+
+    def await_refused(self, path, *reason):
+        self.reader.await_that(
+            lambda: all(word in self.reader.ask("get", "/vgw/database", "refusedReason") for word in reason)
+            and self.reader.ask("get", "/vgw/database", "refusedPath") == f"'{path}'",
+            f"{path} is refused because of {reason}",
+        )
+
+    def await_local(self, switch, *lines):
+        """Until vtep-ctl lists those local addresses of the switch."""
+
+        def listed():
+            listing = self.db.vtep_ctl("list-local-macs", switch)
+            return sorted(line.strip() for line in listing.splitlines() if "->" in line)
+
+        self.reader.await_that(lambda: listed() == sorted(lines), f"{lines} of {switch}; {listed()}")
+
+    def make_mac(self, writer, name="mine", mac=MAC, switch="red", vtep=VTEP):
+        self.assertEqual(writer.ask("newmac", "ucastMacsLocal", name, mac), "ok")
+        writer.ask("set", f"{UNICAST}/{name}", "logicalSwitch", f"'{self.uuid('Logical_Switch', switch)}'")
+        writer.ask("set", f"{UNICAST}/{name}", "vtepIp", f"'{vtep}'")
+
+    def test_a_local_address_that_a_writer_makes_is_in_the_database_and_then_under_its_uuid(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+        row = self.db.vtep_ctl("--bare", "--columns=_uuid", "list", "Ucast_Macs_Local").strip()
+        for client in (writer, self.reader):
+            client.await_that(lambda client=client: self.names(client, UNICAST) == [row], "it stands under its UUID")
+        self.assertEqual(writer.ask("get", f"{UNICAST}/{row}", "vtepIp"), f"'{VTEP}'")
+        self.reader.await_value("1", "get", "/vgw/database", "written")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_many_addresses_at_once_all_arrive(self):
+        writer = self.writer(UNICAST)
+        for n in range(50):
+            self.make_mac(writer, f"new-{n}", f"00:00:5e:00:53:{n:02x}", "red" if n % 2 else "blue", f"192.0.2.{1 + n % 4}")
+        self.reader.await_value("50", "get", "/vgw/database", "written")
+        self.await_rows(self.reader, self.db.read())
+        self.reader.await_that(lambda: len(self.names(writer, UNICAST)) == 50, "only rows of the database are left")
+
+    def test_a_local_address_is_moved_and_removed(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+        writer.await_that(lambda: self.names(writer, UNICAST) not in (["mine"], []) and len(self.names(writer, UNICAST)) == 1, "one row")
+        (row,) = self.names(writer, UNICAST)
+        writer.ask("set", f"{UNICAST}/{row}", "vtepIp", "'192.0.2.7'")
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/192.0.2.7")
+        writer.ask("set", f"{UNICAST}/{row}", "logicalSwitch", f"'{self.uuid('Logical_Switch', 'blue')}'")
+        self.await_local("blue", f"{MAC} -> vxlan_over_ipv4/192.0.2.7")
+        self.assertEqual(writer.ask("del", UNICAST, "entry", f"'{row}'"), "ok")
+        self.await_local("blue")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_a_multicast_address_has_a_set_of_locators(self):
+        writer = self.writer(MULTICAST)
+        writer.ask("newmac", "mcastMacsLocal", "flood", "00:00:00:00:00:00")
+        writer.ask("set", f"{MULTICAST}/flood", "logicalSwitch", f"'{self.uuid('Logical_Switch', 'red')}'")
+        for vtep in (VTEP, "192.0.2.2"):
+            writer.ask("set", f"{MULTICAST}/flood", "vtepIp", f"'{vtep}'", "true")
+        self.await_local("red", f"unknown-dst -> vxlan_over_ipv4/{VTEP}", "unknown-dst -> vxlan_over_ipv4/192.0.2.2")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_an_address_without_a_switch_is_undone_after_a_while_with_the_reason(self):
+        writer = self.writer(UNICAST)
+        writer.ask("newmac", "ucastMacsLocal", "mine", MAC)
+        self.await_refused(f"{UNICAST}/mine", "logicalSwitch is not set")
+        writer.await_that(lambda: self.names(writer, UNICAST) == [], "the writer's row is gone")
+        self.agent_.await_said(f"{UNICAST}/mine: what uid ", "wrote is undone: logicalSwitch is not set")
+
+    def test_what_the_database_refuses_is_undone_with_its_reason(self):
+        writer = self.writer(UNICAST)
+        writer.ask("newmac", "ucastMacsLocal", "mine", MAC)
+        writer.ask("set", f"{UNICAST}/mine", "logicalSwitch", "'00000000-1111-2222-3333-444444444444'")
+        writer.ask("set", f"{UNICAST}/mine", "vtepIp", f"'{VTEP}'")
+        self.await_refused(f"{UNICAST}/mine", "referential integrity violation")
+        writer.await_that(lambda: self.names(writer, UNICAST) == [], "the writer's row is gone")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_what_of_a_local_address_is_not_for_peers_is_undone(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        writer.await_that(lambda: [len(name) for name in self.names(writer, UNICAST)] == [36], "it stands under its UUID")
+        (row,) = self.names(writer, UNICAST)
+        writer.ask("set", f"{UNICAST}/{row}", "uuid", "'stolen'")
+        self.await_refused(f"{UNICAST}/{row}", "uuid may not be written")
+        for client in (writer, self.reader):
+            client.await_value(f"'{row}'", "get", f"{UNICAST}/{row}", "uuid")
+
+    def test_description_and_faults_of_a_port_are_written(self):
+        port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
+        writer = self.writer(port)
+        writer.ask("set", port, "desc", "'uplink'")
+        writer.ask("set", port, "fault", "'no-light'", "true")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == "uplink", "the description")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "port_fault_status") == "[no-light]", "the fault")
+        writer.ask("del", port, "fault", "'no-light'")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "port_fault_status") == "[]", "no fault")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_of_two_writes_of_one_value_the_last_stays(self):
+        port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
+        writer = self.writer(port)
+        for n in range(200):
+            writer.ask("set", port, "desc", f"'{n}'")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == '"199"', "the last one")
+        for client in (writer, self.reader):
+            client.await_value("'199'", "get", port, "desc")
+
+    def test_addresses_of_a_switch_are_written(self):
+        switch = f"{ROWS}/physicalSwitchRaw/{self.uuid('Physical_Switch', 'tor')}"
+        writer = self.writer(switch)
+        writer.ask("set", switch, "tunnelIp", "'192.0.2.9'", "true")
+        self.reader.await_that(lambda: "192.0.2.9" in self.column("Physical_Switch", "tor", "tunnel_ips"), "the address")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_counters_are_written(self):
+        self.db.vtep_ctl("--id=@s", "create", "Logical_Binding_Stats", "bytes_from_local=1", "--",
+                         "set", "Physical_Port", "p1", "vlan_stats:100=@s")
+        stats = self.db.vtep_ctl("--bare", "--columns=_uuid", "list", "Logical_Binding_Stats").strip()
+        path = f"{ROWS}/logicalBindingStats/{stats}"
+        self.reader.await_that(lambda: stats in self.reader.ask("list", ROWS, "logicalBindingStats"), "the row is here")
+        writer = self.writer(path)
+        writer.ask("set", path, "inBytes", "9000000000")
+        self.reader.await_that(
+            lambda: self.column("Logical_Binding_Stats", stats, "bytes_from_local") == "9000000000", "the counter"
+        )
+        writer.ask("set", path, "inBytes", str(2**63))
+        self.await_refused(path, "the database counts to 9223372036854775807")
+        writer.await_value("9000000000", "get", path, "inBytes")
+
+    def test_what_the_controller_writes_is_undone(self):
+        port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
+        writer = self.writer(port)
+        writer.ask("set", port, "vlanBinding", "7", "'x'")
+        self.await_refused(port, "vlanBinding may not be written")
+        for client in (writer, self.reader):
+            client.await_value("", "list", port, "vlanBinding")
+        writer.ask("set", port, "invalidAttrib", "'fault'", "true")
+        self.await_refused(port, "invalidAttrib may not be written")
+        self.reader.await_value("", "list", port, "invalidAttrib")
+
+    def test_only_what_writers_may_change_is_mounted_to_be_written(self):
+        self.db.vtep_ctl("add-ucast-remote", "red", "00:00:5e:00:53:02", "192.0.2.2")
+        switch = f"{ROWS}/logicalSwitch/{self.uuid('Logical_Switch', 'red')}"
+        for path in ("/vgw", "/vgw/status", ROWS, "/vgw/ucastMacsRemote", "/vgw/sessions", "/vgw/database", switch):
+            client = self.client(self.agent_, path + ":w")
+            client.await_told(f"refused {path}: {path} may only be read")
+
+    def test_the_paths_of_config_are_the_agents_and_its_limits_the_writers(self):
+        writer = self.writer("/vgw/config")
+        told = writer.ask("get", "/vgw/config", "ovsdbRunDir")
+        writer.ask("set", "/vgw/config", "restartSyncShort", "3")
+        writer.ask("set", "/vgw/config", "ovsdbRunDir", "'/else'")
+        self.await_refused("/vgw/config", "ovsdbRunDir may not be written")
+        writer.await_value(told, "get", "/vgw/config", "ovsdbRunDir")
+        self.reader.await_value("3", "get", "/vgw/config", "restartSyncShort")
+
+    def test_what_is_written_while_the_database_is_away_is_written_when_it_is_back(self):
+        writer = self.writer(UNICAST)
+        switch = self.uuid("Logical_Switch", "red")
+        self.db.kill()
+        self.reader.await_value("false", "get", "/vgw/database", "inStep")
+        writer.ask("newmac", "ucastMacsLocal", "mine", MAC)
+        writer.ask("set", f"{UNICAST}/mine", "logicalSwitch", f"'{switch}'")
+        writer.ask("set", f"{UNICAST}/mine", "vtepIp", f"'{VTEP}'")
+        self.db.start()
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_the_agent_acts_on_its_configuration_that_a_writer_changes(self):
+        writer = self.writer("/vgw/cliConfig")
+        writer.ask("set", "/vgw/cliConfig", "managerIp", "'192.0.2.40'")
+        self.reader.await_that(lambda: self.db.vtep_ctl("get-manager").strip() == "ssl:192.0.2.40:6632", "the manager is set")
+
+
+if __name__ == "__main__":
+    serve_case.main()

@@ -1,0 +1,151 @@
+#include <vgwd/write/DatabaseWriter.h>
+
+#include <qor/core/Format.h>
+#include <vgw/tables/McastMacsLocal.h>
+#include <vgw/tables/UcastMacsLocal.h>
+
+#include <cstdlib>
+
+namespace Vgwd {
+
+using Ovsdb::Table;
+
+namespace {
+
+bool mayBeWritten(Table table, Qor::AttributeId attribute) {
+    if (table == Table::ucastMacsLocal)
+        return attribute == Vgw::UcastMacsLocal::VtepIpAttr::id ||
+               attribute == Vgw::UcastMacsLocal::LogicalSwitchAttr::id;
+    return attribute == Vgw::McastMacsLocal::VtepIpAttr::id ||
+           attribute == Vgw::McastMacsLocal::LogicalSwitchAttr::id;
+}
+
+}  // namespace
+
+class DatabaseWriter::DirectoryWatch final : public Qor::Dir::NotifieeConst {
+  public:
+    DirectoryWatch(DatabaseWriter& writer, Table table) : writer_(writer), table_(table) {}
+    void onEntry(Qor::Name name) override { writer_.handleEntry(table_, name); }
+
+  private:
+    DatabaseWriter& writer_;
+    Table const table_;
+};
+
+DatabaseWriter::DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ovsdb::Mirror& mirror,
+                               WriteListener& listener)
+    : client_(client), mirror_(mirror), listener_(listener), timer_(loop) {
+    for (Table const table : {Table::ucastMacsLocal, Table::mcastMacsLocal}) {
+        auto const watch = Qor::make<DirectoryWatch>(*this, table);
+        watch->notifierIs(Qor::Dir::PtrConst(&directory(table)));
+        watches_[table] = watch;
+    }
+}
+
+DatabaseWriter::~DatabaseWriter() {
+    for (auto const& [table, watch] : watches_) watch->notifierIs(nullptr);
+}
+
+void DatabaseWriter::stop() { timer_.cancel(); }
+
+Qor::Dir& DatabaseWriter::directory(Table table) const { return mirror_.directories().of(table); }
+
+bool DatabaseWriter::isWritable(Qor::Entity const& entity) const {
+    for (Table const table : {Table::ucastMacsLocal, Table::mcastMacsLocal})
+        if (&entity == &directory(table) || entity.qorParent() == &directory(table)) return true;
+    return writableTable(entity) && entity.qorParent() == &mirror_.database();
+}
+
+void DatabaseWriter::handleWritten(std::string const& peer, Qor::Entity& entity,
+                                   Qor::AttributeId attribute) {
+    for (Place const& place : std::exchange(unsigned_, {})) touch(place, peer);
+    for (Table const table : {Table::ucastMacsLocal, Table::mcastMacsLocal})
+        if (entity.qorParent() == &directory(table))
+            return handleMacWritten(peer, table, entity, std::abs(attribute));
+    auto const table = writableTable(entity);
+    if (table) handleRowWritten(peer, *table, entity, std::abs(attribute));
+}
+
+void DatabaseWriter::handleEntry(Table table, Qor::Name const& name) {
+    if (working_ != 0) return;
+    unsigned_.emplace_back(table, std::string(name.view()));
+    touch(unsigned_.back(), {});
+}
+
+void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor::Entity& row,
+                                      Qor::AttributeId attribute) {
+    Place const place(table, nameOf(table, row));
+    Pending& pending = touch(place, peer);
+    if (!isInDatabase(place)) return;
+    if (mayBeWritten(table, attribute))
+        pending.wanted.content = macContentOf(row);
+    else
+        pending.refusal =
+            std::string(row.attributeString(attribute).view()) + " may not be written";
+}
+
+void DatabaseWriter::handleRowWritten(std::string const& peer, Table table, Qor::Entity& row,
+                                      Qor::AttributeId attribute) {
+    Pending& pending = touch({table, std::string(row.qorName().view())}, peer);
+    WrittenValue const written = writtenValue(row, attribute);
+    if (written.refusal.empty())
+        pending.wanted.columns[written.column] = written.value;
+    else
+        pending.refusal = written.refusal;
+}
+
+DatabaseWriter::Pending& DatabaseWriter::touch(Place const& place, std::string const& peer) {
+    Pending& pending = work_[place];
+    pending.touched = Clock::now();
+    if (!std::exchange(pending.isDue, true)) pending.begun = pending.touched;
+    if (!peer.empty()) pending.peer = peer;
+    schedule();
+    return pending;
+}
+
+void DatabaseWriter::inStepIs(bool inStep) {
+    inStep_ = inStep;
+    schedule();
+}
+
+void DatabaseWriter::schedule() {
+    if (!inStep_ || work_.empty() || std::exchange(isScheduled_, true)) return;
+    timer_.expires_after(gathering);
+    timer_.async_wait([this](std::error_code error) {
+        isScheduled_ = false;
+        if (!error) run();
+    });
+}
+
+bool DatabaseWriter::isInDatabase(Place const& place) const {
+    auto const uuid = Ovsdb::Uuid::parse(place.second);
+    return uuid && client_.rows().find(place.first, *uuid) != nullptr;
+}
+
+// A row of the mirror stands under its UUID, as long as nobody writes over that.
+std::string DatabaseWriter::nameOf(Table table, Qor::Entity const& row) const {
+    Qor::Dir const& rows = directory(table);
+    Qor::String8 const uuid = table == Table::ucastMacsLocal
+                                  ? static_cast<Vgw::UcastMacsLocal const&>(row).uuid()
+                                  : static_cast<Vgw::McastMacsLocal const&>(row).uuid();
+    if (rows.entry(Qor::Name(uuid)).ptr() == &row) return std::string(uuid.view());
+    for (auto at = rows.entryIteratorConst(); at; ++at)
+        if (at.value().ptr() == &row) return std::string(at.key().view());
+    return {};
+}
+
+std::string DatabaseWriter::pathOf(Place const& place) const {
+    auto const& [table, name] = place;
+    if (isLocalMac(table)) return std::string(directory(table).uriPath().view()) + "/" + name;
+    std::string const rows(mirror_.database().uriPath().view());
+    switch (table) {
+        case Table::physicalSwitch:
+            return rows + "/physicalSwitchRaw/" + name;
+        case Table::physicalPort:
+            return rows + "/physicalPort/" + name;
+        default:
+            return rows + "/logicalBindingStats/" + name;
+    }
+}
+
+}  // namespace Vgwd

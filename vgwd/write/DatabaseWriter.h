@@ -1,0 +1,131 @@
+#ifndef VGWD_WRITE_DATABASE_WRITER_H
+#define VGWD_WRITE_DATABASE_WRITER_H
+
+// Brings what peers write in the tree into the database: columns of rows (WrittenValue.h), and the
+// local MAC rows, which peers also make and remove.
+//
+// A write is gathered for a moment, so that attributes that are set together go together, and sent
+// as one transaction a row, one at a time for each row. What a row holds beside the database
+// meanwhile is what the peer made of it. When the database refuses it, or when it may not be
+// written at all, the row is made again what the database says, and why is told in the report and
+// the log. A MAC row that a peer makes stands under the peer's name until the database has it, and
+// under its UUID from then on. What is written while the mirror is not in step waits until it is.
+//
+// Whatever changes the tree by itself says so by Working, so that it is not taken for a write.
+
+#include <ovsdb/client/Client.h>
+#include <ovsdb/mirror/Mirror.h>
+#include <qor/tree/Dir.h>
+#include <vgwd/write/MacRequest.h>
+#include <vgwd/write/WrittenValue.h>
+
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace Vgwd {
+
+class WriteListener {
+  public:
+    virtual ~WriteListener() = default;
+    virtual void onTaken() = 0;
+    virtual void onUndone(std::string const& path, std::string const& peer,
+                          std::string const& reason) = 0;
+};
+
+class DatabaseWriter {
+  public:
+    /// While one lives, what changes in the tree is no peer's doing.
+    class Working {
+      public:
+        explicit Working(DatabaseWriter& writer) : writer_(writer) { ++writer_.working_; }
+        ~Working() { --writer_.working_; }
+        Working(Working const&) = delete;
+        Working& operator=(Working const&) = delete;
+
+      private:
+        DatabaseWriter& writer_;
+    };
+
+    DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ovsdb::Mirror& mirror,
+                   WriteListener& listener);
+    ~DatabaseWriter();
+
+    /// Whether there is something in the entity that peers may write.
+    bool isWritable(Qor::Entity const& entity) const;
+    /// A peer of that identity has changed an attribute of it.
+    void handleWritten(std::string const& peer, Qor::Entity& entity, Qor::AttributeId attribute);
+    void inStepIs(bool inStep);
+    void stop();
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    // What comes within this time goes together.
+    static constexpr std::chrono::milliseconds gathering{20};
+    using Place = std::pair<Ovsdb::Table, std::string>;  // and the row's name there
+    class DirectoryWatch;
+
+    // What is to be done about a row.
+    struct Wanted {
+        nlohmann::json columns;             // null: none
+        std::optional<MacContent> content;  // of a MAC row that the database has
+    };
+    struct Pending {
+        std::string peer;
+        Wanted wanted;
+        Wanted sent;          // by the transaction that is under way
+        std::string refusal;  // what was written may not be
+        Clock::time_point begun;
+        Clock::time_point touched;
+        bool isDue = false;
+        bool isSent = false;  // a transaction is under way
+    };
+    using Work = std::map<Place, Pending>;
+
+    Qor::Dir& directory(Ovsdb::Table table) const;
+    std::string nameOf(Ovsdb::Table table, Qor::Entity const& row) const;
+    std::string pathOf(Place const& place) const;
+    bool isInDatabase(Place const& place) const;
+    void handleEntry(Ovsdb::Table table, Qor::Name const& name);
+    void handleMacWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
+                          Qor::AttributeId attribute);
+    void handleRowWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
+                          Qor::AttributeId attribute);
+    Pending& touch(Place const& place, std::string const& peer);
+
+    void schedule();
+    void run();
+    void work(Place const& place, Pending& pending);
+    void workOnMac(Place const& place, Pending& pending);
+    void workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row);
+    void send(Place const& place, Pending& pending, nlohmann::json const& operations);
+    void handleOutcome(Place const& place, Ovsdb::RpcError const* error);
+    void handleTaken(Place const& place, Pending& pending);
+    void takeBack(Pending& pending);
+    void undo(Place const& place, std::string const& reason);
+    void restore(Place const& place);
+    void resetMarks(Place const& place);
+
+    Ovsdb::Client& client_;
+    Ovsdb::Mirror& mirror_;
+    WriteListener& listener_;
+    asio::steady_timer timer_;
+    std::map<Ovsdb::Table, Qor::Dir::NotifieeConst::Ptr> watches_;
+    Work work_;
+    std::vector<Place> unsigned_;  // changed by a peer that is not known yet
+    std::size_t sent_ = 0;         // transactions under way
+    int working_ = 0;
+    bool inStep_ = false;
+    bool isScheduled_ = false;
+};
+
+}  // namespace Vgwd
+
+#endif

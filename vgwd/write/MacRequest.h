@@ -1,0 +1,48 @@
+#ifndef VGWD_WRITE_MAC_REQUEST_H
+#define VGWD_WRITE_MAC_REQUEST_H
+
+// The transactions (RFC 7047 section 4.1.3) that bring a local MAC row into the database, change or
+// remove it there. A row names its VTEP by address; the database wants a row of Physical_Locator,
+// or for several addresses one of Physical_Locator_Set. A locator that is there is used, one that
+// is not comes into being in the same transaction.
+
+#include <kelp/EthAddr.h>
+#include <kelp/IpAddr.h>
+#include <ovsdb/schema/MirroredTables.h>
+#include <vgw/tables/HwVtepOvsdb.h>
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Vgwd {
+
+/// What a local MAC row says, as far as it is written.
+struct MacContent {
+    Kelp::EthAddr mac;
+    std::string logicalSwitch;          ///< the row's UUID as text
+    std::vector<Kelp::IpAddr> vtepIps;  ///< of a unicast row one
+};
+
+constexpr bool isLocalMac(Ovsdb::Table table) {
+    return table == Ovsdb::Table::ucastMacsLocal || table == Ovsdb::Table::mcastMacsLocal;
+}
+
+/// What the row holds; none if it is no local MAC row.
+std::optional<MacContent> macContentOf(Qor::Entity const& row);
+/// What it lacks to be written, in words; empty: nothing.
+std::string macLacks(MacContent const& content);
+
+nlohmann::json macInsertion(Ovsdb::Table table, MacContent const& content,
+                            Vgw::HwVtepOvsdb const& database);
+nlohmann::json macUpdate(Ovsdb::Table table, std::string const& uuid, MacContent const& content,
+                         Vgw::HwVtepOvsdb const& database);
+nlohmann::json rowRemoval(Ovsdb::Table table, std::string const& uuid);
+/// Columns of any row. A row that is gone meanwhile fails the transaction.
+nlohmann::json rowUpdate(Ovsdb::Table table, std::string const& uuid, nlohmann::json columns);
+
+}  // namespace Vgwd
+
+#endif

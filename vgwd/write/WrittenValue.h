@@ -1,0 +1,32 @@
+#ifndef VGWD_WRITE_WRITTEN_VALUE_H
+#define VGWD_WRITE_WRITTEN_VALUE_H
+
+// What may be written of which row, and how it is a column of the database. These are the columns
+// that the switch's side of a hardware VTEP fills (vtep(5)): descriptions, addresses, faults and
+// counters. What the controller's side fills (logical switches, remote addresses, bindings) is
+// read.
+
+#include <ovsdb/schema/MirroredTables.h>
+#include <qor/entity/Entity.h>
+
+#include <nlohmann/json.hpp>
+
+#include <optional>
+#include <string>
+
+namespace Vgwd {
+
+struct WrittenValue {
+    std::string column;
+    nlohmann::json value;  ///< RFC 7047 section 5.1, <value>
+    std::string refusal;   ///< why it can't be written; then the others mean nothing
+};
+
+/// The table of a row whose columns may be written, MAC rows apart; none for other entities.
+std::optional<Ovsdb::Table> writableTable(Qor::Entity const& row);
+/// What an attribute of such a row has become. REQUIRES: writableTable(row).
+WrittenValue writtenValue(Qor::Entity const& row, Qor::AttributeId attribute);
+
+}  // namespace Vgwd
+
+#endif

@@ -21,6 +21,7 @@ ValueEmitter::ValueEmitter(Value const& value) : value_(value) {
         {"fullName", value.type->fullName},
         {"descriptorNames", descriptorNames()},
         {"descriptorList", descriptorList()},
+        {"hashedList", hashedList()},
         {"orderedByHash",
          value.ordering == Ordering::hash ? "static constexpr bool orderedByHash = true;" : ""},
         {"fieldConstructor", fieldConstructor()},
@@ -61,6 +62,15 @@ std::string ValueEmitter::descriptorList() const {
         result += (result.empty() ? "" : ", ") + Spelling(field.name).fieldDescriptor();
     }
     return result;
+}
+
+std::string ValueEmitter::hashedList() const {
+    if (!value_.hash) return {};
+    std::string list;
+    for (ValueField const* word : value_.hash->words) {
+        list += (list.empty() ? "" : ", ") + Spelling(word->name).fieldDescriptor();
+    }
+    return "using QorHashed = Qor::FieldList<" + list + ">;";
 }
 
 std::string ValueEmitter::descriptors() const {

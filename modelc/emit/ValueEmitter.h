@@ -20,6 +20,7 @@ class ValueEmitter {
     std::string includes() const;
     std::string descriptorNames() const;
     std::string descriptorList() const;
+    std::string hashedList() const;
     std::string descriptors() const;
     std::string fieldConstructor() const;
     std::string readers() const;

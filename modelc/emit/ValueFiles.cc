@@ -20,6 +20,7 @@ class $export$$Value$ {
     class GenericIf_;
     $descriptorNames$
     using QorFields = Qor::FieldList<$descriptorList$>;
+    $hashedList$
     static constexpr char const* qorTypeName = "$fullName$";
     static constexpr char const* qorShortName = "$Value$";
     $orderedByHash$

@@ -25,21 +25,32 @@ inline std::uint32_t rhash(String8 const& text) noexcept { return bitReverse(tex
 
 // One-at-a-time hash over the bytes of 32-bit words, the words in the order given, each lowest byte
 // first.
+class OneAtATimeHash {
+  public:
+    constexpr void add(std::uint32_t word) noexcept {
+        for (int byte = 0; byte < 4; ++byte) {
+            hash_ += word >> (8 * byte) & 0xFFU;
+            hash_ += hash_ << 10;
+            hash_ ^= hash_ >> 6;
+        }
+    }
+    constexpr std::uint32_t value() const noexcept {
+        std::uint32_t hash = hash_;
+        hash += hash << 3;
+        hash ^= hash >> 11;
+        hash += hash << 15;
+        return hash;
+    }
+
+  private:
+    std::uint32_t hash_ = 0;
+};
+
 template <std::same_as<std::uint32_t>... Words>
 constexpr std::uint32_t oneAtATimeHash(Words... words) noexcept {
-    std::uint32_t hash = 0;
-    auto const mix = [&hash](std::uint32_t word) {
-        for (int byte = 0; byte < 4; ++byte) {
-            hash += word >> (8 * byte) & 0xFFU;
-            hash += hash << 10;
-            hash ^= hash >> 6;
-        }
-    };
-    (mix(words), ...);
-    hash += hash << 3;
-    hash ^= hash >> 11;
-    hash += hash << 15;
-    return hash;
+    OneAtATimeHash hash;
+    (hash.add(words), ...);
+    return hash.value();
 }
 
 // What a field of a composite value gives to its hash: a number or an enumeration itself, any other

@@ -212,7 +212,11 @@ class Making {
     template <class Type>
     void finishAs(TypeDescription const& description) {
         auto& type = static_cast<Type&>(*made_.at(description.fullName));
-        type.completeIs();
+        if constexpr (std::is_same_v<Type, DescribedValue>) {
+            type.completeIs(description.hashOrder);
+        } else {
+            type.completeIs();
+        }
         namingType(description, [&] {
             for (auto const& initial : description.initials)
                 type.initialIs(initial.id, initial.text);

@@ -1,9 +1,11 @@
 #include <qor/dynamic/DescribedValue.h>
 
+#include <qor/core/Hash.h>
 #include <qor/generic/GenericException.h>
 #include <qor/generic/GenericIfEntity.h>
 #include <qor/generic/GenericList.h>
 #include <qor/model/ValueText.h>
+#include <qor/registry/Builtin.h>
 
 namespace Qor {
 
@@ -61,7 +63,8 @@ DescribedValue::DescribedValue(Name fullName, Name shortName)
 
 DescribedValue::~DescribedValue() = default;
 
-void DescribedValue::completeIs() {
+void DescribedValue::completeIs(std::vector<U32> hashOrder) {
+    hashOrder_ = std::move(hashOrder);
     isWhole_ = true;
     for (QorAttr::Ptr const& attribute : attributes()) {
         if (attribute->id() != fwkKeyId) {
@@ -94,7 +97,7 @@ void DescribedValue::initialIs(AttributeId id, String8 const& text) {
     }
 }
 
-AnyValue const& DescribedValue::member(Fields const& fields, AttributeId id) const {
+AnyValue DescribedValue::member(Fields const& fields, AttributeId id) const {
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         if (fields_[i]->id() == id && fields[i].steps()) return fields[i];
     }
@@ -102,6 +105,11 @@ AnyValue const& DescribedValue::member(Fields const& fields, AttributeId id) con
         if (constant.id == id) return constant.value;
     }
     QorAttr::Ptr const attribute = attr(id);
+    bool const isHash = attribute && attribute->name() == "hash" && !hashOrder_.empty();
+    if (isHash && attribute->valueType() == Builtin<U32>::_fwkType()) {
+        U32 const hash = steps_.hash(&fields);
+        return {*valueStepsOf<U32>(), &hash};
+    }
     throw NoCodeException(attribute ? String8(attribute->name()) : String8("unknown"), fullName());
 }
 
@@ -128,9 +136,9 @@ Qor::Ptr<GenericIf> DescribedValue::genericIfFromStrep(String8 const& text, bool
 }
 
 U32 DescribedValue::Steps::hash(void const* value) const {
-    U32 hash = 0;
-    for (AnyValue const& field : of(value)) hash = oneAtATimeHash(hash, field.hash());
-    return hash;
+    OneAtATimeHash hash;
+    for (U32 const place : type_.hashOrder_) hash.add(of(value)[place].hash());
+    return hash.value();
 }
 
 U32 DescribedValue::Steps::wireSize(void const* value) const {

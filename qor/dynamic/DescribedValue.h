@@ -1,7 +1,8 @@
 // The record of a composite value that the process knows by a description alone, and the wrapper
 // over one. Such a value is its fields in their order, on the wire and in its text as in compiled
-// code. Members that are computed have no code here; neither has the order of a class's values, so
-// that only == and != are answered.
+// code, and has the same hash, so that collections stand in the same order. Other members that are
+// computed have no code here; neither has the order of a class's values, so that wrappers answer
+// only == and !=.
 #ifndef QOR_DYNAMIC_DESCRIBED_VALUE_H
 #define QOR_DYNAMIC_DESCRIBED_VALUE_H
 
@@ -28,15 +29,16 @@ class QOR_EXPORT DescribedValue final : public QorType {
     ValueSteps const* valueSteps() const noexcept override;
 
     std::span<GenericMember const> members() const noexcept { return members_; }
-    /// The value of a member: a field of `fields`, or a constant of the class. Of what is computed,
-    /// NoCodeException is raised.
-    AnyValue const& member(Fields const& fields, AttributeId id) const;
+    /// The value of a member: a field of `fields`, a constant of the class, or the hash. Of what
+    /// else is computed, NoCodeException is raised.
+    AnyValue member(Fields const& fields, AttributeId id) const;
     /// The fields of the default value.
     Fields const& initial() const noexcept { return initial_; }
     std::span<QorAttr::Ptr const> fields() const noexcept { return fields_; }
 
     /// Sorts the record's attributes, which are all there, into fields and other members.
-    void completeIs();
+    /// `hashOrder` says of which fields the hash is made.
+    void completeIs(std::vector<U32> hashOrder);
     /// The initial value of a field, or the value of a constant. REQUIRES: completeIs() was called
     void initialIs(AttributeId id, String8 const& text);
 
@@ -54,6 +56,7 @@ class QOR_EXPORT DescribedValue final : public QorType {
         bool equal(void const* lhs, void const* rhs) const override { return of(lhs) == of(rhs); }
         bool less(void const* lhs, void const* rhs) const override { return of(lhs) < of(rhs); }
         U32 hash(void const* value) const override;
+        std::vector<U32> hashOrder() const override { return type_.hashOrder_; }
         U32 wireSize(void const* value) const override;
         void put(Qor::Ptr<NboAttrLog::Out> const& out, void const* value) const override;
         void read(Place& place, NboAttrLog::In& in) const override;
@@ -78,6 +81,7 @@ class QOR_EXPORT DescribedValue final : public QorType {
     std::vector<GenericMember> members_;
     std::vector<Constant> constants_;
     Fields initial_;
+    std::vector<U32> hashOrder_;
     bool isWhole_ = false;
     Steps const steps_{*this};
 };

@@ -38,6 +38,21 @@ bool isTypeName(Name const& name) {
            text.back() != ':';
 }
 
+// It names fields; a longer one than there are fields is none.
+void needHashOrder(TypeDescription const& description) {
+    auto const isField = [](Attribute const& one) {
+        return one.flags.isConstructed() && one.flags.isStored();
+    };
+    auto const fields = static_cast<std::size_t>(
+        std::count_if(description.attributes.begin(), description.attributes.end(), isField));
+    bool const isSound =
+        description.hashOrder.empty() ||
+        (description.kind == Kind::value && description.hashOrder.size() <= fields &&
+         std::all_of(description.hashOrder.begin(), description.hashOrder.end(),
+                     [fields](U32 place) { return place < fields; }));
+    if (!isSound) refuse(description, "a hash of fields that are not there");
+}
+
 void needArguments(TypeDescription const& description,
                    TypeDescription::Arguments const& arguments) {
     for (QorAttr::Argument const& argument : arguments) {
@@ -83,6 +98,7 @@ void needSound(TypeDescription const& description) {
         refuse(description, "a base that can be none");
     }
     needArguments(description, description.constructorArgs);
+    needHashOrder(description);
     bool const isTooLong = description.attributes.size() > DescriptionCheck::greatestAttributes;
     if (isTooLong) refuse(description, "more attributes than a type may have");
     std::set<AttributeId> ids;

@@ -1,6 +1,7 @@
 #include <qor/dynamic/TypeDescription.h>
 
 #include <qor/generic/GenericIfEntity.h>
+#include <qor/generic/ValueSteps.h>
 
 #include <set>
 
@@ -112,6 +113,7 @@ TypeDescription TypeDescription::of(QorType& type) {
     }
     bool const begins = result.kind == Kind::entity || result.kind == Kind::value;
     if (begins) result.initials = initialsOf(type);
+    if (type.valueSteps()) result.hashOrder = type.valueSteps()->hashOrder();
     return result;
 }
 
@@ -127,6 +129,8 @@ void TypeDescription::put(Ptr<NboAttrLog::Out> const& out) const {
     }
     out << static_cast<U32>(initials.size());
     for (Initial const& initial : initials) out << initial.id << initial.text;
+    out << static_cast<U32>(hashOrder.size());
+    for (U32 const place : hashOrder) out << place;
 }
 
 TypeDescription TypeDescription::next(NboAttrLog::In& in) {
@@ -147,6 +151,7 @@ TypeDescription TypeDescription::next(NboAttrLog::In& in) {
         AttributeId const id = in.nextint();
         result.initials.push_back({id, in.nextString()});
     }
+    for (U32 left = in.nextU32(); left != 0; --left) result.hashOrder.push_back(in.nextU32());
     return result;
 }
 

@@ -5,6 +5,7 @@
 //   attributes:u32, each  id:i32  name:text  value type:text  key type:text
 //                         flags:u32 u32  introspection:u32  index attribute:text  arguments
 //   initial values:u32, each  id:i32  text form:text
+//   fields of a value's hash:u32, each  its place among the fields:u32
 //
 // Arguments are their number in 32 bits and each one's name and type as texts. A class tells what
 // it defines itself; what it inherits is its base's. The attributes of an enumeration are its
@@ -52,6 +53,7 @@ struct QOR_EXPORT TypeDescription {
     Arguments constructorArgs;
     std::vector<Attribute> attributes;
     std::vector<Initial> initials;
+    std::vector<U32> hashOrder;  // of a composite value: see ValueSteps
 
     /// What the registry knows of a type. Makes an instance of a class, to see how it begins.
     static TypeDescription of(QorType& type);

@@ -4,4 +4,6 @@ namespace Qor {
 
 ValueSteps::~ValueSteps() = default;
 
+std::vector<U32> ValueSteps::hashOrder() const { return {}; }
+
 }  // namespace Qor

@@ -10,6 +10,7 @@
 
 #include <memory>
 #include <new>
+#include <vector>
 
 #include <qor/attrlog/MessageSize.h>
 #include <qor/attrlog/NboAttrLogIn.h>
@@ -42,6 +43,8 @@ class QOR_EXPORT ValueSteps {
     virtual bool less(void const* lhs, void const* rhs) const = 0;
     /// As collections ask for it, not reversed; 0 for what is no key.
     virtual U32 hash(void const* value) const = 0;
+    /// Of a composite value: which of its fields, counted from 0, its hash is made of, in order.
+    virtual std::vector<U32> hashOrder() const;
     /// Bytes on the wire, at most.
     virtual U32 wireSize(void const* value) const = 0;
     virtual void put(Ptr<NboAttrLog::Out> const& out, void const* value) const = 0;
@@ -94,6 +97,14 @@ class ValueStepsOf final : public ValueSteps {
         } else {
             return 0;
         }
+    }
+    std::vector<U32> hashOrder() const override {
+        std::vector<U32> result;
+        if constexpr (requires { typename V::QorHashed; }) {
+            V::QorHashed::forEach(
+                [&]<class F>() { result.push_back(V::QorFields::template indexOf<F>()); });
+        }
+        return result;
     }
     U32 wireSize(void const* value) const override {
         if constexpr (std::is_base_of_v<String8, V>) {

@@ -1,6 +1,7 @@
 // The text and wire forms of every composite value, from the descriptors of its fields. A field's
 // descriptor has `name`, `Type` and `field(value)`; the list of them, in order, is V::QorFields,
-// the full name of the type V::qorTypeName, the last part of it V::qorShortName.
+// the full name of the type V::qorTypeName, the last part of it V::qorShortName. A value with a
+// hash has the list of the fields that it is made of, in their order there, as V::QorHashed.
 //
 //   Value('Vgw::MacVniPair', ** {'mac': '00:00:5e:00:53:01', 'vni': 5000})
 #ifndef QOR_MODEL_VALUE_TEXT_H
@@ -20,6 +21,13 @@ struct FieldList {
     template <class Visit>
     static constexpr void forEach(Visit&& visit) {
         (visit.template operator()<F>(), ...);
+    }
+    /// The place of a field in the list.
+    template <class Wanted>
+    static constexpr U32 indexOf() noexcept {
+        U32 index = 0;
+        static_cast<void>(((std::is_same_v<F, Wanted> ? true : (++index, false)) || ...));
+        return index;
     }
 };
 

@@ -94,6 +94,84 @@ TEST_F(DynamicCopy, HoldsTheWholeTree) {
     EXPECT_EQ(peers.reader.demuxer->counters().unknownAttributes, 0U);
 }
 
+// The keys of every collection of a tree, as they are met.
+std::string walked(Ptr<Qor::Entity> const& root) {
+    std::string text;
+    for (auto const& row : Tree::rows(root)) {
+        for (auto const* attribute : Tree::attributesOf(*row->fwkType())) {
+            if (!attribute->flags().isCollection()) continue;
+            text += std::string(attribute->name().charPtr()) + ":";
+            for (auto at = row->attributeIteratorConst(attribute->id()); at; ++at) {
+                text += " " + Tree::plain(at.key()->strRep().view());
+            }
+            text += "\n";
+        }
+    }
+    return text;
+}
+
+TEST_F(DynamicCopy, CollectionsStandInTheSameOrder) {
+    auto const row = db().physicalLocatorRaw(Name("l"));
+    for (int i = 0; i < 100; ++i) {
+        auto const last = std::to_string(i);
+        Kelp::IpAddr const address("192.0.2." + last);
+        row->ucastMacRefIs({Kelp::EthAddr("00:00:5e:00:53:07"), Vxlan::Vni(Qor::U32(i))}, true);
+        db().remoteLocatorIs({Vgw::vxlan_over_ipv4, address}, row);
+        db().physicalLocatorIs(address, row);
+        db().logicalSwitchIs(Name(last));
+    }
+    mount();
+    EXPECT_EQ(walked(copy), walked(status));
+}
+
+TEST_F(DynamicCopy, CompositeValueTellsTheHashOfItsClass) {
+    std::string const text = "Value('Vgw::MacVniPair', ** {'mac': '00:00:5e:00:53:01', 'vni': 7})";
+    auto const compiled = Tree::valueOf(*Qor::QorType::type("Vgw::MacVniPair"), text);
+    auto const described =
+        Tree::valueOf(Described::twin("Vgw::MacVniPair"), Described::renamed(text));
+    EXPECT_EQ(described->attributeOp(4)->strRep(), compiled->attributeOp(4)->strRep());
+    EXPECT_EQ(described->attributeOp(2)->strRep(), "'00:00:5e:00:53:01'");
+}
+
+// A source whose class has an attribute more than its reader's.
+TEST_F(DynamicCopy, AttributeOfANewerWriterIsHeldByDescriptionAndCountedByACompiledClass) {
+    auto newer =
+        Described::renamed(Qor::TypeDescription::of(*Qor::QorType::type("Vgw::LogicalSwitch")));
+    newer.fullName = Name("Dyn::NewerLogicalSwitch");
+    auto added = newer.attributes.front();
+    added.id = 390;
+    added.name = Name("newer");
+    added.valueType = Name("U32");
+    added.flags = Qor::FlagClasses::scalar.flags;
+    added.introspection = Qor::FlagClasses::scalar.introspection;
+    added.keyType = Name();
+    added.arguments.clear();
+    newer.attributes.push_back(added);
+    Described::twin("Vgw::LogicalSwitch");
+    Described::take({newer});
+    auto& type = *Qor::QorType::type("Dyn::NewerLogicalSwitch");
+    auto const source = Qor::dynamicCast<DynamicEntity>(type.newInstance(Name("ls")));
+    auto const wrapper = Tree::wrapperOf(source);
+    set(wrapper, "newer", "42");
+    set(wrapper, "desc", "'both know this'");
+
+    auto const old = make<Vgw::LogicalSwitch>(Name("ls"));
+    peers.reader.copy = old;
+    peers.source.send(source);
+    peers.settle();
+    EXPECT_EQ(old->desc(), "both know this");
+    EXPECT_EQ(peers.reader.demuxer->counters().unknownAttributes, 1U);
+
+    Peers others;
+    auto const reader = type.newInstance(Name("ls"));
+    others.reader.copy = reader;
+    others.source.send(source);
+    others.settle();
+    EXPECT_EQ(Tree::dump(reader), Tree::dump(source));
+    EXPECT_EQ(Tree::wrapperOf(reader)->attributeOp(390)->strRep(), "42");
+    EXPECT_EQ(others.reader.demuxer->counters().unknownAttributes, 0U);
+}
+
 TEST_F(DynamicCopy, FollowsEachKindOfChange) {
     mount();
     auto const ls = db().logicalSwitch(Name("ls"));

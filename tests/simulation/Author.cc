@@ -206,6 +206,7 @@ void Author::found() {
     auto const stay = [this](std::string const& path, std::string const& fieldName,
                              std::string const& name, unsigned sort = 0) {
         Row const row = rowAt(*top_, path);
+        if (!row.shape) return;  // of a class that is not part of this simulation
         for (auto const& field : row.shape->fields) {
             if (field->name != fieldName) continue;
             field->own(*row.entity, name, sort);

@@ -1,0 +1,181 @@
+// What a peer sends is taken in time that grows with its bytes: twice the input takes at most 2.3
+// times as long. And nothing that it nests goes deeper than 64.
+#include <fuzz/HostilePeer.h>
+
+#include <qor/attrlog/session/Session.h>
+#include <qor/tree/Dir.h>
+#include <vgw/agent/Status.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+
+namespace {
+
+using Qor::make;
+using Qor::Name;
+using Qor::NboAttrLog::MemoryTransport;
+using Qor::NboAttrLog::Session;
+
+constexpr std::uint64_t statusId = 0x8000000000000003;
+constexpr std::uint64_t dbId = statusId + 2;
+constexpr std::uint64_t switchId = statusId + 4;
+constexpr std::uint64_t leafId = statusId + 6;
+
+std::string number(std::uint64_t value, int width) {
+    std::string result;
+    for (int shift = 8 * (width - 1); shift >= 0; shift -= 8) {
+        result += static_cast<char>(value >> shift & 0xFF);
+    }
+    return result;
+}
+std::string text(std::string const& value) { return number(value.size(), 4) + value; }
+std::string mount(std::string const& path) {
+    return hostileFrame(2, 0, 0, 1, 0, "\2" + number(1, 4) + "\1" + text(path));
+}
+std::string marker(std::uint64_t entity, std::uint32_t attribute, char type) {
+    return hostileFrame(1, entity, attribute, 1, 0, std::string(1, type) + number(0, 4));
+}
+
+// A session of an agent's whose peer is bytes.
+class Served {
+  public:
+    explicit Served(std::string const& path) {
+        root_->entryIs(Name("status"), status);
+        root_->entryIs(Name("dir"), make<Qor::Dir>(Name("dir")));
+        auto const db = status->ovsdbIs(Name("db"));
+        db->logicalSwitchIs(Name("ls"));
+        db->physicalSwitchRawIs(Name("leaf"));
+        MemoryTransport::connect(peer_, own_);
+        Session::Config config;
+        config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
+        config.peerMayWrite = true;
+        session_ = std::make_unique<Session>(config, own_, root_);
+        take(HostilePeer::hello() + mount(path));
+    }
+    void take(std::string const& bytes) {
+        for (std::size_t at = 0; at < bytes.size(); at += 32768) {
+            peer_.write(std::string_view(bytes).substr(at, 32768));
+            session_->service();
+            unsigned char sink[4096];
+            while (peer_.read(sink) != 0) {
+            }
+        }
+    }
+    std::string closed() const { return std::string(session_->closed().view()); }
+
+    Vgw::Status::Ptr status = Vgw::statusFactory(Name("status"));
+
+  private:
+    Qor::Ptr<Qor::Dir> root_ = make<Qor::Dir>(Name("vgw"));
+    MemoryTransport peer_;
+    MemoryTransport own_;
+    std::unique_ptr<Session> session_;
+};
+
+// This thread's time for one input, in seconds.
+double cost(std::string const& bytes) {
+    Served served("/vgw/status");
+    auto const now = [] {
+        timespec at{};
+        ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &at);
+        return static_cast<double>(at.tv_sec) + static_cast<double>(at.tv_nsec) * 1e-9;
+    };
+    double const start = now();
+    served.take(bytes);
+    EXPECT_EQ(served.closed(), "");
+    return now() - start;
+}
+
+// The machine is shared: what counts is the best of several, and of several tries.
+void expectLinear(std::size_t count, std::string (*input)(std::size_t count)) {
+    constexpr double most = 2.3;
+    double ratio = 0;
+    for (int tries = 0; tries < 6; ++tries) {
+        double once = 1e9;
+        double twice = 1e9;
+        for (int round = 0; round < 5; ++round) {
+            once = std::min(once, cost(input(count)));
+            twice = std::min(twice, cost(input(2 * count)));
+        }
+        ratio = twice / once;
+        if (ratio <= most) return;
+    }
+    ADD_FAILURE() << "twice the input takes " << ratio << " times as long";
+}
+
+#ifdef QOR_PLAIN_NEW
+constexpr std::size_t unit = 500;  // sanitizers are slow
+#else
+constexpr std::size_t unit = 10000;
+#endif
+
+TEST(LinearTime, Values) {
+    expectLinear(unit, [](std::size_t count) {
+        std::string bytes;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += hostileFrame(0, switchId, 388, 1, 0, number(i, 4));
+        }
+        return bytes;
+    });
+}
+
+TEST(LinearTime, TextInSingleBytes) {
+    expectLinear(2 * unit, [](std::size_t count) {
+        std::string bytes;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += hostileFrame(0x80, switchId, 387, 1, 0, "x");
+        }
+        return bytes + hostileFrame(0, switchId, 387, 1, 0, "x");
+    });
+}
+
+TEST(LinearTime, KeysAndTheirSnapshots) {
+    expectLinear(unit, [](std::size_t count) {
+        std::string bytes = marker(leafId, 388, 0);
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += hostileFrame(0, leafId, 388, 1, 0, text("k" + std::to_string(i)) + "\1");
+        }
+        bytes += marker(leafId, 388, 2);
+        return bytes + marker(leafId, 388, 0) + marker(leafId, 388, 2);
+    });
+}
+
+TEST(LinearTime, ChildrenAndTheirEnd) {
+    expectLinear(unit / 4, [](std::size_t count) {
+        std::string bytes;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += hostileFrame(0, dbId, 263, 1, 151,
+                                  text("x" + std::to_string(i)) + number(1001 + 2 * i, 8));
+        }
+        return bytes + marker(dbId, 263, 0) + marker(dbId, 263, 2);
+    });
+}
+
+TEST(LinearTime, RecordsThatAreSkipped) {
+    expectLinear(unit, [](std::size_t count) {
+        std::string bytes;
+        for (std::size_t i = 0; i < count; ++i) {
+            bytes += hostileFrame(0, 1001 + 2 * i, 387, 1, 0, "x");
+            bytes += hostileFrame(0, switchId, 500, 1, 0, text("nothing"));
+        }
+        return bytes;
+    });
+}
+
+// Directories that the peer announces, each in the one before it.
+TEST(Depth, DirectoriesEndAtSixtyFour) {
+    Served served("/vgw/dir");
+    std::uint64_t above = statusId;
+    for (std::uint64_t id = 101; id < 101 + 2 * 200 && served.closed().empty(); id += 2) {
+        std::string const chain = text("Qor::Dir");
+        served.take(hostileFrame(0, above, 258, 1, 151,
+                                 text("d") + number(0, 1) + number(id, 8) +
+                                     number(chain.size(), 4) + chain + text("d")));
+        above = id;
+    }
+    EXPECT_EQ(served.closed(), "directories more than 64 deep");
+}
+
+}  // namespace

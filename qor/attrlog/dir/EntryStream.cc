@@ -1,5 +1,6 @@
 // How a directory's entries are sent and read.
 #include <qor/attrlog/dir/DirAdapter.h>
+#include <qor/generic/GenericIf.h>
 #include <qor/registry/QorType.h>
 
 #include <typeinfo>
@@ -62,14 +63,35 @@ QorType* nextKnownType(NboAttrLog::In& in, Name& wanted) {
     return known;
 }
 
+String8 attributeText(Entity& entity, AttributeId id) {
+    auto const value = entity.fwkType()->genericIf_(&entity, true)->attributeOp(id);
+    return value ? value->strRep() : String8();
+}
+
+// Whether both were built of the same. What an entity was built of stays as it is, so that it can't
+// be brought up to date: of another address there is another row.
+bool isBuiltAlike(Entity& here, Entity& announced) {
+    if (here.name() != announced.name()) return false;
+    QorType const* const type = announced.fwkType();
+    if (type == nullptr) return true;
+    for (auto const& argument : type->constructorArgs()) {
+        auto const attribute = type->attr(argument.name);
+        bool const isOwn = attribute && argument.name.view() != "name";
+        if (!isOwn) continue;
+        AttributeId const id = attribute->id();
+        if (attributeText(here, id) != attributeText(announced, id)) return false;
+    }
+    return true;
+}
+
 // Whether what stands here may go on as the entity that the peer announces.
-bool isSame(Entity& here, Entity const& announced, Ptr<NboAttrLog::Out const> const& out,
+bool isSame(Entity& here, Entity& announced, Ptr<NboAttrLog::Out const> const& out,
             EntityId const& id) {
     auto const* const adapter = here.qorNboAttrLogSa(out);
     if (adapter) return adapter->entityId() == id;
     bool const isOfOneClass =
         typeid(here) == typeid(announced) && here.fwkType() == announced.fwkType();
-    return isOfOneClass && here.name() == announced.name();
+    return isOfOneClass && isBuiltAlike(here, announced);
 }
 
 void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, EntityId const& id) {

@@ -54,6 +54,13 @@ class Sessions : public testing::Test {
         reader = std::make_unique<Session>(Session::Config(), near, nullptr);
         reader->listenerIs(&heard);
     }
+    // What a connection before has left goes.
+    void clearTransports() {
+        unsigned char room[4096];
+        for (auto* const end : {&near, &far})
+            while (end->read(room) != 0) {
+            }
+    }
     // Until nothing goes over any more.
     void settle() {
         Qor::U64 before = 0;
@@ -226,6 +233,31 @@ TEST_F(Sessions, CutEndsBothWithANamedReasonAndTheCopyStays) {
     EXPECT_TRUE(heard.mounted);
     cli->managerPortIs(3);
     EXPECT_EQ(cli->notifierList().count(), 0U);
+}
+
+TEST_F(Sessions, RowOfAnotherAddressUnderTheSameKeyIsNotTheCopyFromBeforeTheCut) {
+    auto const macs = make<Qor::Dir>(Name("ucastMacsLocal"));
+    root->entryIs(Name("ucastMacsLocal"), macs);
+    macs->entryIs(Name("stays"), make<Vgw::UcastMacsLocal>(Kelp::EthAddr("00:00:5e:00:53:01")));
+    macs->entryIs(Name("moves"), make<Vgw::UcastMacsLocal>(Kelp::EthAddr("00:00:5e:00:53:02")));
+    connect();
+    reader->mount("/vgw/ucastMacsLocal", false);
+    settle();
+    auto const copy = Qor::dynamicCast<Qor::Dir>(heard.mounted);
+    auto const stays = copy->entry(Name("stays"));
+    auto const moves = copy->entry(Name("moves"));
+    reader.reset();
+    agent.reset();
+    macs->entryIs(Name("moves"), make<Vgw::UcastMacsLocal>(Kelp::EthAddr("00:00:5e:00:53:03")));
+    clearTransports();
+    connect();
+    reader->mount("/vgw/ucastMacsLocal", false, copy);
+    settle();
+    EXPECT_EQ(copy->entry(Name("stays")), stays);
+    EXPECT_NE(copy->entry(Name("moves")), moves);
+    auto const moved = Qor::dynamicCast<Vgw::UcastMacsLocal>(copy->entry(Name("moves")));
+    EXPECT_EQ(moved->macAddr(), Kelp::EthAddr("00:00:5e:00:53:03"));
+    EXPECT_EQ(reader->closed(), String8());
 }
 
 TEST_F(Sessions, FaultOfThePeerIsToldAtBothEnds) {

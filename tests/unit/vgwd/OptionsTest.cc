@@ -61,6 +61,24 @@ TEST(Options, WhatIsNoLevelOrNoDestinationEndsTheProgram) {
     }
 }
 
+TEST(Options, ListensWhereItIsToldElseInTheRunDirectory) {
+    EXPECT_TRUE(parse({})->serves);
+    EXPECT_TRUE(parse({})->listen.empty());
+    auto const options = parse({"--listen", "unix:/s", "--listen", "ptcp:1", "--tcp-readers"});
+    ASSERT_TRUE(options);
+    ASSERT_EQ(options->listen.size(), 2U);
+    EXPECT_EQ(options->listen[1].text(), "tcp:127.0.0.1:1");
+    EXPECT_FALSE(parse({"--listen", "none"})->serves);
+    EXPECT_FALSE(parse({"--listen", "none", "--listen", "unix:/s"}));
+}
+
+TEST(Options, WhereNobodyCanBeToldApartHasToBeMeant) {
+    EXPECT_FALSE(parse({"--listen", "tcp:127.0.0.1:1"}));
+    EXPECT_FALSE(parse({"--listen", "tcp:192.0.2.1:1", "--tcp-readers"}));
+    EXPECT_FALSE(parse({"--listen", "ssl:192.0.2.1:1"}));
+    EXPECT_TRUE(parse({"--listen", "ssl:192.0.2.1:1", "-p", "k", "-c", "c", "-C", "a"}));
+}
+
 TEST(Options, TlsRemotesNeedTheirFiles) {
     EXPECT_FALSE(parse({"--ovsdb", "ssl:192.0.2.1:6640"}));
     EXPECT_TRUE(parse({"--ovsdb", "ssl:192.0.2.1:6640", "-p", "k", "-c", "c", "-C", "a"}));

@@ -1,0 +1,176 @@
+// A served tree and its peers in one process and one thread, with short times.
+#include <vgwd/serve/Server.h>
+
+#include <qor/attrlog/session/Session.h>
+#include <qor/tree/Dir.h>
+#include <vgw/agent/CliConfig.h>
+
+#include <gtest/gtest.h>
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <cstdlib>
+#include <filesystem>
+#include <functional>
+
+namespace Vgwd {
+namespace {
+
+using Qor::NboAttrLog::Session;
+using std::chrono::milliseconds;
+
+struct Listener : ServerListener {
+    std::string whyReadOnly(std::string const&, Qor::Entity&) override { return {}; }
+    std::string whyNotCalled(std::string const&, Qor::Entity&) override { return {}; }
+    void onWritten(Peer const&, Qor::Entity&, Qor::AttributeId) override { ++written; }
+    void onTraffic(Peer const&) override { ++traffic; }
+    int written = 0;
+    int traffic = 0;
+};
+
+class PeerSilence : public testing::Test {
+  protected:
+    PeerSilence() {
+        char name[] = "/tmp/vgw-peers-XXXXXX";
+        directory_ = ::mkdtemp(name);
+        root_->entryIs("cliConfig", cli_);
+        options_.runDirectory = directory_;
+        options_.access.owner = ::geteuid();
+        options_.access.tcpReads = true;
+        options_.times = {milliseconds(200), milliseconds(100), milliseconds(300)};
+        options_.listen = {parseListenAddress("unix:" + directory_ + "/s"),
+                           parseListenAddress("ptcp:0")};
+        server_.start(options_);
+    }
+    ~PeerSilence() override {
+        if (socket_ >= 0) ::close(socket_);
+        server_.stop("over");
+        loop_.restart();
+        loop_.poll();
+        std::filesystem::remove_all(directory_);
+    }
+
+    void connectUnix() {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        (directory_ + "/s").copy(address.sun_path, sizeof address.sun_path - 1);
+        connect(AF_UNIX, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    }
+    void connectTcp() {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(server_.addresses().back().port);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        connect(AF_INET, reinterpret_cast<sockaddr*>(&address), sizeof address);
+    }
+    void connect(int family, sockaddr* address, socklen_t size) {
+        socket_ = ::socket(family, SOCK_STREAM, 0);
+        ASSERT_EQ(::connect(socket_, address, size), 0);
+        ::fcntl(socket_, F_SETFL, O_NONBLOCK);
+        transport_.emplace(socket_);
+    }
+    // The peer speaks while this runs, unless it is made deaf.
+    bool becomes(std::function<bool()> const& holds, milliseconds limit = milliseconds(5000)) {
+        auto const end = std::chrono::steady_clock::now() + limit;
+        while (!holds()) {
+            if (std::chrono::steady_clock::now() > end) return false;
+            if (session_ && !isDeaf_) session_->service();
+            loop_.restart();
+            loop_.run_for(milliseconds(5));
+        }
+        return true;
+    }
+    void mount() {
+        session_.emplace(Session::Config{}, *transport_, nullptr);
+        auto const id = session_->mount("/vgw/cliConfig", false);
+        ASSERT_TRUE(becomes([&] { return session_->mounted(id) != nullptr; }));
+    }
+    bool isGone() { return server_.peers().empty(); }
+    Peer const& peer() { return *server_.peers().front(); }
+
+    asio::io_context loop_{1};
+    std::string directory_;
+    Qor::Dir::Ptr root_ = Qor::make<Qor::Dir>("vgw");
+    Vgw::CliConfig::Ptr cli_ = Vgw::cliConfigFactory("cliConfig");
+    Listener listener_;
+    ServeOptions options_;
+    Server server_{loop_, root_, listener_,
+                   [this](auto, std::string const& text) { said_ += text + "\n"; }};
+    std::string said_;
+    int socket_ = -1;
+    std::optional<Qor::NboAttrLog::FdTransport> transport_;
+    std::optional<Session> session_;
+    bool isDeaf_ = false;
+};
+
+TEST_F(PeerSilence, WhoSaysNothingIsCut) {
+    connectUnix();
+    ASSERT_TRUE(becomes([&] { return !isGone(); }));
+    EXPECT_TRUE(becomes([&] { return isGone(); }));
+    EXPECT_NE(said_.find("nothing was said for too long"), std::string::npos);
+}
+
+TEST_F(PeerSilence, WhoWasGreetedIsNotCutForSayingNothingMore) {
+    connectUnix();
+    mount();
+    EXPECT_FALSE(becomes([&] { return isGone(); }, milliseconds(1000)));
+}
+
+TEST_F(PeerSilence, AtRestNothingIsAskedAfterOneAnswer) {
+    connectUnix();
+    mount();
+    EXPECT_FALSE(becomes([] { return false; }, milliseconds(500)));
+    auto const before = session_->counters();
+    EXPECT_FALSE(becomes([] { return false; }, milliseconds(1000)));
+    EXPECT_EQ(session_->counters().bytesIn, before.bytesIn);
+    EXPECT_EQ(session_->counters().bytesOut, before.bytesOut);
+}
+
+TEST_F(PeerSilence, AStoppedPeerOnThisMachineIsToldAndNotCut) {
+    connectUnix();
+    mount();
+    isDeaf_ = true;
+    cli_->managerPortIs(7);
+    ASSERT_TRUE(becomes([&] { return peer().isSilent(); }));
+    EXPECT_NE(said_.find("does not answer"), std::string::npos);
+    EXPECT_FALSE(becomes([&] { return isGone(); }, milliseconds(800)));
+    isDeaf_ = false;
+    EXPECT_TRUE(becomes([&] { return !peer().isSilent(); }));
+    EXPECT_NE(said_.find("is heard of again"), std::string::npos);
+}
+
+TEST_F(PeerSilence, AStoppedPeerOnANetworkIsCut) {
+    connectTcp();
+    mount();
+    isDeaf_ = true;
+    cli_->managerPortIs(7);
+    EXPECT_TRUE(becomes([&] { return isGone(); }));
+}
+
+TEST_F(PeerSilence, APeerThatAnswersIsKept) {
+    connectTcp();
+    mount();
+    for (Qor::U16 port = 1; port <= 10; ++port) {
+        cli_->managerPortIs(port);
+        EXPECT_FALSE(becomes([&] { return isGone(); }, milliseconds(150)));
+    }
+}
+
+TEST_F(PeerSilence, ExcusedFramesAreNoTraffic) {
+    connectUnix();
+    mount();
+    EXPECT_FALSE(becomes([] { return false; }, milliseconds(500)));
+    int const before = listener_.traffic;
+    cli_->managerPortIs(7);
+    server_.peers().front()->excuse(1);
+    EXPECT_FALSE(becomes([] { return false; }, milliseconds(500)));
+    EXPECT_EQ(listener_.traffic, before);
+    cli_->managerPortIs(8);
+    EXPECT_TRUE(becomes([&] { return listener_.traffic > before; }));
+}
+
+}  // namespace
+}  // namespace Vgwd

@@ -8,9 +8,6 @@ using Adapter = DynamicEntity::QorNboAttrLogSa;
 
 namespace {
 
-// The longest key of a text: beside it, a record has room for half a chunk at least.
-constexpr U32 greatestTextKey = NboAttrLog::greatestTextRecord / 2;
-
 // The handler of the attribute at hand.
 struct SendSingle {
     Adapter& adapter;
@@ -38,13 +35,6 @@ struct SendKey {
 };
 
 }  // namespace
-
-void DynamicTextMemberStream::set(DynamicEntity& entity, Key const& key, String8 const& value) {
-    if (wireSize(key) > greatestTextKey) {
-        throwRangeException(String8(name) + ": a key that no record can hold");
-    }
-    setKeyed<Attr>(entity, key, value);
-}
 
 DynamicEntity::QorNboAttrLogSa::QorNboAttrLogSa(AdapterState::Bits bits, U32 version,
                                                 Qor::Ptr<NboAttrLog::Out> const& out,

@@ -57,7 +57,10 @@ struct DynamicKeyedAttr : DynamicAttributeBase<k> {
 };
 
 struct DynamicFlagAttr : DynamicKeyedAttr<AttributeKind::valueMap, bool> {};
-struct DynamicTextAttr : DynamicKeyedAttr<AttributeKind::valueMap, String8> {};
+struct DynamicTextAttr : DynamicKeyedAttr<AttributeKind::valueMap, String8> {
+    /// Refuses a key beside which a record would have no room for a chunk.
+    static void set(DynamicEntity& entity, DynamicKey const& key, String8 const& text);
+};
 struct DynamicReferenceAttr : DynamicKeyedAttr<AttributeKind::refMap, Ptr<Qor::Entity>> {
     using Target = Qor::Entity;
 };

@@ -1,5 +1,6 @@
 #include <qor/dynamic/DynamicEntity.h>
 
+#include <qor/attrlog/MsgHeader.h>
 #include <qor/dynamic/DynamicAttributes.h>
 
 namespace Qor {
@@ -123,6 +124,18 @@ Qor::Ptr<DynamicEntity> DynamicEntity::Notifiee::notifier() const {
 
 namespace {
 
+// The longest key of a text: beside it, a record has room for half a chunk at least.
+constexpr U32 greatestTextKey = NboAttrLog::greatestTextRecord / 2;
+
+// A class may own its like; but what is within each other ends one within the other.
+void needShallow(Entity const& owner) {
+    constexpr int greatestDepth = 64;
+    int depth = 0;
+    for (Entity const* at = &owner; at; at = at->qorParent()) {
+        if (++depth > greatestDepth) throwRangeException("entities more than 64 deep");
+    }
+}
+
 void take(DynamicEntity& owner, Entity& child) {
     child.parentAttrIdIs(DynamicScope::attribute().id);
     child.parentIs(Ptr<Entity>(&owner));
@@ -130,7 +143,15 @@ void take(DynamicEntity& owner, Entity& child) {
 
 }  // namespace
 
-Ptr<Entity> newDynamicChild(DynamicEntity&, Name const& name) {
+void DynamicTextAttr::set(DynamicEntity& entity, DynamicKey const& key, String8 const& text) {
+    if (wireSize(key) > greatestTextKey) {
+        throwRangeException(String8(name) + ": a key that no record can hold");
+    }
+    setKeyed<DynamicTextAttr>(entity, key, text);
+}
+
+Ptr<Entity> newDynamicChild(DynamicEntity& owner, Name const& name) {
+    needShallow(owner);
     return validPtr(DynamicScope::attribute().valueType->newInstance(name));
 }
 

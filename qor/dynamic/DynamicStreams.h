@@ -50,8 +50,9 @@ struct DynamicKeyedStream : DynamicStream<A, k> {
 struct DynamicFlagStream : DynamicKeyedStream<DynamicFlagAttr, StreamKind::flagMember> {};
 
 struct DynamicTextMemberStream : DynamicKeyedStream<DynamicTextAttr, StreamKind::textMember> {
-    /// A key that leaves a chunk no room is refused.
-    static void set(DynamicEntity& entity, Key const& key, String8 const& value);
+    static void set(DynamicEntity& entity, Key const& key, String8 const& value) {
+        Attr::set(entity, key, value);
+    }
 };
 
 struct DynamicReferenceStream : DynamicKeyedStream<DynamicReferenceAttr, StreamKind::reference> {

@@ -1,5 +1,6 @@
 #include <qor/dynamic/TypeDescription.h>
 
+#include <qor/generic/GenericException.h>
 #include <qor/generic/GenericIfEntity.h>
 #include <qor/generic/ValueSteps.h>
 
@@ -53,7 +54,11 @@ std::vector<TypeDescription::Initial> initialsOf(QorType& type) {
     if (!sample) return result;
     for (QorAttr::Ptr const& attribute : type.attributes()) {
         if (!hasInitial(*attribute)) continue;
-        result.push_back({attribute->id(), sample->attributeOp(attribute->id())->strRep()});
+        try {
+            result.push_back({attribute->id(), sample->attributeOp(attribute->id())->strRep()});
+        } catch (GenericException const&) {
+            // Of a type whose library is not here: known by name, and not held.
+        }
     }
     return result;
 }

@@ -221,6 +221,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleDescribedAll(In& in);
     void describeTypes();
     void mountAgain();
+    bool holdBackForType(EntityId const& id, Name const& fullName);
 
     Config const config_;
     Transport& transport_;

@@ -168,8 +168,7 @@ LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName,
     if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();
     String8 const fault = findCopy(asked, typeName, name);
     if (fault.length() != 0) {
-        demuxer_->unknownClass(Name(typeName));
-        refuseHere(id, fault);
+        if (!holdBackForType(id, Name(typeName))) refuseHere(id, fault);
         return {};
     }
     bool const isFirst = !std::exchange(asked.isTold, true);

@@ -74,6 +74,20 @@ void Session::unknownClass(Name const& fullName) {
     if (isToAsk) askForTypes(fullName);
 }
 
+// Whether the class that stands in the way is asked for, so that the mounts wait for the answer.
+bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
+    if (QorType::type(fullName)) return false;
+    demuxer_->unknownClass(fullName);
+    if (!awaitsTypes()) return false;
+    for (auto& [mount, asked] : asked_) {
+        if (asked.id != id) continue;
+        send(Op::unmount, mount);
+        asked.id = EntityId();
+        asked.isHeldBack = true;
+    }
+    return true;
+}
+
 // The copies stay, and are told real differences only.
 void Session::mountAgain() {
     for (auto& [mount, asked] : asked_) {

@@ -318,6 +318,45 @@ TEST_F(DynamicCopy, OperationIsRefusedByName) {
     }
 }
 
+TEST_F(DynamicCopy, KeyOfATextThatNoRecordCanHoldIsRefused) {
+    mount();
+    auto const locator = at({"ovsdb", "physicalLocatorRaw", "l"});
+    auto const text = Tree::valueOf(*Qor::QorType::type("Qor::String8"), "'text'");
+    auto const key =
+        Tree::valueOf(*Qor::QorType::type("Qor::String8"), "'" + std::string(20000, 'k') + "'");
+    EXPECT_THROW(locator->attributeOp(387, Tree::OpId::opSet, key, text), Qor::RangeException);
+    EXPECT_EQ(locator->attributeOp(387, Tree::OpId::opCount)->strRep(), "0");
+}
+
+TEST_F(DynamicCopy, EntitiesWithinEachOtherEnd) {
+    Qor::TypeDescription box;
+    box.fullName = Name("Dyn::Box");
+    box.base = Name("Qor::Entity");
+    box.kind = Qor::TypeDescription::Kind::entity;
+    box.constructorArgs = {{"name", "Qor::Name"}};
+    box.attributes = {{258,
+                       Name("inner"),
+                       Name("Dyn::Box"),
+                       Name(),
+                       Qor::FlagClasses::childEntity.flags,
+                       Qor::FlagClasses::childEntity.introspection,
+                       Name(),
+                       {}}};
+    Described::take({box});
+    auto const outermost = Qor::QorType::type("Dyn::Box")->newInstance(Name("box"));
+    auto const name = Tree::valueOf(*Name::_fwkType(), "'box'");
+    auto at = Tree::wrapperOf(outermost);
+    int depth = 1;
+    try {
+        for (; depth < 1000; ++depth) {
+            at = at->attributeOp(258, Tree::OpId::opSet, nullptr, Tree::listOf(name));
+        }
+    } catch (Qor::RangeException const& refused) {
+        EXPECT_EQ(refused.message(), "entities more than 64 deep");
+    }
+    EXPECT_EQ(depth, 65);
+}
+
 TEST_F(DynamicCopy, EndsWithAllThatItOwns) {
     mount();
     auto const row = at({"ovsdb", "logicalSwitch", "ls"})->entity();

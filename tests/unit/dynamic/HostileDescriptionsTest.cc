@@ -299,6 +299,8 @@ TEST(HostileDescriptions, TypeWithoutItsLibraryIsAName) {
     auto const wrapper = type->genericIf_(one.ptr(), false);
     EXPECT_EQ(wrapper->attributeOp(259)->strRep(), "0");
     EXPECT_THROW(wrapper->attributeOp(258), Qor::Exception);
+    lamp.initials = {{259, "0"}};
+    EXPECT_EQ(TypeDescription::of(*type), lamp) << "it can be described on";
 }
 
 }  // namespace

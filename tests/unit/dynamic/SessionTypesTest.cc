@@ -22,6 +22,8 @@ using Token = Out::TransactToken;
 
 struct Heard : Qor::NboAttrLog::SessionListener {
     void onMounted(MountId, Qor::Ptr<Qor::Entity> const&) override { ++mounted; }
+    void onRefused(MountId, String8 const& reason) override { refused = reason; }
+    String8 refused;
     void onSynced(MountId) override { ++synced; }
     int mounted = 0;
     int synced = 0;
@@ -51,12 +53,13 @@ class SessionTypes : public testing::Test {
         description.put(out);
         out << Token::end;
     }
-    void orphanDir(MountId mount, EntityId const& id) {
+    void orphanDir(MountId mount, EntityId const& id) { orphan(mount, id, "Qor::Dir"); }
+    void orphan(MountId mount, EntityId const& id, char const* type) {
         link(3, mount, id);
         out->nextHeaderIs({Qor::orphanEntityId, 136});
         out << Token::begin;
         out->currentPayloadSectionIs(Qor::NboAttrLog::PayloadSection::typeChain);
-        out << String8("Qor::Dir");
+        out << String8(type);
         out->currentPayloadSectionIs(Qor::NboAttrLog::PayloadSection::name);
         out << String8("dir");
         out->currentPayloadSectionIs(Qor::NboAttrLog::PayloadSection::entityId);
@@ -191,6 +194,38 @@ TEST_F(SessionTypes, ClassThatComesLaterIsAskedForByNameAndMountedAgainQuietly) 
     EXPECT_TRUE(Qor::dynamicCast<Qor::DynamicEntity>(late));
     EXPECT_EQ(Tree::wrapperOf(late)->attributeOp(258)->strRep(), "100");
     EXPECT_EQ(heard.mounted, 1);
+}
+
+TEST_F(SessionTypes, MountOfAClassThatCameLaterWaitsForItsDescription) {
+    hello();
+    link(12, U32{1}, U32{0});
+    turn();
+    MountId const mount = reader->mount("/lamp", false);
+    orphan(mount, EntityId(peers | 21), "T::LateRoot");
+    EXPECT_EQ(turn(), (Said{"mount 1 /lamp", "describe 2 T::LateRoot", "unmount 1"}));
+    describe(2, lamp("T::LateRoot"));
+    link(12, U32{2}, U32{1});
+    EXPECT_EQ(turn(), (Said{"mount 1 /lamp"}));
+    orphan(mount, EntityId(peers | 23), "T::LateRoot");
+    turn();
+    ASSERT_TRUE(reader->mounted(mount));
+    EXPECT_EQ(reader->mounted(mount)->fwkType()->fullName(), "T::LateRoot");
+    EXPECT_EQ(heard.mounted, 1);
+}
+
+TEST_F(SessionTypes, MountOfAClassThatThePeerCantDescribeIsRefused) {
+    hello();
+    link(12, U32{1}, U32{0});
+    turn();
+    MountId const mount = reader->mount("/lamp", false);
+    orphan(mount, EntityId(peers | 21), "T::Never");
+    turn();
+    link(12, U32{2}, U32{0});
+    EXPECT_EQ(turn(), (Said{"mount 1 /lamp"}));
+    orphan(mount, EntityId(peers | 23), "T::Never");
+    EXPECT_EQ(turn(), (Said{"unmount 1"}));
+    EXPECT_EQ(heard.refused, "the class T::Never is not known here");
+    EXPECT_EQ(reader->closed(), String8());
 }
 
 TEST_F(SessionTypes, RefusedDescriptionEndsTheConnectionByName) {

@@ -176,6 +176,22 @@ inline void changeMember(Random& random, Qor::Ptr<Qor::Entity> const& root, Wrap
     }
 }
 
+/// Removes references to what stands in no tree any more: a mount can't bring them over.
+inline void dropDangling(Qor::Ptr<Qor::Entity> const& root) {
+    for (Wrapper const& row : rows(root)) {
+        for (auto const* attribute : attributesOf(*row->fwkType())) {
+            bool const refers = attribute->flags().isCollection() &&
+                                attribute->flags().isEntity() &&
+                                !attribute->flags().isInstantiating();
+            if (!refers) continue;
+            for (auto at = row->attributeIteratorConst(attribute->id()); at; ++at) {
+                if (at.value()->entity()->parent()) continue;
+                row->attributeOp(attribute->id(), OpId::opDel, at.key());
+            }
+        }
+    }
+}
+
 /// Changes one attribute of one entity somewhere in the tree.
 inline void change(Random& random, Qor::Ptr<Qor::Entity> const& root) {
     auto const all = rows(root);

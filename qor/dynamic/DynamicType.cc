@@ -2,6 +2,7 @@
 
 #include <qor/dynamic/DynamicRows.h>
 #include <qor/dynamic/DynamicWrapper.h>
+#include <qor/generic/GenericList.h>
 #include <qor/registry/Builtin.h>
 #include <qor/tree/EntityPath.h>
 
@@ -141,6 +142,24 @@ Qor::Ptr<Entity> DynamicType::newEntity(Qor::Ptr<NboAttrLog::In> const& in,
     auto entity = make<DynamicEntity>(*this, Name());
     entity->constructedIs(*argument, AnyValue(*argument->value, *in));
     return entity;
+}
+
+Qor::Ptr<GenericIf> DynamicType::genericIf(GenericIf const* arguments, bool isConst) {
+    if (!canBeMade()) return QorType::genericIf(arguments, isConst);
+    GenericArguments list(arguments);
+    DynamicAttribute const* const fixed = constructed();
+    char const* const name = fixed ? fixed->name.charPtr() : "name";
+    GenericIf::Ptr const argument = list.next(name);
+    list.end(this->name().charPtr());
+    if (!argument) GenericIf::throwTypeException(name);
+    Qor::Ptr<DynamicEntity> entity;
+    if (fixed) {
+        entity = make<DynamicEntity>(*this, Name());
+        entity->constructedIs(*fixed, AnyValue::of(*fixed->value, *argument));
+    } else {
+        entity = make<DynamicEntity>(*this, unwrapped<Name>(*argument));
+    }
+    return genericIf_(entity.ptr(), isConst);
 }
 
 Qor::Ptr<GenericIf> DynamicType::genericIf_(PtrInterface* object, bool isConst) {

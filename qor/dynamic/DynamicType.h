@@ -53,6 +53,11 @@ class QOR_EXPORT DynamicType final : public QorType {
                                PtrInterface::NotifieeConst::Qor_BitSet bits, U32 version,
                                PtrInterface* context) override;
     Qor::Ptr<Entity> newInstance(Name const& name) override;
+    /// A new instance, whether or not the compiled class has a factory: here nothing else makes one
+    /// that is to be sent to the process that has it. A constructor takes one argument: the one
+    /// attribute that is fixed, or the name.
+    Qor::Ptr<GenericIf> genericIf(GenericIf const* arguments, bool isConst) override;
+    using QorType::genericIf;
     Qor::Ptr<GenericIf> genericIf_(PtrInterface* object, bool isConst) override;
     Qor::Ptr<GenericIf> genericIfFromStrep(String8 const& text, bool isConst) override;
 

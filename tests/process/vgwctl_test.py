@@ -75,7 +75,8 @@ COMMANDS = [
     ["set", "/vgw/cliConfig", "managerIp=192.0.2.256"],
     ["set", "/vgw/cliConfig", "managerTarget=a"],
     ["set", "/vgw/cliConfig", "managerPort"],
-    ["set", "/vgw/config", "ovsdbRunDir=elsewhere"],
+    ["set", "/vgw/config", "restartSyncLimit=50", "--", "get", "/vgw/config", "restartSyncLimit"],
+    ["set", "/vgw/database", "remote=elsewhere"],
     ["set", f"{OVSDB}/logicalSwitch/{RED}", "tunnelKey=1"],
     ["set", "/vgw/nothing", "a=1"],
     ["del", "/vgw/nothing"],
@@ -248,6 +249,17 @@ class FollowingTest(VgwctlCase):
         done = ctl.run(f"unix:{self.directory}/nobody", "show")
         self.assertEqual(done.returncode, 1)
         self.assertEqual(done.stderr, f"vgwctl: unix:{self.directory}/nobody: No such file or directory\n")
+
+    def test_create_and_del_reach_the_database(self):
+        path = "/vgw/ucastMacsLocal/new"
+        self.read("create", path, "UcastMacsLocal", "00:00:5e:00:53:07", f"logicalSwitch={RED}", "vtepIp=192.0.2.1")
+        listed = lambda: "00:00:5e:00:53:07 -> vxlan_over_ipv4/192.0.2.1" in self.database.vtep_ctl("list-local-macs", "red")
+        self.agent.await_that(listed, "the row is in the database")
+        done = self.run_ctl("-d", "bare", "--no-headings", "--columns=_path", "find", "UcastMacsLocal")
+        created = done.stdout.strip()
+        self.assertTrue(created.startswith("/vgw/ucastMacsLocal/"), done)
+        self.read("del", created)
+        self.agent.await_that(lambda: not listed(), "the row is gone from the database")
 
     def completed(self, *words):
         """What bash offers in the place of the last word."""

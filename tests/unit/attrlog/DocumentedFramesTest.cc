@@ -81,6 +81,15 @@ TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
     shows(hex(bytes.substr(0, 4 + static_cast<unsigned char>(bytes[3]))));
 }
 
+TEST(DocumentedFrames, OfAReceipt) {
+    Peer peer(Peer::Demuxer::Side::connecting);
+    peer.demuxer->in()->receive(bytesOf(frameHex(2, 0, 0, "", 1, 0)));
+    peer.demuxer->serveFrames(1);
+    peer.demuxer->sendReceipt();
+    std::string const frame = hex(takeBytes(peer.out()));
+    EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+}
+
 TEST(DocumentedFrames, OfAChunkThatIsNotTheLast) {
     auto const out = make<Qor::NboAttrLog::Out>();
     using Token = Qor::NboAttrLog::Out::TransactToken;

@@ -1,5 +1,6 @@
 // The frames that docs/attribute-log.md shows are those that are sent.
 #include "Peers.h"
+#include "Records.h"
 
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>

@@ -6,6 +6,8 @@ int main(int argc, char** argv) {
     Bench::addScalars();
     Bench::addDispatch();
     Bench::addRows();
+    Bench::addRecords();
+    Bench::addMounts();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

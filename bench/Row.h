@@ -46,6 +46,8 @@ void addNumberMaps();
 void addScalars();
 void addDispatch();
 void addRows();
+void addRecords();
+void addMounts();
 
 }  // namespace Bench
 

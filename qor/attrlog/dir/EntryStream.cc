@@ -26,24 +26,26 @@ void putEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member,
     out << Token::end;
 }
 
-// An entity that has stood here before is whole again when it comes back: the peer has let it go.
+// An entity that has stood here before comes back under a new id: the peer has let go of it.
 void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     Entity& entity = *member.value();
     if (!entity.qorHasAttrLogInterface()) return;
     Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
-    bool const isKnown = entity.qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
+    Ptr<NboAttrLog::Out const> const reader(out);
+    auto const* known = entity.qorNboAttrLogSa(reader);
+    if (known && known->isAnnouncedBefore(adapter.removedAt())) {
+        NboAttrLog::deleteAdapter(entity, reader);
+        known = nullptr;
+    }
     auto const flags = AdapterState::ofChild(adapter.state());
     auto const child = entity.qorNboAttrLogSaIs(flags, 1, out, adapter.msgChannel());
-    if (!isKnown) child->qorOnInit();
+    if (!known) child->qorOnInit();
     adapter.doFixChildFlags(child);
     putEntry(adapter, key, member, *child);
-    if (isKnown && child->isAnnouncedBefore(adapter.removedAt())) {
-        child->flagIs(AdapterState::isLostAtPeer, true);
-    }
-    bool const whole = !isKnown || child->has(AdapterState::isLostAtPeer) ||
-                       adapter.handlingScheduledFlowOut() ||
-                       adapter.syncMode() == StreamAdapter::resync;
-    if (whole) sendWholeOf(*child);
+    if (!known) child->isAnnounced();
+    bool const whole =
+        !known || adapter.handlingScheduledFlowOut() || adapter.syncMode() == StreamAdapter::resync;
+    if (whole) child->doThis();
 }
 
 // The first class of the chain that is known here; null if none is, and `wanted` is then the first
@@ -150,19 +152,15 @@ bool isNewsToPeer(Adapter& adapter, Name const& key) {
     return !entity->qorHasAttrLogInterface() || isOwed<EntryStream>(adapter, key);
 }
 
-// The end of an entry's record; where it crossed another, the entry goes to the peer whole.
+// The end of an entry's record; where it crossed another, the entry goes to the peer anew.
 void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
     if (adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
     if (!record.hasCrossed) return;
     adapter.flagIs(AdapterState::isActive, false);
-    auto const member = targetOf<EntryStream>(adapter).qorEntry(key);
-    bool const isThere = member && member->value()->qorHasAttrLogInterface();
-    if (!isThere) return adapter.onEntry(key);
-    auto* const known =
-        member->value()->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    if (known) known->flagIs(AdapterState::isLostAtPeer, true);
-    if (!keyGoesNow<EntryStream>(adapter, *adapter.nboAttrLogOut(), key)) return;
-    writeWhole([&] { sendEntry(adapter, key, *member); });
+    if (auto const entity = targetOf<EntryStream>(adapter).entry(key)) {
+        NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
+    }
+    adapter.onEntry(key);
 }
 
 void takeDownEntry(Adapter& adapter, Name const& key) {
@@ -179,7 +177,7 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     needShallow(dir);
     Announced const told = readEntry(adapter, record);
     if (record.echoOnly) return adapter.onEntry(told.key);
-    if (!told.entity) return;
+    if (!told.entity || record.demuxer.hasGoneHere(told.id)) return;
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     Ptr<Entity> entity = dir.entry(told.key);
     bool const isKnown = entity && entity->qorNboAttrLogSa(out) &&
@@ -221,9 +219,7 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     if (record.id > 0) return takeEntry(adapter, record);
     Name const key(record.in.nextString());
     if (record.echoOnly) return adapter.onEntry(key);
-    if (isNewsToPeer(adapter, key)) {
-        return record.demuxer.flowsInDelBelow(*targetOf<EntryStream>(adapter).entry(key));
-    }
+    if (isNewsToPeer(adapter, key)) return;
     takeDownEntry(adapter, key);
     settleEntry(adapter, record, key);
 }

@@ -4,6 +4,7 @@
 #define QOR_ATTRLOG_FAMILY_CHILDIN_H
 
 #include <qor/attrlog/family/ChildOut.h>
+#include <qor/attrlog/family/CollectionOut.h>
 #include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
@@ -118,23 +119,39 @@ void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityI
     makeChild<S>(adapter, key);
 }
 
+/// A child that gets a new id is another one to the peer: what refers to it is sent again.
+template <class Adapter>
+void oweReferencesTo(Adapter& adapter, Entity const& child) {
+    Adapter::QorStreamed::forEach([&]<class R>() {
+        if constexpr (R::kind == StreamKind::reference) {
+            for (typename R::Attr::Map::IteratorConst at(&collectionOf<R>(adapter)); at; ++at) {
+                if (R::Attr::valueOf(*at.member()).ptr() != &child) continue;
+                flowFor(adapter, R::id).template dirtyKeyIs<R>(at.key(), true);
+            }
+        }
+    });
+}
+
 /// The end of a child's record. What the peer announced may have gone there meanwhile, by a removal
-/// that was on its way: then it is announced to the peer in turn, with all that it holds.
+/// that was on its way: then it is announced to the peer in turn, under a new id and whole. What it
+/// removed may have come there again.
 template <class S, class Adapter>
-void settleChild(Adapter& adapter, Name const& key) {
+void settleChild(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
     if (adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
+    if (!record.hasCrossed) return;
     auto const child = childOf<S>(adapter, key);
-    if (!child || !adapter.streamDemuxer()->hasCrossedRemoval()) return;
-    auto* const known = child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    if (known) known->flagIs(AdapterState::isLostAtPeer, true);
+    if (!child) return childChanged<S>(adapter, key);
+    if (!record.demuxer.hasCrossedRemoval() && !isOwed<S>(adapter, key)) return;
+    deleteChildAdapter<S>(adapter, child);
+    oweReferencesTo(adapter, *child);
     bool goes = false;
     if constexpr (S::isKeyed) {
         goes = keyGoesNow<S>(adapter, *adapter.nboAttrLogOut(), key);
     } else {
         goes = valueGoesNow<S>(adapter, *adapter.nboAttrLogOut());
     }
-    if (goes) writeWhole([&] { sendChild<S>(adapter, child); });
+    if (goes) writeWhole([&] { sendChild<S>(adapter, child, true); });
 }
 
 template <class S, class Adapter>
@@ -143,6 +160,7 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     goToBody(record);
     if (record.echoOnly) return childChanged<S>(adapter, key);
     EntityId const id = peekEntityId(record.in);
+    if (record.demuxer.hasGoneHere(id)) return;
     auto const* const known = record.demuxer.adapter(id);
     bool const isKnown = known && known->qorNotifierEntity() == childOf<S>(adapter, key).ptr();
     if (!isKnown && isNewsToPeer<S>(adapter, key)) return;
@@ -153,7 +171,7 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
         if (auto const child = childOf<S>(adapter, key)) child->qorMarkedForDeletionIs(false);
     }
     channelModeIs(adapter, MsgChannel::Mode::applied);
-    settleChild<S>(adapter, key);
+    settleChild<S>(adapter, record, key);
 }
 
 template <class S, class Adapter>
@@ -161,11 +179,9 @@ void readChildRemoval(Adapter& adapter, InboundRecord& record) {
     Name key;
     if constexpr (S::isKeyed) key = Name(record.in.nextString());
     if (record.echoOnly) return childChanged<S>(adapter, key);
-    if (isNewsToPeer<S>(adapter, key)) {
-        return record.demuxer.flowsInDelBelow(*childOf<S>(adapter, key));
-    }
+    if (isNewsToPeer<S>(adapter, key)) return;
     takeDownChild<S>(adapter, key);
-    if (adapter.has(AdapterState::isCopy)) settleChild<S>(adapter, key);
+    settleChild<S>(adapter, record, key);
 }
 
 }  // namespace Qor

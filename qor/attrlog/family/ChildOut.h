@@ -55,6 +55,7 @@ Ptr<ChildAdapterOf<S>> announceChild(Adapter& adapter, AdapterState::Bits flags,
     bool isNew = false;
     if (result) {
         result->stateIs(AdapterState::replaced(result->state(), flags));
+        result->remounted();
         if (result->has(AdapterState::adapterAnnounced)) return result;
     } else {
         result = newChildAdapter<S>(flags, child, version, out, owner);
@@ -74,27 +75,16 @@ void deleteChildAdapter(Adapter& adapter, Ptr<typename S::Target> const& child) 
         NboAttrLog::deleteAdapter(*child, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
 }
 
-/// The whole state of an entity that has been announced. Where the peer may have lost it, nothing
-/// below it is taken for known.
-inline void sendWholeOf(Entity::QorNboAttrLogSa& adapter) {
-    if (adapter.has(AdapterState::isLostAtPeer)) adapter.doRemountSelf(adapter.nboAttrLogOut());
-    adapter.flagIs(AdapterState::isLostAtPeer, false);
-    adapter.isAnnounced();
-    adapter.doThis();
-}
-
 /// Announces the child and, while a whole state is sent, lets it send its own.
 template <class S, class Adapter>
-void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child) {
+void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child, bool isAnew = false) {
     auto const flags = AdapterState::ofChild(adapter.state());
     Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
     auto const announced = announceChild<S>(adapter, flags, child, 1, out, adapter.msgChannel());
     adapter.doFixChildFlags(announced);
-    bool const isLost = announced->has(AdapterState::isLostAtPeer);
     bool const whole =
-        isLost || adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
-    if (!whole) return;
-    sendWholeOf(*announced);
+        isAnew || adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
+    if (whole) announced->doThis();
 }
 
 /// qorHandleASerializeSing of an owning collection; a null child is a removal. Whether nothing is

@@ -18,6 +18,10 @@ Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter, Ptr<NboAttrLog::In> c
     if (!adapter.qorNotifierEntity() || !adapter.streamDemuxer()) return nullptr;
     if (in) return in;
     auto const& out = adapter.nboAttrLogOut();
+    auto const& served = adapter.streamDemuxer()->in();
+    if (out && out->in() == served.ptr()) [[likely]] {
+        return served;
+    }
     return Ptr<NboAttrLog::In>(dynamic_cast<NboAttrLog::In*>(out ? out->in() : nullptr));
 }
 

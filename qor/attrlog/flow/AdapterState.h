@@ -31,8 +31,6 @@ inline constexpr U32 syncModeFanOut = flag(13);
 inline constexpr U32 isCopy = flag(16);
 // The entity stands below another that has an adapter here.
 inline constexpr U32 isChild = flag(17);
-// The peer may have let go of the entity and all below it, and is sent the whole once more.
-inline constexpr U32 isLostAtPeer = flag(21);
 // No resynchronisation runs: a change goes out at once.
 inline constexpr U32 steadyState = flag(20);
 // handleAttrFlowOut runs.

@@ -63,25 +63,34 @@ void Demuxer::adapterEnds(StreamAdapter& adapter) {
     if (!reactorDel(adapter.entityId())) dropFlow(adapter);
 }
 
+bool Demuxer::isAway(StreamAdapter const& adapter) {
+    Entity const* const entity = adapter.qorNotifierEntity();
+    return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
+}
+
 void Demuxer::needPeersId(EntityId const& id) {
-    // One that was drawn here comes back when what it was given to has gone here meanwhile.
-    bool const isDrawnHere = (id.value() & peersHalf) == ownHalf_;
-    bool const isPeers = id.isUnified() && (!isDrawnHere || id.value() < nextId_);
+    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
     if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {
         throw AttrLogRecordException(format("the id %llx is not the peer's to give",
                                             static_cast<unsigned long long>(id.value())));
     }
     auto* const known = adapter(id);
-    bool const isAway = known && known->has(AdapterState::isChild) && known->qorNotifierEntity() &&
-                        !known->qorNotifierEntity()->qorParent();
-    if (isAway) reactorDel(id);
-    if (known && !isAway) {
+    bool const makesRoom = known && isAway(*known);
+    if (makesRoom) reactorDel(id);
+    if (known && !makesRoom) {
         throw AttrLogRecordException(format("the id %llx stands for another entity",
                                             static_cast<unsigned long long>(id.value())));
     }
     if (adapters_.size() >= quota_.entities) {
         throwRangeException(format("more than %u entities", quota_.entities));
     }
+}
+
+bool Demuxer::hasGoneHere(EntityId const& id) const {
+    bool const isDrawnHere = id.isUnified() && (id.value() & peersHalf) == ownHalf_ &&
+                             id.value() < nextId_ && (id.value() & ~peersHalf) > 1;
+    auto const* const known = isDrawnHere ? adapter(id) : nullptr;
+    return isDrawnHere && (!known || isAway(*known));
 }
 
 bool Demuxer::checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, EntityId const& id,
@@ -107,16 +116,15 @@ void Demuxer::flowInDel(EntityId const& id) {
     if (here && here->flowOut()) here->flowOut()->owes();
 }
 
-void Demuxer::flowsInDelBelow(Entity const& entity) {
+void Demuxer::flowsInDelAway() {
+    Qor::Ptr<Out const> const reader(out_);
     for (HashMap<FlowIn, EntityId>::IteratorConst at(&flowsIn_); at; ++at) {
-        Qor::Ptr<FlowIn> const flow = at.member();
-        Qor::Ptr<Entity::QorNboAttrLogSa> const here(adapter(flow->fwkKey()));
-        Entity const* above = here ? here->qorNotifierEntity() : nullptr;
-        while (above && above != &entity) above = above->qorParent();
-        if (!above) continue;
-        AttributeId const text = flow->heldBack() ? flow->aid() : 0;
-        flowInDel(flow->fwkKey());
-        if (text != 0) here->doNotification(text, nullptr);
+        EntityId const id = at.member()->fwkKey();
+        auto* const here = adapter(id);
+        Entity* top = here ? here->qorNotifierEntity() : nullptr;
+        while (top && top->qorParent()) top = top->qorParent();
+        auto const* const above = top ? top->qorNboAttrLogSa(reader) : nullptr;
+        if (above && isAway(*above)) flowInDel(id);
     }
 }
 

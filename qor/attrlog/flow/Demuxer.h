@@ -98,6 +98,9 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Raises AttrLogRecordException where an id is not the peer's to give, or stands for another
     // entity. A child that was taken out of its place here, and lives on, makes room.
     void needPeersId(EntityId const& id);
+    // Whether an id was drawn here for what has gone since: the peer is to hear of that, and what
+    // it says of the entity meanwhile is skipped.
+    bool hasGoneHere(EntityId const& id) const;
     // Whether `child`, which stands where the peer announces an entity of that id, is another one
     // that has to make room: it was announced on this connection under another id. `isCollected`
     // tells whether it stands in a collection.
@@ -110,7 +113,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 peerHeard() const noexcept { return peerHeard_; }
     void sendReceipt();
     // A child was removed, or a snapshot marked: what the peer announces may have gone there.
-    void removalSent() noexcept { removedAt_ = out_->frames(); }
+    void removalSent() {
+        removedAt_ = out_->frames();
+        if (hasFlowsIn()) flowsInDelAway();
+    }
     bool hasCrossedRemoval() const noexcept { return removedAt_ > peerHeard_; }
 
     // What is half received, by entity id.
@@ -118,8 +124,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool hasFlowsIn() const noexcept { return flowsIn_.size() != 0; }
     Qor::Ptr<FlowIn> flowInIs(EntityId const& id);
     void flowInDel(EntityId const& id);
-    // The same for an entity and all that stands below it.
-    void flowsInDelBelow(Entity const& entity);
+    // Drops what is half received of all that was taken out of its place, and lives on.
+    void flowsInDelAway();
     // Frees a text that was half received.
     void textDel(FlowIn& flowIn);
     // Accounts for a text that is half received. Raises RangeException over the quota.
@@ -179,6 +185,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     void serveRecord(Frame const& frame);
     void serveTransaction(Frame const& frame);
     void serveOrphan(Frame const& frame);
+    static bool isAway(StreamAdapter const& adapter);
     Entity::QorNboAttrLogSa* receiver(Frame const& frame);
 
     Qor::Ptr<In> in_;

@@ -83,7 +83,11 @@ void Demuxer::serveFrame(Frame const& frame) {
 }
 
 Entity::QorNboAttrLogSa* Demuxer::receiver(Frame const& frame) {
-    auto* const found = adapter(frame.header.entityId);
+    auto* found = adapter(frame.header.entityId);
+    if (found && isAway(*found)) {
+        reactorDel(frame.header.entityId);
+        found = nullptr;
+    }
     bool const isThere = found && found->qorNotifierEntity();
     counters_.unknownEntities += isThere ? 0 : 1;
     return isThere ? found : nullptr;

@@ -111,6 +111,7 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
     U64 const knownBefore = announced_;
     U64 const writtenBefore = out_->written();
     bool waits = false;
+    bool leadsNowhere = false;
     AttributeId next = flow.hasResume_ ? flow.resumeAt_ : flow.attrId();
     do {
         if (!adapter.continueFlowOut()) return false;
@@ -127,19 +128,21 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
             waits = true;
             ++next;
         }
-        flow.resumeAt_ = next;
-        flow.hasResume_ = true;
         bool const isStuck = next == at && at != 0 && out_->written() == before;
         if (isStuck && adapter.continueFlowOut()) {
-            park(flow);
-            return false;
+            adapter.freeResyncState(Qor::Ptr<FlowOut>(&flow));
+            leadsNowhere = true;
+            ++next;
         }
+        flow.resumeAt_ = next;
+        flow.hasResume_ = true;
     } while (next != 0);
     if (waits && !flow.leavesOut_) {
         flow.leavesOut_ = true;
         return true;
     }
-    bool const isIdle = waits || (isWhole && out_->written() == writtenBefore);
+    leadsNowhere = leadsNowhere || waits || out_->written() == writtenBefore;
+    bool const isIdle = isWhole && leadsNowhere;
     if (!isIdle || announced_ != knownBefore || !flow.hasDirtyAttributes()) return true;
     park(flow);
     return false;

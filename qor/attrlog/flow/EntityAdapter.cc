@@ -183,10 +183,12 @@ namespace NboAttrLog {
 
 namespace {
 
+// What stands on an entity's list for the attribute log is a companion, whose reactor is its
+// adapter.
 Entity::QorNboAttrLogSa* adapterOf(Entity::NotifieeConst const& notifiee) {
     if (!notifiee.isStreamAdapter()) return nullptr;
     return const_cast<Entity::QorNboAttrLogSa*>(
-        dynamic_cast<Entity::QorNboAttrLogSa const*>(notifiee.qorRawReactor()));
+        static_cast<Entity::QorNboAttrLogSa const*>(notifiee.qorRawReactor()));
 }
 
 bool isOnChannel(Entity::QorNboAttrLogSa const& adapter) {

@@ -120,6 +120,8 @@ class Chain {
         for (auto const& link : links_) {
             reasons += std::string(link->given->closed().view()) + "; ";
             reasons += std::string(link->taken->closed().view()) + "; ";
+            reasons += std::to_string(link->given->demuxer().flows()) + " and ";
+            reasons += std::to_string(link->taken->demuxer().flows()) + " flows; ";
         }
         return reasons;
     }
@@ -146,10 +148,16 @@ class Chain {
     std::vector<std::unique_ptr<Link>> links_;
 };
 
+std::uint64_t numberOf(char const* variable, std::uint64_t otherwise) {
+    char const* const given = std::getenv(variable);
+    return given ? std::strtoull(given, nullptr, 10) : otherwise;
+}
+
+// VGW_SEEDS=n runs so many, from VGW_SEED on.
 void manySeeds(std::uint64_t count, std::size_t length) {
-    char const* const given = std::getenv("VGW_SEED");
-    std::uint64_t const from = given ? std::strtoull(given, nullptr, 10) : 1;
-    for (std::uint64_t seed = from; seed < from + (given ? 1 : count); ++seed) {
+    std::uint64_t const from = numberOf("VGW_SEED", 1);
+    std::uint64_t const many = numberOf("VGW_SEEDS", std::getenv("VGW_SEED") ? 1 : count);
+    for (std::uint64_t seed = from; seed < from + many; ++seed) {
         Chain chain(seed, length);
         chain.run();
         chain.check();

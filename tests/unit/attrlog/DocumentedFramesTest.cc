@@ -1,5 +1,6 @@
 // The frames that docs/attribute-log.md shows are those that are sent.
 #include "Peers.h"
+#include "Records.h"
 
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>
@@ -79,6 +80,15 @@ TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
     b->doSerializeOrphan();
     std::string const bytes = takeBytes(other.out());
     shows(hex(bytes.substr(0, 4 + static_cast<unsigned char>(bytes[3]))));
+}
+
+TEST(DocumentedFrames, OfAReceipt) {
+    Peer peer(Peer::Demuxer::Side::connecting);
+    peer.demuxer->in()->receive(bytesOf(frameHex(2, 0, 0, "", 1, 0)));
+    peer.demuxer->serveFrames(1);
+    peer.demuxer->sendReceipt();
+    std::string const frame = hex(takeBytes(peer.out()));
+    EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
 }
 
 TEST(DocumentedFrames, OfAChunkThatIsNotTheLast) {

@@ -11,8 +11,6 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
-
 namespace {
 
 using Qor::make;
@@ -226,52 +224,6 @@ TEST(Remount, OnTheSameConnectionRepeatsTheWholeState) {
     original->logicalSwitch(Name("a"))->descIs("b");
     peers.settle();
     EXPECT_EQ(kept->desc(), "b");
-}
-
-TEST(Remount, CutAtAnyByteThenMountedAgainConverges) {
-    auto const build = [](Vgw::HwVtepOvsdb& db, int round) {
-        for (int i = 0; i < 4; ++i) {
-            Name const name(std::to_string(round * 2 + i).c_str());
-            db.logicalSwitchIs(name)->descIs(name);
-            auto const sw = db.physicalSwitchRawIs(name);
-            sw->portIs(name, true);
-            db.physicalSwitchIs(name, sw);
-        }
-    };
-    auto const names = [](Vgw::HwVtepOvsdb const& db) {
-        std::vector<std::string> result;
-        for (auto at = db.logicalSwitchIterator(); at; ++at) {
-            result.push_back(std::string(at.key().view()) + "=" +
-                             std::string(at.value()->desc().view()));
-        }
-        for (auto at = db.physicalSwitchIterator(); at; ++at) {
-            result.emplace_back(at.key().view());
-            for (auto port = at.value()->portIterator(); port; ++port) {
-                result.emplace_back(port.key().view());
-            }
-        }
-        return result;
-    };
-    std::size_t whole = 1;
-    for (std::size_t cut = 0; cut < whole; cut += 3) {
-        auto const original = make<Vgw::HwVtepOvsdb>(Name("db"));
-        auto const copy = make<Vgw::HwVtepOvsdb>(Name("db"));
-        build(*copy, 1);
-        build(*original, 0);
-        auto const before = names(*copy);
-        {
-            Peers peers;
-            peers.reader.copy = copy;
-            peers.source.send(original);
-            if (cut == 0) whole = peers.source.out().unsent().size();
-            carry(peers.source, peers.reader, cut);
-            ASSERT_EQ(peers.reader.failure, String8());
-        }
-        Peers peers;
-        peers.mount(original, copy);
-        ASSERT_EQ(names(*copy), names(*original)) << "cut at " << cut;
-    }
-    EXPECT_GT(whole, 1000U);
 }
 
 }  // namespace

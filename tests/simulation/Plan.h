@@ -15,7 +15,7 @@ struct Plan {
     Lines lines;
     // Who wrote a line last.
     std::map<std::string, unsigned> authors;
-    // How often an entity was removed at the source, by path.
+    // How often an entity was removed at the source, or a key or value there, by path.
     std::map<std::string, unsigned> removals;
     // Where references stand: row, field, number of the key.
     struct Place {

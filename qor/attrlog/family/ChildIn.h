@@ -142,6 +142,7 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     Name const key(record.in.nextString());
     goToBody(record);
     if (record.echoOnly) return childChanged<S>(adapter, key);
+    family::needShallow(*adapter.qorNotifierEntity());
     EntityId const id = peekEntityId(record.in);
     auto const* const known = record.demuxer.adapter(id);
     bool const isKnown = known && known->qorNotifierEntity() == childOf<S>(adapter, key).ptr();

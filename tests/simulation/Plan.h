@@ -26,9 +26,6 @@ struct Plan {
     std::map<std::string, Place> references;
     // The last number that was given to a value.
     std::uint64_t number = 0;
-    // Whether something that an author away from the source wrote may have been lost in a cut.
-    bool isUnsure = false;
-
     // Tells each change on standard output.
     bool isTraced = false;
 

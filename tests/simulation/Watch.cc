@@ -65,7 +65,10 @@ std::string Watch::lookAtLines(Lines const& lines, Plan const& plan) {
         if (!isWhole(text)) note(line + " is no text that was written: " + text.substr(0, 40));
         auto const author = plan.authors.find(line);
         if (author == plan.authors.end() || author->second != 0) continue;
-        if (!entities_.contains(line)) lines_.insert(line);
+        // A reference that comes to mean what the copy does not know yet goes until it does.
+        bool const isReference = text.starts_with("-> ");
+        if (!entities_.contains(line) && !isReference) lines_.insert(line);
+        if (isReference) lines_.erase(line);
         std::uint64_t const number = numberIn(text);
         if (number == 0) continue;
         if (number < numbers_[line]) note(line + " has gone back to " + text.substr(0, 40));

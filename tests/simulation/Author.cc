@@ -38,7 +38,12 @@ std::string Author::lineOf(std::string const& path, Field const& field, unsigned
 
 void Author::note(std::string const& line, std::string const& text, bool isGone) {
     plan_.set(line, text, number_);
-    if (isGone) plan_.lines.erase(line);
+    if (isGone) forget(line);
+}
+
+void Author::forget(std::string const& line) {
+    plan_.lines.erase(line);
+    if (number_ == 0) ++plan_.removals[line];
 }
 
 bool Author::mayWrite(std::string const& row, Field const& field, unsigned key) const {
@@ -178,7 +183,7 @@ void Author::dropReferencesTo(std::string const& row) {
         auto const& place = plan_.references[line];
         Row const holder = rowAt(*top_, place.row);
         if (holder.entity) place.field->erase(*holder.entity, place.key);
-        plan_.lines.erase(line);
+        forget(line);
     }
 }
 
@@ -189,7 +194,7 @@ void Author::dropLooseReferences() {
         auto const& place = plan_.references[line];
         Row const holder = rowAt(*top_, place.row);
         if (holder.entity) place.field->erase(*holder.entity, place.key);
-        plan_.lines.erase(line);
+        forget(line);
     }
 }
 

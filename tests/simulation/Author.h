@@ -48,6 +48,7 @@ class Author {
     void changeOwned(std::string const& path, Row const& row, Field const& field);
     void dropReferencesTo(std::string const& row);
     void note(std::string const& line, std::string const& text, bool isGone);
+    void forget(std::string const& line);
     std::string lineOf(std::string const& path, Field const& field, unsigned key) const;
     Fresh fresh();
 

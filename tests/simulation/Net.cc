@@ -188,7 +188,6 @@ void Net::connect(Link& link) {
 void Net::cut(Link& link) {
     link.cut();
     for (Tree& tree : trees_) tree.inStep.assign(roots_.size(), false);
-    for (Tree& tree : trees_) tree.plan.isUnsure = tree.plan.isUnsure || settings_.isWritable;
 }
 
 bool Net::mayCrash(unsigned process) const {

@@ -42,7 +42,6 @@ void Plan::adopt(Lines const& source) {
     for (auto const& [line, text] : source) {
         if (isForeign(line)) lines[line] = text;
     }
-    isUnsure = false;
 }
 
 }  // namespace Sim

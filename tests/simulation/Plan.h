@@ -15,7 +15,7 @@ struct Plan {
     Lines lines;
     // Who wrote a line last.
     std::map<std::string, unsigned> authors;
-    // How often an entity was removed at the source, by path.
+    // How often an entity was removed at the source, or a key or value there, by path.
     std::map<std::string, unsigned> removals;
     // Where references stand: row, field, number of the key.
     struct Place {
@@ -26,9 +26,6 @@ struct Plan {
     std::map<std::string, Place> references;
     // The last number that was given to a value.
     std::uint64_t number = 0;
-    // Whether something that an author away from the source wrote may have been lost in a cut.
-    bool isUnsure = false;
-
     // Tells each change on standard output.
     bool isTraced = false;
 

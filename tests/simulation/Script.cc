@@ -41,6 +41,7 @@ class Run {
     void changeSomewhere();
     void serveSomeone();
     void cutSomewhere();
+    void traceOn(Link& link) const;
     void look();
     void finish();
     void needEqual(char const* when);
@@ -86,6 +87,10 @@ void Run::serveSomeone() {
     link.service(dice_.oneIn(2), dice_.oneIn(4) ? 300 : 1U << 20);
     if (!link.closed().empty() && link.isUp()) fail("closed: " + link.closed());
     digest(link.bytes());
+    traceOn(link);
+}
+
+void Run::traceOn(Link& link) const {
     if (!settings_.isTraced) return;
     for (auto const& words : link.traceOn()) std::puts(words.c_str());
 }
@@ -168,7 +173,11 @@ void Run::needNoEcho() {
                   tree.authors[process].number());
     net_.settle();
     for (std::size_t i = 0; i < before.size(); ++i) {
-        auto const frames = net_.links()[i]->history().size() - before[i];
+        auto const& history = net_.links()[i]->history();
+        auto const from = history.begin() + static_cast<std::ptrdiff_t>(before[i]);
+        auto const frames = std::count_if(from, history.end(), [](Sent const& sent) {
+            return sent.kind < 2;  // what the ends tell each other of the link is no echo
+        });
         bool const carries = net_.links().size() < topology_.processes || i + 1 < before.size();
         if (frames > 1 || (carries && frames == 0)) {
             fail(std::to_string(frames) + " frames for one change on link " + std::to_string(i));
@@ -185,16 +194,18 @@ void Run::finish() {
         if (!settings_.isWritable) continue;
         Author& first = tree.authors[tree.route.maker];
         first.dropLooseReferences();
-        if (tree.plan.isUnsure) {
-            tree.plan.adopt(pictureOf(*tree.tops[tree.route.maker]).lines);
-        }
+        // Where changes of one entity cross, or a cut comes in between, the source's stand.
+        tree.plan.adopt(pictureOf(*tree.tops[tree.route.maker]).lines);
     }
     needQuiet();
     needEqual("at rest");
     if (!outcome_.violation.empty() || !settings_.isWritable) return;
+    // One after the other, nothing crosses: now every change counts.
     for (Tree& tree : net_.trees()) {
         for (Author& author : tree.authors) {
             author.writeAll();
+            net_.settle();
+            for (int changes = 0; changes < 5; ++changes) author.change();
             net_.settle();
         }
     }
@@ -212,7 +223,10 @@ Outcome Run::run(unsigned steps) {
         if (!outcome_.violation.empty()) outcome_.violation += " (step " + std::to_string(i) + ")";
     }
     if (outcome_.violation.empty()) finish();
-    for (auto const& link : net_.links()) outcome_.volumes.bytes += link->bytes();
+    for (auto const& link : net_.links()) {
+        outcome_.volumes.bytes += link->bytes();
+        traceOn(*link);
+    }
     digest(outcome_.volumes.bytes);
     return outcome_;
 }

@@ -10,35 +10,44 @@ using Sim::runScript;
 #ifdef QOR_PLAIN_NEW
 constexpr std::uint64_t scripts = 120;  // sanitizers are slow
 #else
-constexpr std::uint64_t scripts = 1800;
+constexpr std::uint64_t scripts = 1200;
 #endif
 
 TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {
     for (std::uint64_t seed = 1; seed <= scripts; ++seed) {
-        auto const outcome = runScript({seed});
+        auto const outcome = runScript(Request{seed});
         ASSERT_EQ(outcome.violation, "")
             << outcome.topology << "; to see it again: simulate --trace --scripts 1 --seed "
             << seed;
     }
 }
 
+TEST(Simulation, AuthorsOfTheSameValuesConverge) {
+    for (std::uint64_t seed = 1; seed <= scripts / 3; ++seed) {
+        auto const outcome = runScript(Request{seed, 0, true});
+        ASSERT_EQ(outcome.violation, "")
+            << outcome.topology
+            << "; to see it again: simulate --rivals --trace --scripts 1 --seed " << seed;
+    }
+}
+
 TEST(Simulation, OneSeedIsOneRun) {
     for (std::uint64_t seed = 7000; seed < 7010; ++seed) {
-        auto const once = runScript({seed, 150});
-        auto const again = runScript({seed, 150});
+        auto const once = runScript(Request{seed, 150});
+        auto const again = runScript(Request{seed, 150});
         EXPECT_EQ(once.digest, again.digest) << seed;
         EXPECT_EQ(once.volumes.bytes, again.volumes.bytes) << seed;
     }
 }
 
 TEST(Simulation, OtherSeedsAreOtherRuns) {
-    EXPECT_NE(runScript({7000, 150}).digest, runScript({7001, 150}).digest);
+    EXPECT_NE(runScript(Request{7000, 150}).digest, runScript(Request{7001, 150}).digest);
 }
 
 TEST(Simulation, ScriptsChangeCutAndCrash) {
     Sim::Volumes sum;
     for (std::uint64_t seed = 1; seed <= 60; ++seed) {
-        auto const outcome = runScript({seed});
+        auto const outcome = runScript(Request{seed});
         sum.changes += outcome.volumes.changes;
         sum.cuts += outcome.volumes.cuts;
         sum.crashes += outcome.volumes.crashes;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <tuple>
 
 namespace Sim {
 
@@ -95,11 +96,11 @@ std::string announcedFirst(std::vector<Sent> const& history) {
 
 std::string wellFormed(std::vector<Sent> const& history) {
     constexpr char ends = 2;
-    std::set<std::pair<std::uint64_t, std::int32_t>> begun;
+    std::set<std::tuple<bool, std::uint64_t, std::int32_t>> begun;
     std::map<std::pair<bool, std::uint64_t>, std::int32_t> torn;
     for (Sent const& sent : history) {
         if (sent.kind > 1) continue;
-        auto const which = std::pair(sent.entity, sent.attribute);
+        auto const which = std::tuple(sent.isUp, sent.entity, sent.attribute);
         if (sent.kind == 1) {
             if (sent.payload[0] == 0) begun.insert(which);
             if (sent.payload[0] == ends && begun.erase(which) == 0) {

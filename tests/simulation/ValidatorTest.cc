@@ -115,6 +115,11 @@ TEST_F(WatchTest, FindsAnEntityThatIsReplacedWithoutARemoval) {
     EXPECT_NE(watch_.look(picture_, plan_), "");
 }
 
+TEST_F(WatchTest, FindsAKeyThatGoesWithoutARemoval) {
+    picture_.lines.clear();
+    EXPECT_NE(watch_.look(picture_, plan_), "");
+}
+
 TEST_F(WatchTest, FindsAValueThatGoesBack) {
     picture_.lines["/entry/a1/text"] = "#4.ee";
     EXPECT_NE(watch_.look(picture_, plan_), "");

@@ -46,10 +46,29 @@ std::string Watch::look(Picture const& now, Plan const& plan) {
     for (auto const& [path, row] : now.rows) {
         if (isSources(path)) note(lookAtRow(path, row, plan));
     }
-    for (auto const& [line, text] : now.lines) {
+    note(lookAtLines(now.lines, plan));
+    return found;
+}
+
+// Of what the source's author writes.
+std::string Watch::lookAtLines(Lines const& lines, Plan const& plan) {
+    std::string found;
+    auto const note = [&](std::string violation) {
+        if (found.empty()) found = std::move(violation);
+    };
+    std::erase_if(lines_, [&](std::string const& line) {
+        if (lines.contains(line)) return false;
+        note(gone(line, " has gone, and the source has it", plan));
+        return true;
+    });
+    for (auto const& [line, text] : lines) {
         if (!isWhole(text)) note(line + " is no text that was written: " + text.substr(0, 40));
         auto const author = plan.authors.find(line);
         if (author == plan.authors.end() || author->second != 0) continue;
+        // A reference that comes to mean what the copy does not know yet goes until it does.
+        bool const isReference = text.starts_with("-> ");
+        if (!entities_.contains(line) && !isReference) lines_.insert(line);
+        if (isReference) lines_.erase(line);
         std::uint64_t const number = numberIn(text);
         if (number == 0) continue;
         if (number < numbers_[line]) note(line + " has gone back to " + text.substr(0, 40));

@@ -1,10 +1,12 @@
 // Keeps an eye on one copy while a script runs, and tells what must never happen there: an entity
-// that goes, or is another, although the source has not removed it; a value that goes back; a text
-// that nobody wrote.
+// or a key that goes, or an entity that is another, although the source has not removed it; a value
+// that goes back; a text that nobody wrote.
 #ifndef TESTS_SIMULATION_WATCH_H
 #define TESTS_SIMULATION_WATCH_H
 
 #include "Plan.h"
+
+#include <set>
 
 namespace Sim {
 
@@ -19,12 +21,14 @@ class Watch {
 
   private:
     std::string lookAtRow(std::string const& path, Row const& row, Plan const& plan);
+    std::string lookAtLines(Lines const& lines, Plan const& plan);
     std::string gone(std::string const& path, char const* how, Plan const& plan);
 
     bool holdsEntities_;
     std::map<std::string, Qor::Entity const*> entities_;
     std::map<std::string, EntityPtr> held_;
     std::map<std::string, unsigned> goings_;
+    std::set<std::string> lines_;
     std::map<std::string, std::uint64_t> numbers_;
 };
 

@@ -131,17 +131,6 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     return told;
 }
 
-// Directories within directories end somewhere.
-void needShallow(Entity const& dir) {
-    constexpr int greatestDepth = 64;
-    int depth = 0;
-    for (Entity const* at = &dir; at; at = at->qorParent()) {
-        if (++depth > greatestDepth) {
-            throw AttrLogRecordException("directories more than 64 deep");
-        }
-    }
-}
-
 // Whether what stands under the name is not known to the peer yet.
 bool isNewsToPeer(Adapter& adapter, Name const& key) {
     Ptr<Entity> const entity = targetOf<EntryStream>(adapter).entry(key);
@@ -174,7 +163,7 @@ void takeDownEntry(Adapter& adapter, Name const& key) {
 
 void takeEntry(Adapter& adapter, InboundRecord& record) {
     auto& dir = targetOf<EntryStream>(adapter);
-    needShallow(dir);
+    family::needShallow(dir);
     Announced const told = readEntry(adapter, record);
     if (record.echoOnly) return adapter.onEntry(told.key);
     if (!told.entity || record.demuxer.hasGoneHere(told.id)) return;

@@ -159,6 +159,7 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     Name const key(record.in.nextString());
     goToBody(record);
     if (record.echoOnly) return childChanged<S>(adapter, key);
+    family::needShallow(*adapter.qorNotifierEntity());
     EntityId const id = peekEntityId(record.in);
     if (record.demuxer.hasGoneHere(id)) return;
     auto const* const known = record.demuxer.adapter(id);

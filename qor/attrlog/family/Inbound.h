@@ -72,6 +72,14 @@ typename S::Entity& targetOf(Adapter& adapter) {
     return static_cast<typename S::Entity&>(*adapter.qorNotifierEntity());
 }
 
+namespace family {
+
+/// Raises AttrLogRecordException where the owner of an announced entity stands too deep: what walks
+/// a tree, and what ends one, goes down step by step.
+QOR_EXPORT void needShallow(Entity const& owner);
+
+}  // namespace family
+
 inline void channelModeIs(StreamAdapter const& adapter, MsgChannel::Mode mode) {
     if (adapter.msgChannel()) adapter.msgChannel()->modeIs(mode);
 }

@@ -14,6 +14,14 @@ void needMayApply(Entity::QorNboAttrLogSa& adapter, AttributeId id) {
     }
 }
 
+void needShallow(Entity const& owner) {
+    constexpr int greatestDepth = 64;
+    int depth = 0;
+    for (Entity const* at = &owner; at; at = at->qorParent()) {
+        if (++depth > greatestDepth) throw AttrLogRecordException("entities more than 64 deep");
+    }
+}
+
 Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter, Ptr<NboAttrLog::In> const& in) {
     if (!adapter.qorNotifierEntity() || !adapter.streamDemuxer()) return nullptr;
     if (in) return in;

@@ -175,7 +175,7 @@ TEST(Depth, DirectoriesEndAtSixtyFour) {
                                      number(chain.size(), 4) + chain + text("d")));
         above = id;
     }
-    EXPECT_EQ(served.closed(), "directories more than 64 deep");
+    EXPECT_EQ(served.closed(), "entities more than 64 deep");
 }
 
 }  // namespace

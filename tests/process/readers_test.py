@@ -83,7 +83,7 @@ class ReadersTest(serve_case.ServeCase):
         self.addCleanup(flood.close)
         flood.socket.setblocking(False)
         pings = attrlog.link(attrlog.UNMOUNT, b"\0\0\0\7") * 1000
-        deadline = time.monotonic() + 3
+        deadline = time.monotonic() + 2
         slowest = 0
         number = 0
         while time.monotonic() < deadline:

@@ -43,6 +43,8 @@ class Mirror {
     std::vector<std::string> lost() const;
     /// The columns of one row that the model could not hold.
     std::vector<std::string_view> lost(Table table, Uuid const& uuid) const;
+    /// The row that stands for one of a MAC table; null when there is none.
+    Qor::Ptr<Vgw::OvsdbDataModel> macRow(Table table, Uuid const& uuid) const;
     /// Makes a row what the database says, whatever somebody else made of it. One that the database
     /// does not have is left alone.
     void restore(Table table, Uuid const& uuid);

@@ -106,6 +106,12 @@ void Mirror::addRow(RowChange const& change) {
     }
 }
 
+Qor::Ptr<Vgw::OvsdbDataModel> Mirror::macRow(Table table, Uuid const& uuid) const {
+    auto const& nodes = graph_.macs(table);
+    auto const found = nodes.find(uuid);
+    return found == nodes.end() ? nullptr : found->second.row;
+}
+
 void Mirror::restore(Table table, Uuid const& uuid) {
     Row const* const raw = store_.find(table, uuid);
     if (raw == nullptr) return;

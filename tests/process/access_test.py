@@ -112,6 +112,15 @@ class AccessTest(serve_case.ServeCase):
                     self.assertEqual(self.attempt(agent, prefix), EXPECTED[name][setting])
             agent.stop()
 
+    def test_what_a_writer_wrote_before_it_left_is_applied(self):
+        agent = self.owned()
+        for port in range(1, 30):
+            writer = attrlog.Peer(agent.run_directory / "vgwd.sock")
+            entity = writer.mounted(1, "/vgw/cliConfig", writable=True)
+            writer.send(attrlog.frame(attrlog.RECORD, entity, 262, struct.pack(">H", port)))
+            writer.close()
+            agent.await_that(lambda port=port: self.port(agent) == port, f"port {port} is written")
+
     def test_who_is_refused_at_the_open_socket_is_told_why(self):
         agent = self.owned("--group", str(READERS), "--write-group", str(WRITERS))
         environment = dict(os.environ, TREE_CLIENT=str(self.program))

@@ -1,4 +1,4 @@
-"""Many readers, slow ones among them, and agents and servers that are killed under load."""
+"""Many readers, slow and rude ones among them."""
 import os
 import random
 import time
@@ -6,10 +6,9 @@ from pathlib import Path
 
 import serve_case
 from support import attrlog
-from support.agent import SLOWNESS, Agent
+from support.agent import SLOWNESS
 from support.churn import Churn
 
-CYCLES = int(os.environ.get("VGW_CYCLES", "10"))
 READERS = 190
 STOPPED = 10
 
@@ -33,7 +32,7 @@ class ReadersTest(serve_case.ServeCase):
 
     def test_two_hundred_readers_some_of_them_stopped_converge_and_none_holds_up_the_others(self):
         db = self.server()
-        generator = self.network(db, remote_macs=200)
+        generator = self.network(db, remote_macs=20)
         agent = self.agent(db)
         readers = self.client(agent, "/vgw", copies=READERS)
         readers.await_value(str(READERS), "synced", timeout=40)
@@ -43,11 +42,11 @@ class ReadersTest(serve_case.ServeCase):
             client.pause()
         churn = Churn(generator, db.read())
         with db.client() as client:
-            self.churn_for(client, churn, 300)
+            self.churn_for(client, churn, 100)
             begin = time.monotonic()
             self.await_rows(readers, db.read())
             self.assertLess(time.monotonic() - begin, 5 * SLOWNESS)
-            self.churn_for(client, churn, 100)
+            self.churn_for(client, churn, 50)
         for client in stopped:
             client.resume()
         tables = db.read()
@@ -84,7 +83,7 @@ class ReadersTest(serve_case.ServeCase):
         self.addCleanup(flood.close)
         flood.socket.setblocking(False)
         pings = attrlog.link(attrlog.UNMOUNT, b"\0\0\0\7") * 1000
-        deadline = time.monotonic() + 3
+        deadline = time.monotonic() + 2
         slowest = 0
         number = 0
         while time.monotonic() < deadline:
@@ -106,46 +105,6 @@ class ReadersTest(serve_case.ServeCase):
         rows = "/vgw/status/ovsdb/physicalSwitchRaw"
         names = [one.strip("'") for one in reader.ask("list", "/vgw/status/ovsdb", "physicalSwitchRaw").split()]
         return [f"{rows}/{one}" for one in names if reader.ask("get", f"{rows}/{one}", "displayName") == f"'{name}'"]
-
-    def test_killed_agents_leave_nothing_behind_and_their_readers_converge(self):
-        db = self.server()
-        generator = self.network(db, remote_macs=200)
-        agent = Agent(self.directory / "agent", db.remote)
-        self.addCleanup(agent.stop)
-        chance = random.Random(self.seed)
-        churn = Churn(generator, db.read())
-        agent.start()
-        readers = [self.client(agent, "/vgw", reconnect=True) for _ in range(5)]
-        with db.client() as client:
-            for cycle in range(CYCLES):
-                until = time.monotonic() + chance.random() * 0.3
-                while time.monotonic() < until:
-                    client.transact(churn.step())
-                agent.kill()
-                self.churn_for(client, churn, 5)
-                agent.start()
-                tables = db.read()
-                for reader in readers[:2] if cycle + 1 < CYCLES else readers:
-                    self.await_rows(reader, tables)
-        self.assertEqual(agent.stop(), 0)
-        left = {path.name for path in agent.directory.iterdir()} - {"said", "heard", "vgwd.lock"}
-        self.assertEqual(left, set())
-
-    def test_killed_servers_are_survived_with_readers_mounted(self):
-        db = self.server()
-        generator = self.network(db, remote_macs=200)
-        agent = self.agent(db)
-        readers = self.client(agent, "/vgw", copies=5)
-        self.await_rows(readers, db.read())
-        for _ in range(min(CYCLES, 5)):
-            churn = Churn(generator, db.read())
-            with db.client() as client:
-                self.churn_for(client, churn, 50)
-            db.kill()
-            readers.await_value("false", "get", "/vgw/database", "inStep")
-            db.start()
-            self.await_rows(readers, db.read())
-        self.assertEqual(sum("closed" in line for line in readers.told), 0)
 
     def test_a_reader_that_is_killed_amid_its_mount_is_forgotten(self):
         db = self.server()

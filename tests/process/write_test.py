@@ -121,6 +121,25 @@ class WriteTest(serve_case.ServeCase):
         for client in (writer, self.reader):
             client.await_value(f"'{row}'", "get", f"{UNICAST}/{row}", "uuid")
 
+    def test_another_row_under_the_uuid_of_one_is_undone(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        writer.await_that(lambda: [len(name) for name in self.names(writer, UNICAST)] == [36], "it stands under its UUID")
+        (row,) = self.names(writer, UNICAST)
+        writer.ask("newmac", "ucastMacsLocal", row, "00:00:5e:00:53:99")
+        self.await_refused(f"{UNICAST}/{row}", "the row is there already")
+        for client in (writer, self.reader):
+            client.await_value(f"'{MAC}'", "get", f"{UNICAST}/{row}", "macAddr")
+            client.await_value(f"'{VTEP}'", "get", f"{UNICAST}/{row}", "vtepIp")
+        self.await_rows(self.reader, self.db.read())
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+
+    def test_a_row_of_another_class_is_undone(self):
+        writer = self.writer(UNICAST)
+        self.assertEqual(writer.ask("newmac", "ucastMacsLocal", "odd", MAC, "mcastMacsLocal"), "ok")
+        self.await_refused(f"{UNICAST}/odd", "it is no row of that table")
+        writer.await_that(lambda: self.names(writer, UNICAST) == [], "the writer's row is gone")
+
     def test_description_and_faults_of_a_port_are_written(self):
         port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
         writer = self.writer(port)

@@ -54,7 +54,10 @@ class Peer:
             self.socket = tls.wrap_socket(self.socket)
         self._bytes = b""
         if greets:
-            self.send(hello())
+            try:
+                self.send(hello())
+            except BrokenPipeError:
+                pass  # refused already; why can still be read
 
     def send(self, data):
         self.socket.sendall(data)

@@ -29,8 +29,8 @@ TreeServer::TreeServer(asio::io_context& loop, StateTree& tree, DatabaseSession&
     : tree_(tree),
       database_(database),
       paths_(Vgw::configFactory("paths")),
-      server_(loop, tree.root(), static_cast<ServerListener&>(*this), std::move(log)),
-      books_(loop, tree.sessions(), server_) {}
+      books_(loop, tree.sessions(), server_),
+      server_(loop, tree.root(), static_cast<ServerListener&>(*this), std::move(log)) {}
 
 void TreeServer::start(ServeOptions options) {
     copyPaths(*tree_.config(), *paths_);

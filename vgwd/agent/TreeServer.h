@@ -40,8 +40,8 @@ class TreeServer final : private ServerListener {
     StateTree& tree_;
     DatabaseSession& database_;
     Vgw::Config::Ptr paths_;  // as they were at the start: what is told there is no peer's to write
+    PeerBooks books_;         // is told of each session that the server ends, its own end included
     Server server_;
-    PeerBooks books_;
 };
 
 }  // namespace Vgwd

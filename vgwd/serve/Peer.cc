@@ -3,6 +3,7 @@
 #include <asio/post.hpp>
 
 #include <sys/socket.h>
+#include <exception>
 #include <utility>
 
 namespace Vgwd {
@@ -115,7 +116,7 @@ void Peer::runTurn() {
     if (isOver_) return;
     if (!session_) return shakeHands();
     Qor::U64 const before = session_->counters().bytesIn + session_->counters().bytesOut;
-    session_->service(turnBytes);
+    if (!serve()) return;
     noteTraffic();
     countHalfTexts();
     if (session_->closed().length() != 0) return end(std::string(session_->closed().view()));
@@ -123,6 +124,17 @@ void Peer::runTurn() {
     bool const isFlowing = session_->wantsWrite() && !transport_->isBlocked();
     if (session_->wantsRead() || (isFlowing && isMoving)) schedule();
     await();
+}
+
+// What goes wrong with one session is no other's business.
+bool Peer::serve() {
+    try {
+        session_->service(turnBytes);
+        return true;
+    } catch (std::exception const& e) {
+        end(e.what());
+        return false;
+    }
 }
 
 void Peer::await() {

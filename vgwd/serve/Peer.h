@@ -74,6 +74,7 @@ class Peer final : public std::enable_shared_from_this<Peer>,
     void makeSession(bool mayWrite, Qor::Ptr<Qor::Entity> root);
     void schedule();
     void runTurn();
+    bool serve();
     void noteTraffic();
     void countHalfTexts();
     void await();

@@ -40,6 +40,7 @@ class SocketPeerTransport final : public PeerTransport {
 
   private:
     int const socket_;
+    bool isDeaf_ = false;  // the peer reads no more
 };
 
 /// Our end of TLS. To be shaken hands with first.

@@ -64,11 +64,22 @@ std::vector<ListenAddress> Server::addresses() const {
     return addresses;
 }
 
+// What goes wrong with one connection is no other's business.
 void Server::accept(int socket, ListenAddress::Kind kind) {
-    auto const peer = std::make_shared<Peer>(loop_, static_cast<PeerHost&>(*this), socket, kind,
-                                             "session-" + std::to_string(++made_));
+    std::string const name = "session-" + std::to_string(++made_);
+    std::shared_ptr<Peer> peer;
+    try {
+        peer = std::make_shared<Peer>(loop_, static_cast<PeerHost&>(*this), socket, kind, name);
+    } catch (std::exception const& e) {
+        ::close(socket);
+        return log_(LogLevel::error, name + " can't be made: " + e.what());
+    }
     peers_.push_back(peer);
-    peer->start();
+    try {
+        peer->start();
+    } catch (std::exception const& e) {
+        peer->close(e.what());
+    }
 }
 
 std::string Server::whyReadOnly(std::string const& path, Qor::Entity& entity) {

@@ -12,6 +12,14 @@ using Ovsdb::Table;
 
 namespace {
 
+// What the row says; a peer may have put anything into the directory.
+Qor::String8 uuidOf(Qor::Entity const& row) {
+    if (auto const* const unicast = dynamic_cast<Vgw::UcastMacsLocal const*>(&row))
+        return unicast->uuid();
+    auto const* const multicast = dynamic_cast<Vgw::McastMacsLocal const*>(&row);
+    return multicast != nullptr ? multicast->uuid() : Qor::String8();
+}
+
 bool mayBeWritten(Table table, Qor::AttributeId attribute) {
     if (table == Table::ucastMacsLocal)
         return attribute == Vgw::UcastMacsLocal::VtepIpAttr::id ||
@@ -77,7 +85,9 @@ void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor:
     Place const place(table, nameOf(table, row));
     Pending& pending = touch(place, peer);
     if (!isInDatabase(place)) return;
-    if (mayBeWritten(table, attribute))
+    if (mirror_.macRow(table, *Ovsdb::Uuid::parse(place.second)).ptr() != &row)
+        pending.refusal = "the row is there already";
+    else if (mayBeWritten(table, attribute))
         pending.wanted.content = macContentOf(row);
     else
         pending.refusal =
@@ -125,9 +135,7 @@ bool DatabaseWriter::isInDatabase(Place const& place) const {
 // A row of the mirror stands under its UUID, as long as nobody writes over that.
 std::string DatabaseWriter::nameOf(Table table, Qor::Entity const& row) const {
     Qor::Dir const& rows = directory(table);
-    Qor::String8 const uuid = table == Table::ucastMacsLocal
-                                  ? static_cast<Vgw::UcastMacsLocal const&>(row).uuid()
-                                  : static_cast<Vgw::McastMacsLocal const&>(row).uuid();
+    Qor::String8 const uuid = uuidOf(row);
     if (rows.entry(Qor::Name(uuid)).ptr() == &row) return std::string(uuid.view());
     for (auto at = rows.entryIteratorConst(); at; ++at)
         if (at.value().ptr() == &row) return std::string(at.key().view());

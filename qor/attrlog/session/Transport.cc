@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace Qor {
@@ -23,7 +24,11 @@ std::size_t FdTransport::done(long count, char const* what) {
 
 std::size_t FdTransport::write(std::string_view bytes) {
     if (closed_.length() != 0 || bytes.empty()) return 0;
-    return done(::write(fd_, bytes.data(), bytes.size()), "write");
+    long count = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+    if (count < 0 && errno == ENOTSOCK) count = ::write(fd_, bytes.data(), bytes.size());
+    // Why the peer has left may still be to be read, and then its end.
+    if (count < 0 && errno == EPIPE) return 0;
+    return done(count, "write");
 }
 
 std::size_t FdTransport::read(std::span<unsigned char> room) {

@@ -91,7 +91,8 @@ std::string newMac(Connection& connection, Words const& words) {
     auto const directory = directoryAt(connection, "/vgw/" + words[1]);
     Kelp::EthAddr const mac{std::string_view(words[3])};
     Qor::Ptr<Qor::Entity> row;
-    if (words[1] == "ucastMacsLocal")
+    std::string const& table = words[4].empty() ? words[1] : words[4];
+    if (table == "ucastMacsLocal")
         row = Qor::make<Vgw::UcastMacsLocal>(mac);
     else
         row = Qor::make<Vgw::McastMacsLocal>(mac);

@@ -10,7 +10,8 @@
 //     set PATH ATTRIBUTE KEY TEXT
 //     del PATH ATTRIBUTE KEY
 //     list PATH ATTRIBUTE            value KEY KEY...
-//     newmac TABLE NAME MAC          a row of its own in the copy of that directory
+//     newmac TABLE NAME MAC          a row of its own in the copy of that directory; another word
+//                                    names the table of its class, if it is another one
 //     mount PATH, mountw PATH, unmount PATH, ping
 //     counters                       value bytesIn bytesOut framesIn framesOut
 //     synced                         value of how many connections are

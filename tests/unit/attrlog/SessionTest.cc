@@ -343,6 +343,24 @@ TEST_F(Sessions, NothingGoesOverAtRest) {
     EXPECT_EQ(agent->counters().bytesOut + reader->counters().bytesOut, before);
 }
 
+TEST_F(Sessions, ReasonOfAPeerThatHasLeftIsReadAlthoughNothingCanBeSentToIt) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends), 0);
+    Qor::NboAttrLog::FdTransport source(ends[0]);
+    Qor::NboAttrLog::FdTransport target(ends[1]);
+    Session::Config config;
+    config.side = Side::accepting;
+    Session refusing(config, source, root);
+    refusing.close("not you");
+    refusing.service();
+    ::close(ends[0]);
+    Session refused(Session::Config(), target, nullptr);
+    EXPECT_EQ(target.write("x"), 0U);
+    for (int turn = 0; turn < 3; ++turn) refused.service();
+    EXPECT_EQ(refused.closed(), "the peer: not you");
+    ::close(ends[1]);
+}
+
 TEST_F(Sessions, RunOverASocketPair) {
     int ends[2];
     ASSERT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends), 0);

@@ -48,8 +48,8 @@ TEST(MacRequest, AMulticastRowHasASetOfItsLocators) {
                                       *databaseWithLocator());
     ASSERT_EQ(request.size(), 3U);
     EXPECT_EQ(request[1]["table"], "Physical_Locator_Set");
-    json const members{json::array({"uuid", locator}),
-                       json::array({"named-uuid", request[0]["uuid-name"]})};
+    json const members = json::array(
+        {json::array({"uuid", locator}), json::array({"named-uuid", request[0]["uuid-name"]})});
     EXPECT_EQ(request[1]["row"]["locators"], json::array({"set", members}));
     EXPECT_EQ(request[2]["row"]["MAC"], "unknown-dst");
     EXPECT_EQ(request[2]["row"]["locator_set"], json::array({"named-uuid", "locators"}));

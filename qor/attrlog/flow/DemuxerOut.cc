@@ -131,6 +131,8 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
         flow.hasResume_ = true;
         bool const isStuck = next == at && at != 0 && out_->written() == before;
         if (isStuck && adapter.continueFlowOut()) {
+            // What wakes it may stand before what waits.
+            if (!flow.bookmark() && !flow.valueIter()) flow.resumeAt_ = 0;
             park(flow);
             return false;
         }

@@ -139,4 +139,24 @@ TEST_F(RemountUnderWay, ChildrenOfACollectionMadeAnewKeepNothingOfTheOldOnes) {
     }
 }
 
+TEST(Mount, ReferenceThatWaitsInTheLastAttributeHoldsUpNoChild) {
+    auto const original = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const copy = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const outside = make<Vgw::PhysicalLocator>(Name("outside"));
+    Vgw::PhysicalLocatorKey const key(Vgw::vxlan_over_ipv4, Kelp::IpAddr("192.0.2.9"));
+    original->remoteLocatorIs(key, outside);
+    Peers peers;
+    peers.mount(original, copy);
+    EXPECT_EQ(peers.source.demuxer->flows(), 1U);
+    original->logicalSwitchIs(Name("new"))->tunnelKeyIs(7);
+    peers.settle();
+    ASSERT_TRUE(copy->logicalSwitch(Name("new")));
+    EXPECT_EQ(copy->logicalSwitch(Name("new"))->tunnelKey(), 7U);
+    original->physicalLocatorRawIs(Name("inside"));
+    original->remoteLocatorIs(key, original->physicalLocatorRaw(Name("inside")));
+    peers.settle();
+    EXPECT_EQ(copy->remoteLocator(key), copy->physicalLocatorRaw(Name("inside")));
+    EXPECT_EQ(peers.source.demuxer->flows(), 0U);
+}
+
 }  // namespace

@@ -25,12 +25,22 @@ typename Adapter::FlowOut& flowFor(Adapter& adapter, AttributeId id) {
     return static_cast<typename Adapter::FlowOut&>(adapter.flowOutFor(id));
 }
 
+/// Whether a record may not pass the flow in charge. A child goes with the flow alone, since it is
+/// sent whole only there: the peer may still hold one of its name from before.
+template <class S, class Adapter>
+bool waitsForFlow(Adapter const& adapter) noexcept {
+    constexpr bool isChild = S::kind == StreamKind::childMember || S::kind == StreamKind::child ||
+                             S::kind == StreamKind::entry;
+    return isChild && !adapter.handlingScheduledFlowOut();
+}
+
 /// Whether a value is written now; else it is marked.
 template <class S, class Adapter>
 bool valueGoesNow(Adapter& adapter, NboAttrLog::Out const& out) {
     bool const hasRoom = out.hasSufficientBuffer();
     if (auto* const flow = flowInCharge(adapter)) {
-        bool const goes = adapter.prepareImmediateTransmission(S::id, !hasRoom);
+        bool const goes =
+            adapter.prepareImmediateTransmission(S::id, !hasRoom || waitsForFlow<S>(adapter));
         flow->template isDirtyIs<S>(!goes);
         return goes;
     }
@@ -46,7 +56,8 @@ template <class S, class Adapter>
 bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key const& key) {
     bool const hasRoom = out.hasSufficientBuffer();
     if (auto* const flow = flowInCharge(adapter)) {
-        bool const goes = adapter.prepareImmediateTransmission(S::id, false) && hasRoom;
+        bool const goes =
+            adapter.prepareImmediateTransmission(S::id, waitsForFlow<S>(adapter)) && hasRoom;
         if (goes) {
             flow->template dirtyKeyDel<S>(key);
         } else {

@@ -88,4 +88,75 @@ TEST(Mount, WholeTreeArrivesWithItsReferences) {
     EXPECT_EQ(peers.source.demuxer->flows(), 0U);
 }
 
+// The reader still has children from an earlier connection that the source has let go meanwhile,
+// and makes anew while its mount waits for room.
+class RemountUnderWay : public testing::Test {
+  protected:
+    RemountUnderWay() {
+        original->ovsdbIs(Name("db"));
+        for (int i = 0; i < rows; ++i) row(i)->descIs("old");
+        peers.mount(original, copy);
+        peers.source.demuxer->close();
+        peers.reader.demuxer->close();
+    }
+    Qor::Ptr<Vgw::LogicalSwitch> row(int number) {
+        return original->ovsdb()->logicalSwitchIs(Name(std::to_string(number)));
+    }
+    // Mounts again, as far as flows go in a ring that nobody reads.
+    void mountAgain() {
+        again.reader.copy = copy;
+        again.source.send(original);
+        ASSERT_NE(again.source.demuxer->flows(), 0U);
+    }
+
+    static constexpr int rows = 300;
+    Qor::Ptr<Vgw::Status> const original = make<Vgw::Status>(Name("status"));
+    Qor::Ptr<Vgw::Status> const copy = make<Vgw::Status>(Name("status"));
+    Peers peers;
+    Peers again;
+};
+
+TEST_F(RemountUnderWay, SingleChildMadeAnewKeepsNothingOfTheOldOne) {
+    original->ovsdbIs(Name("other"));
+    original->ovsdbSessionStatusIs(Name("session"))
+        ->lastMsgSentIs(String8(std::string(1U << 20, 'x')));
+    mountAgain();
+    original->ovsdbIs(Name("db"));
+    again.settle();
+    ASSERT_TRUE(copy->ovsdb());
+    EXPECT_EQ(copy->ovsdb()->logicalSwitchs(), 0U);
+}
+
+TEST_F(RemountUnderWay, ChildrenOfACollectionMadeAnewKeepNothingOfTheOldOnes) {
+    for (int i = 0; i < rows; i += 2) original->ovsdb()->logicalSwitchDel(Name(std::to_string(i)));
+    for (int i = 1; i < rows; i += 2) row(i)->descIs(String8(std::string(10000, 'x')));
+    mountAgain();
+    for (int i = 0; i < rows; i += 2) row(i);
+    again.settle();
+    ASSERT_EQ(copy->ovsdb()->logicalSwitchs(), static_cast<unsigned>(rows));
+    for (int i = 0; i < rows; i += 2) {
+        EXPECT_EQ(copy->ovsdb()->logicalSwitch(Name(std::to_string(i)))->desc(), "") << i;
+    }
+}
+
+TEST(Mount, ReferenceThatWaitsInTheLastAttributeHoldsUpNoChild) {
+    auto const original = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const copy = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const outside = make<Vgw::PhysicalLocator>(Name("outside"));
+    Vgw::PhysicalLocatorKey const key(Vgw::vxlan_over_ipv4, Kelp::IpAddr("192.0.2.9"));
+    original->remoteLocatorIs(key, outside);
+    Peers peers;
+    peers.mount(original, copy);
+    EXPECT_EQ(peers.source.demuxer->flows(), 1U);
+    original->logicalSwitchIs(Name("new"))->tunnelKeyIs(7);
+    peers.settle();
+    ASSERT_TRUE(copy->logicalSwitch(Name("new")));
+    EXPECT_EQ(copy->logicalSwitch(Name("new"))->tunnelKey(), 7U);
+    original->physicalLocatorRawIs(Name("inside"));
+    original->remoteLocatorIs(key, original->physicalLocatorRaw(Name("inside")));
+    peers.settle();
+    EXPECT_EQ(copy->remoteLocator(key), copy->physicalLocatorRaw(Name("inside")));
+    EXPECT_EQ(peers.source.demuxer->flows(), 0U);
+}
+
 }  // namespace

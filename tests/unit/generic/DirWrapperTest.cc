@@ -7,6 +7,7 @@
 #include <qor/generic/GenericException.h>
 #include <qor/generic/GenericList.h>
 #include <qor/registry/Builtin.h>
+#include <qor/tree/Dir.h>
 
 namespace {
 

@@ -67,6 +67,42 @@ std::string roff(std::string_view text) {
     return out;
 }
 
+// Paths, classes and attributes are asked of the running agent.
+constexpr char const* bashText = R"(# bash completion for vgwctl
+_vgwctl() {
+    local word=${COMP_WORDS[COMP_CWORD]} command='' kinds='' db=() n=0 at i
+    COMPREPLY=()
+    for ((at = 1; at < COMP_CWORD; at++)); do
+        case ${COMP_WORDS[at]} in
+        --db) db=(--db "${COMP_WORDS[at + 1]}") ;;
+        --) command='' n=0 ;;
+        @alternatives@)
+            [ -n "$command" ] || { command=${COMP_WORDS[at]}; i=$at; continue; } ;;
+        esac
+        [ -z "$command" ] || n=$((n + 1))
+    done
+    if [ -z "$command" ]; then
+        mapfile -t COMPREPLY < <(compgen -W '@words@ --db --path --format --data --columns
+            --no-headings --timestamp --timeout --help' -- "$word")
+        return
+    fi
+    case $command in
+@kinds@    esac
+    local kind=${kinds:n:1}
+    [ "${kinds: -1}" != '*' ] || [ "$n" -lt $((${#kinds} - 1)) ] || kind=${kinds: -2:1}
+    [ -n "$kind" ] || return
+    mapfile -t COMPREPLY < <(vgwctl "${db[@]}" --timeout 2 complete "$kind" "$word" \
+        "${COMP_WORDS[i + 1]}" 2>/dev/null)
+    [ "$kind" = F ] && mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    compopt -o nospace 2>/dev/null
+}
+complete -F _vgwctl vgwctl
+)";
+
+void fill(std::string& text, std::string_view hole, std::string const& with) {
+    text.replace(text.find(hole), hole.size(), with);
+}
+
 std::string names(char const* between) {
     std::string text;
     for (Command const& command : commands())
@@ -113,46 +149,16 @@ std::string manPage() {
            ".SH SEE ALSO\nvgwd(8), ovsdb\\-client(1), vtep\\-ctl(8)\n";
 }
 
-// Paths, classes and attributes are asked of the running agent.
 std::string bashCompletion() {
     std::string kinds;
     for (Command const& command : commands())
         kinds += "        " + std::string(command.name) + ") kinds='" + std::string(command.kinds) +
                  "' ;;\n";
-    return "# bash completion for vgwctl\n"
-           "_vgwctl() {\n"
-           "    local word=${COMP_WORDS[COMP_CWORD]} command='' kinds='' db=() n=0 at i\n"
-           "    COMPREPLY=()\n"
-           "    for ((at = 1; at < COMP_CWORD; at++)); do\n"
-           "        case ${COMP_WORDS[at]} in\n"
-           "        --db) db=(--db \"${COMP_WORDS[at + 1]}\") ;;\n"
-           "        --) command='' n=0 ;;\n"
-           "        " +
-           names("|") +
-           ") [ -n \"$command\" ] || { command=${COMP_WORDS[at]}; i=$at; continue; } ;;\n"
-           "        esac\n"
-           "        [ -z \"$command\" ] || n=$((n + 1))\n"
-           "    done\n"
-           "    if [ -z \"$command\" ]; then\n"
-           "        mapfile -t COMPREPLY < <(compgen -W '" +
-           names(" ") +
-           " --db --path --format --data --columns --no-headings --timestamp --timeout --help' -- "
-           "\"$word\")\n"
-           "        return\n"
-           "    fi\n"
-           "    case $command in\n" +
-           kinds +
-           "    esac\n"
-           "    local kind=${kinds:n:1}\n"
-           "    [ \"${kinds: -1}\" != '*' ] || [ \"$n\" -lt $((${#kinds} - 1)) ] || "
-           "kind=${kinds: -2:1}\n"
-           "    [ -n \"$kind\" ] || return\n"
-           "    mapfile -t COMPREPLY < <(vgwctl \"${db[@]}\" --timeout 2 complete \"$kind\" "
-           "\"$word\" \"${COMP_WORDS[i + 1]}\" 2>/dev/null)\n"
-           "    [ \"$kind\" = F ] && mapfile -t COMPREPLY < <(compgen -f -- \"$word\")\n"
-           "    compopt -o nospace 2>/dev/null\n"
-           "}\n"
-           "complete -F _vgwctl vgwctl\n";
+    std::string text = bashText;
+    fill(text, "@alternatives@", names("|"));
+    fill(text, "@words@", names(" "));
+    fill(text, "@kinds@", kinds);
+    return text;
 }
 
 std::string zshCompletion() {

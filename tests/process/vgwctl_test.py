@@ -245,6 +245,38 @@ class FollowingTest(VgwctlCase):
         self.assertIn("libqor.so.0", needed)
         self.assertNotIn("Statemart", needed)
 
+    def start_relay(self, name):
+        socket = self.directory / name
+        relay = self.enterContext(ctl.Running(self.remote, "relay", socket))
+        deadline = time.monotonic() + 20 * SLOWNESS
+        while not socket.exists():
+            self.assertTrue(time.monotonic() < deadline and relay.is_running(), relay.told())
+            time.sleep(0.01)
+        return relay, f"unix:{socket}"
+
+    def test_the_whole_chain_converges_through_relays_and_deaths(self):
+        _, first = self.start_relay("first")
+        self.agent_remote, self.remote = self.remote, first
+        _, second = self.start_relay("second")
+        row = f"{OVSDB}/logicalSwitch/{BLUE}"
+        with ctl.Running(second, "watch", row, "!initial") as watch:
+            self.await_mounted()
+            self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=7001")
+            self.await_said(watch, f"modify {row} tunnelKey = 7001\n", "the change over two relays")
+            self.database.kill()
+            self.database.start()
+            self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=7002")
+            self.await_said(watch, f"modify {row} tunnelKey = 7002\n", "the change behind the server's death")
+            self.agent.kill()
+            self.database.vtep_ctl("set", "Logical_Switch", "blue", "tunnel_key=7003")
+            self.agent.start()
+            self.await_said(watch, f"modify {row} tunnelKey = 7003\n", "the change behind the agent's death")
+            modified = [line for line in watch.said().splitlines() if not line.endswith(tuple(f"= 700{n}" for n in (1, 2, 3)))]
+            self.assertEqual(modified, [])
+        self.assertEqual(ctl.run(second, "verify", "/vgw/status").returncode, 0)
+        done = ctl.run(second, "--path=/vgw/status/ovsdb", "diff", second, self.agent_remote)
+        self.assertEqual((done.returncode, done.stdout), (0, ""))
+
     def test_an_agent_that_is_not_there_is_named(self):
         done = ctl.run(f"unix:{self.directory}/nobody", "show")
         self.assertEqual(done.returncode, 1)

@@ -65,7 +65,7 @@ Flat stateOf(Context& context, std::string const& word) {
 ExitCode runRecord(Context& context, Arguments const& arguments) {
     Copy copy(context.options().path);
     Recorder recorder(arguments.operands[0], copy.path());
-    Attachment attachment(context.target(), copy, tellPeople, &recorder);
+    Attachment attachment(context.target(), copy, tellPeople, context.deadline(), &recorder);
     while (!context.deadline().isOver()) attachment.step(context.deadline());
     return ExitCode::success;
 }
@@ -119,6 +119,21 @@ ExitCode runDiff(Context& context, Arguments const& arguments) {
         if (isRight) ++right;
     }
     return isSame ? ExitCode::success : ExitCode::differs;
+}
+
+// What comes from the agent changes the copy, and the copy's own sessions hear of that.
+ExitCode runRelay(Context& context, Arguments const& arguments) {
+    Copy copy(context.options().path);
+    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
+    attachment.step(context.deadline());
+    Server server(arguments.operands[0], copy);
+    while (!context.deadline().isOver()) {
+        Deadline until = context.deadline();
+        if (!attachment.isConnected()) until = until.orAfter(attachment.pause());
+        server.step(until, attachment.awaited());
+        attachment.step(Deadline::after(Deadline::Seconds(0)));
+    }
+    return ExitCode::success;
 }
 
 }  // namespace Vgwctl

@@ -1,7 +1,7 @@
 #ifndef VGWCTL_COMMAND_RECORD_H
 #define VGWCTL_COMMAND_RECORD_H
 
-// `record`, `replay` and `diff`: the attribute log, stored and played again.
+// `record`, `replay`, `diff` and `relay`: the attribute log, stored, played again, and passed on.
 
 #include <vgwctl/command/Command.h>
 
@@ -10,6 +10,7 @@ namespace Vgwctl {
 ExitCode runRecord(Context& context, Arguments const& arguments);
 ExitCode runReplay(Context& context, Arguments const& arguments);
 ExitCode runDiff(Context& context, Arguments const& arguments);
+ExitCode runRelay(Context& context, Arguments const& arguments);
 
 }  // namespace Vgwctl
 

@@ -75,7 +75,7 @@ void checkOutput(std::ostream& out) {
 
 ExitCode runWatch(Context& context, Arguments const& arguments) {
     Copy copy(context.options().path);
-    Attachment attachment(context.target(), copy, tellPeople);
+    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
     attachment.step(context.deadline());
     Selection const selection = selectionOf(arguments, copy.path());
     ChangePrinter printer(context.options(), context.out());
@@ -102,7 +102,7 @@ ExitCode runWaitUntil(Context& context, Arguments const& arguments) {
             throw Failure(arguments.operands[n] + ": expected ATTRIBUTE[:KEY]=VALUE");
     }
     Copy copy(context.options().path);
-    Attachment attachment(context.target(), copy, tellPeople);
+    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
     for (;;) {
         attachment.step(context.deadline());
         Qor::Entity::Ptr const entity = entityAt(path);

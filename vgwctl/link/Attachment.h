@@ -6,6 +6,8 @@
 
 #include <vgwctl/link/Copy.h>
 
+#include <poll.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -17,25 +19,35 @@ class Attachment {
     /// What is told of connections that end and come, for people.
     using Teller = std::function<void(std::string const&)>;
 
-    Attachment(Target const& target, Copy& copy, Teller tell, ByteTap* tap = nullptr)
-        : target_(target), copy_(copy), tell_(std::move(tell)), tap_(tap) {}
+    /// All of it has to be done by `deadline`.
+    Attachment(Target const& target, Copy& copy, Teller tell, Deadline const& deadline,
+               ByteTap* tap = nullptr)
+        : target_(target), copy_(copy), tell_(std::move(tell)), deadline_(deadline), tap_(tap) {}
 
-    /// Works until something may have changed, or the time is over. The first connection has to be
-    /// had: it raises LinkFailure when it is not.
+    /// Works until something may have changed, waiting no longer than told. The first connection
+    /// has to be had: it raises LinkFailure when it is not. Raises Failure when all of the time is
+    /// over.
     void step(Deadline const& until);
+    /// What step() would wait for, for poll(2); of a connection that is not there nothing ever
+    /// comes, and step() is to be called again after pause().
+    pollfd awaited() const;
+    Deadline::Seconds pause() const { return pause_; }
     /// Whether the copy is in step with the agent, as far as is known.
     bool isConnected() const { return connection_.has_value(); }
 
   private:
-    void connect(Deadline const& until);
+    bool isTimeToConnect(Deadline const& until);
+    void connect();
     void lose(std::string const& reason);
 
     Target const& target_;
     Copy& copy_;
     Teller tell_;
+    Deadline const deadline_;
     ByteTap* tap_;
     std::optional<Connection> connection_;
-    Deadline::Seconds pause_{0};
+    Deadline::Seconds pause_{0};  // between attempts
+    Deadline next_;               // the next one
     std::string lastReason_;
 };
 

@@ -4,8 +4,6 @@
 
 #include <qor/tree/EntityPath.h>
 
-#include <poll.h>
-
 namespace Vgwctl {
 
 Qor::NboAttrLog::Session::Config sessionConfig() {
@@ -82,9 +80,13 @@ void Connection::step(Deadline const& until) {
     serve();
     // What is waited for may have come already.
     if (session_->counters().bytesIn != before) return;
-    bool const isWriting = session_->wantsWrite() || (tls_ != nullptr && tls_->wantsWrite());
-    await(socket_, static_cast<short>(POLLIN | (isWriting ? POLLOUT : 0)), until);
+    await(socket_, awaited().events, until);
     serve();
+}
+
+pollfd Connection::awaited() const {
+    bool const isWriting = session_->wantsWrite() || (tls_ != nullptr && tls_->wantsWrite());
+    return {socket_.get(), static_cast<short>(POLLIN | (isWriting ? POLLOUT : 0)), 0};
 }
 
 Qor::Entity::Ptr Connection::mount(std::string_view path, bool isWritable,

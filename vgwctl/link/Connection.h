@@ -12,6 +12,8 @@
 #include <ovsdb/remote/TlsFiles.h>
 #include <qor/attrlog/session/Session.h>
 
+#include <poll.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,6 +55,8 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     /// Serves the session, and waits for something to do until the time is over. Raises LinkFailure
     /// when the connection has ended.
     void step(Deadline const& until);
+    /// What step() would wait for.
+    pollfd awaited() const;
     /// Calls an operation of the agent's entity; the text of its result. Raises Failure, with the
     /// agent's words, when it was not done.
     std::string call(std::string_view path, std::string_view operation,

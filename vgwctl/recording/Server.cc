@@ -2,7 +2,6 @@
 
 #include <qor/attrlog/session/Session.h>
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <vector>
@@ -54,8 +53,10 @@ void Server::accept() {
     }
 }
 
-void Server::step(Deadline const& until) {
-    std::vector<pollfd> wanted{{listening_.get(), POLLIN, 0}};
+void Server::step(Deadline const& until, pollfd const& other) {
+    // What has changed since is sent before anything is waited for.
+    std::erase_if(readers_, [](auto const& reader) { return !reader->service(); });
+    std::vector<pollfd> wanted{{listening_.get(), POLLIN, 0}, other};
     for (auto const& reader : readers_) wanted.push_back(reader->wanted());
     ::poll(wanted.data(), wanted.size(), until.milliseconds());
     accept();

@@ -6,6 +6,8 @@
 #include <vgwctl/link/Copy.h>
 #include <vgwctl/link/Socket.h>
 
+#include <poll.h>
+
 #include <list>
 #include <memory>
 #include <string>
@@ -20,8 +22,8 @@ class Server {
     Server(Server const&) = delete;
     Server& operator=(Server const&) = delete;
 
-    /// Serves its readers, and waits for them until the time is over.
-    void step(Deadline const& until);
+    /// Serves its readers, and waits for them, or for something else, until the time is over.
+    void step(Deadline const& until, pollfd const& other = {-1, 0, 0});
 
   private:
     class Reader;

@@ -27,8 +27,8 @@ enum class StreamKind : U8 {
     entry,        // keyed entities of any class, which the descriptor sends and reads itself
 };
 
-/// The attribute that a record's id is about: a negated one tells a removal. The one number that has
-/// no counterpart is no attribute's.
+/// The attribute that a record's id is about: a negated one tells a removal. The one number that
+/// has no counterpart is no attribute's.
 constexpr AttributeId withoutSign(AttributeId id) noexcept {
     if (id == std::numeric_limits<AttributeId>::min()) return 0;
     return id < 0 ? -id : id;

@@ -159,6 +159,13 @@ void Run::needQuiet() {
     }
 }
 
+// Receipts, which a copy sends in front of what it writes, are none.
+std::size_t changesOn(std::vector<Sent> const& history, std::size_t from) {
+    return static_cast<std::size_t>(
+        std::count_if(history.begin() + static_cast<std::ptrdiff_t>(from), history.end(),
+                      [](Sent const& sent) { return sent.kind != 3; }));
+}
+
 // At rest each change goes over each link once, away from its author, and nothing comes back.
 void Run::needNoEcho() {
     Tree& tree = net_.trees().front();
@@ -173,11 +180,7 @@ void Run::needNoEcho() {
                   tree.authors[process].number());
     net_.settle();
     for (std::size_t i = 0; i < before.size(); ++i) {
-        auto const& history = net_.links()[i]->history();
-        auto const from = history.begin() + static_cast<std::ptrdiff_t>(before[i]);
-        auto const frames = std::count_if(from, history.end(), [](Sent const& sent) {
-            return sent.kind < 2;  // what the ends tell each other of the link is no echo
-        });
+        auto const frames = changesOn(net_.links()[i]->history(), before[i]);
         bool const carries = net_.links().size() < topology_.processes || i + 1 < before.size();
         if (frames > 1 || (carries && frames == 0)) {
             fail(std::to_string(frames) + " frames for one change on link " + std::to_string(i));

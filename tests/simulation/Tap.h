@@ -15,7 +15,7 @@ namespace Sim {
 // One frame that went over a link. Of the payload the first bytes are kept.
 struct Sent {
     bool isUp = false;  // towards the end that accepted the connection
-    unsigned kind = 0;  // 0 a record, 1 a marker, 2 link control
+    unsigned kind = 0;  // 0 a record, 1 a marker, 2 link control, 3 a receipt
     bool hasMore = false;
     std::uint64_t entity = 0;
     std::int32_t attribute = 0;

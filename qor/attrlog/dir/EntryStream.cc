@@ -141,12 +141,16 @@ bool isNewsToPeer(Adapter& adapter, Name const& key) {
     return !entity->qorHasAttrLogInterface() || isOwed<EntryStream>(adapter, key);
 }
 
-// The end of an entry's record; where it crossed another, the entry goes to the peer anew.
-void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
+// The end of an entry's record. What the peer announced may have gone there, or made room for what
+// stood here: then it goes to the peer anew. What it removed may have come there again.
+void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key, bool replaces) {
     if (adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
     if (!record.hasCrossed) return;
     adapter.flagIs(AdapterState::isActive, false);
+    bool const mayHaveGone =
+        replaces || adapter.hasCrossedRemoval() || isOwed<EntryStream>(adapter, key);
     if (auto const entity = targetOf<EntryStream>(adapter).entry(key)) {
+        if (!mayHaveGone) return;
         NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
     }
     adapter.onEntry(key);
@@ -173,7 +177,8 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
                          entity->qorNboAttrLogSa(out)->entityId() == told.id;
     if (!isKnown && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) record.demuxer.needPeersId(told.id);
-    if (!entity || !isSame(*entity, *told.entity, out, told.id)) {
+    bool const replaces = entity && !isSame(*entity, *told.entity, out, told.id);
+    if (!entity || replaces) {
         if (entity) NboAttrLog::deleteAdapter(*entity, out);
         entity = told.entity;
     }
@@ -181,7 +186,7 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     adapter.flagIs(AdapterState::isActive, true);
     dir.entryStateIs(told.key, told.state);
     enter(adapter, record.demuxer, *entity, told.id);
-    settleEntry(adapter, record, told.key);
+    settleEntry(adapter, record, told.key, replaces);
 }
 
 }  // namespace
@@ -194,7 +199,7 @@ bool EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member)
     if (member == nullptr) {
         adapter.beginRecord(-id);
         guard.out() << Token::begin << String8(key) << Token::end;
-        adapter.streamDemuxer()->removalSent();
+        adapter.removalSent();
         adapter.removedAtIs(adapter.streamDemuxer()->framesSent());
         return true;
     }
@@ -210,7 +215,7 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) return adapter.onEntry(key);
     if (isNewsToPeer(adapter, key)) return;
     takeDownEntry(adapter, key);
-    settleEntry(adapter, record, key);
+    settleEntry(adapter, record, key, false);
 }
 
 void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {

@@ -142,7 +142,7 @@ void settleChild(Adapter& adapter, InboundRecord const& record, Name const& key)
     if (!record.hasCrossed) return;
     auto const child = childOf<S>(adapter, key);
     if (!child) return childChanged<S>(adapter, key);
-    if (!record.demuxer.hasCrossedRemoval() && !isOwed<S>(adapter, key)) return;
+    if (!adapter.hasCrossedRemoval() && !isOwed<S>(adapter, key)) return;
     deleteChildAdapter<S>(adapter, child);
     oweReferencesTo(adapter, *child);
     bool goes = false;

@@ -103,7 +103,7 @@ bool serializeChildMember(Adapter& adapter, typename S::Key const& key,
     if (!child) {
         adapter.beginRecord(-S::id);
         guard.out() << Token::begin << key << Token::end;
-        adapter.streamDemuxer()->removalSent();
+        adapter.removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
         keepForLater<S>(adapter, key);
         return false;
@@ -126,7 +126,7 @@ void serializeChild(Adapter& adapter) {
     if (!child) {
         adapter.beginRecord(-S::id, 0, 0);
         guard.out() << Token::begin << Token::end;
-        adapter.streamDemuxer()->removalSent();
+        adapter.removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
         auto& flow = flowFor(adapter, S::id);
         flow.template isDirtyIs<S>(true);

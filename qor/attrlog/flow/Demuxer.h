@@ -112,12 +112,6 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 framesSent() const noexcept { return out_->frames(); }
     U64 peerHeard() const noexcept { return peerHeard_; }
     void sendReceipt();
-    // A child was removed, or a snapshot marked: what the peer announces may have gone there.
-    void removalSent() {
-        removedAt_ = out_->frames();
-        if (hasFlowsIn()) flowsInDelAway();
-    }
-    bool hasCrossedRemoval() const noexcept { return removedAt_ > peerHeard_; }
 
     // What is half received, by entity id.
     FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.member(id); }
@@ -205,7 +199,6 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 heard_ = 0;      // frames of the peer's that were taken, the one being read included
     U64 toldHeard_ = 0;  // what the last receipt said
     U64 peerHeard_ = 0;  // what the peer's last receipt said
-    U64 removedAt_ = 0;
     Quota quota_;
     Counters counters_;
     U32 protocol_ = 2;

@@ -141,6 +141,18 @@ bool Entity::QorNboAttrLogSa::hasCrossed() const {
     return demuxer && hasSentSince(demuxer->peerHeard());
 }
 
+void Entity::QorNboAttrLogSa::removalSent() {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer == nullptr) return;
+    removedAt_ = demuxer->framesSent();
+    if (demuxer->hasFlowsIn()) demuxer->flowsInDelAway();
+}
+
+bool Entity::QorNboAttrLogSa::hasCrossedRemoval() const {
+    auto const* const demuxer = streamDemuxer();
+    return demuxer && !has(AdapterState::isCopy) && removedAt_ > demuxer->peerHeard();
+}
+
 bool Entity::QorNboAttrLogSa::isUnheardOf() const {
     auto const* const demuxer = streamDemuxer();
     return demuxer && !has(AdapterState::isCopy) && announcedAt_ > demuxer->peerHeard();
@@ -158,7 +170,7 @@ void Entity::QorNboAttrLogSa::sendTransactionMarker(AttributeId id, AttrTransact
     noteSent();
     out->beginFrame(NboAttrLog::FrameKind::transaction, {entityId(), id});
     out << Token::begin << static_cast<U8>(type) << arg << Token::end;
-    if (auto* const demuxer = streamDemuxer()) demuxer->removalSent();
+    removalSent();
 }
 
 void Entity::QorNboAttrLogSa::sendPendingAborts(NboAttrLog::FlowOut& flow) {

@@ -47,6 +47,9 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     bool hasCrossed() const;
     // Whether something was sent for it after that frame.
     bool hasSentSince(U64 frame) const { return !has(AdapterState::isCopy) && sentAt_ > frame; }
+    // A child was removed, or a snapshot marked: what the peer announces here may have gone there.
+    void removalSent();
+    bool hasCrossedRemoval() const;
     // Whether it had not taken the announcement of this entity.
     bool isUnheardOf() const;
     // Whether that was before a frame.
@@ -78,6 +81,7 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     Qor::Ptr<Entity::NotifieeConst> companion_;
     U64 sentAt_ = 0;       // the number of the last frame that was sent for the entity
     U64 announcedAt_ = 0;  // of its announcement
+    U64 removedAt_ = 0;    // of the last removal of a child, or marker of a snapshot
 };
 
 class Entity::QorNboAttrLogSa::HandlingScheduledFlowOutAnchor {

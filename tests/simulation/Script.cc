@@ -192,7 +192,7 @@ void Run::finish() {
     for (Tree& tree : net_.trees()) {
         for (Watch& watch : tree.watches) watch.release();
     }
-    needQuiet();
+    if (net_.settle() == 0) return fail("it never comes to rest");
     for (Tree& tree : net_.trees()) {
         if (!settings_.isWritable) continue;
         Author& first = tree.authors[tree.route.maker];

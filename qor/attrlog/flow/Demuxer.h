@@ -79,6 +79,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U32 protocol() const noexcept { return protocol_; }
     void protocolIs(U32 protocol) noexcept { protocol_ = protocol; }
     void linkHandlerIs(LinkHandler* handler) noexcept { link_ = handler; }
+    // Whether the handler is told of what records have changed. Off until told otherwise.
+    void tellsWrittenIs(bool tells) noexcept { tellsWritten_ = tells; }
     // Whether what is read-only here may be made writable.
     bool mayConvert() const noexcept { return mayConvert_; }
     void mayConvertIs(bool mayConvert) noexcept { mayConvert_ = mayConvert; }
@@ -204,6 +206,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U32 protocol_ = 2;
     U32 depth_ = 0;
     bool mayConvert_ = false;
+    bool tellsWritten_ = false;
     bool hasFailed_ = false;
 };
 

@@ -98,9 +98,9 @@ void Demuxer::serveRecord(Frame const& frame) {
     auto* const found = receiver(frame);
     if (!found) return;
     Qor::Ptr<Entity::QorNboAttrLogSa> const held(found);
-    Qor::Ptr<Entity> const entity(found->qorNotifierEntity());
+    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorNotifierEntity() : nullptr);
     found->handleAttrDeserialization(frame.header.attributeId, 0, frame.payloadSize, nullptr);
-    if (link_ != nullptr) link_->written(*entity, frame.header.attributeId);
+    if (entity && link_ != nullptr) link_->written(*entity, frame.header.attributeId);
 }
 
 void Demuxer::serveTransaction(Frame const& frame) {
@@ -119,9 +119,9 @@ void Demuxer::serveTransaction(Frame const& frame) {
         throwInternalException(String8("write-update from readonly proxy: ") +
                                found->qorNotifierEntity()->fullName());
     }
-    Qor::Ptr<Entity> const entity(found->qorNotifierEntity());
+    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorNotifierEntity() : nullptr);
     found->handleAttrTransaction(id, static_cast<StreamAdapter::AttrTransactionType>(type), arg);
-    if (link_ != nullptr && type == StreamAdapter::end) link_->written(*entity, id);
+    if (entity && link_ != nullptr && type == StreamAdapter::end) link_->written(*entity, id);
 }
 
 void Demuxer::serveOrphan(Frame const& frame) {

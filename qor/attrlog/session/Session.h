@@ -62,8 +62,8 @@ class QOR_EXPORT SessionListener {
     virtual String8 onAskedToCall(String8 const& path, String8 const& operation, Entity& entity);
     // The peer has given it back.
     virtual void onTakenBack(MountId mount);
-    // A record of the peer's was applied to the entity, or its snapshot of the attribute has come
-    // whole and removed what was not in it.
+    // A record of the peer, which may write, was applied to the entity, or its snapshot of the
+    // attribute has come whole and removed what was not in it.
     virtual void onWritten(Entity& entity, AttributeId attribute);
     // There is something to send where there was nothing; the one call that comes from within a
     // setter, so it may note that service() is due and do no more.

@@ -34,8 +34,8 @@ struct Listener : ServerListener {
 class PeerSilence : public testing::Test {
   protected:
     PeerSilence() {
-        char name[] = "/tmp/vgw-peers-XXXXXX";
-        directory_ = ::mkdtemp(name);
+        directory_ = (std::filesystem::temp_directory_path() / "vgw-peers-XXXXXX").string();
+        ::mkdtemp(directory_.data());
         root_->entryIs("cliConfig", cli_);
         options_.runDirectory = directory_;
         options_.access.owner = ::geteuid();

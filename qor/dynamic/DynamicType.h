@@ -49,6 +49,7 @@ class QOR_EXPORT DynamicType final : public QorType {
 
     bool isDescribed() const noexcept override { return true; }
     Qor::Ptr<Entity> newEntity(Name const& name, Dir* directory) override;
+    /// Null for a class whose constructor takes what can't be read here.
     Qor::Ptr<Entity> newEntity(Qor::Ptr<NboAttrLog::In> const& in,
                                PtrInterface::NotifieeConst::Qor_BitSet bits, U32 version,
                                PtrInterface* context) override;

@@ -72,6 +72,11 @@ class Making {
             std::vector<QorAttr::Ptr> const attributes(type->attributes().begin(),
                                                        type->attributes().end());
             for (QorAttr::Ptr const& attribute : attributes) type->attributeQDel(attribute);
+            if (auto* const entity = dynamic_cast<DynamicType*>(type.ptr())) {
+                entity->forgetInitials();
+            } else if (auto* const value = dynamic_cast<DescribedValue*>(type.ptr())) {
+                value->forgetInitials();
+            }
         }
     }
 

@@ -41,6 +41,11 @@ class QOR_EXPORT DescribedValue final : public QorType {
     void completeIs(std::vector<U32> hashOrder);
     /// The initial value of a field, or the value of a constant. REQUIRES: completeIs() was called
     void initialIs(AttributeId id, String8 const& text);
+    /// Lets the values that it holds go, whose types may end before this one.
+    void forgetInitials() noexcept {
+        initial_.clear();
+        constants_.clear();
+    }
 
   private:
     class Steps final : public ValueSteps {

@@ -137,6 +137,7 @@ Qor::Ptr<Entity> DynamicType::newEntity(Name const& name, Dir* directory) {
 Qor::Ptr<Entity> DynamicType::newEntity(Qor::Ptr<NboAttrLog::In> const& in,
                                         PtrInterface::NotifieeConst::Qor_BitSet, U32,
                                         PtrInterface*) {
+    if (!canBeMade()) return nullptr;
     DynamicAttribute const* const argument = constructed();
     if (!argument) return newInstance(Name(in->nextString()));
     auto entity = make<DynamicEntity>(*this, Name());

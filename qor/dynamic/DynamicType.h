@@ -49,6 +49,7 @@ class QOR_EXPORT DynamicType final : public QorType {
 
     bool isDescribed() const noexcept override { return true; }
     Qor::Ptr<Entity> newEntity(Name const& name, Dir* directory) override;
+    /// Null for a class whose constructor takes what can't be read here.
     Qor::Ptr<Entity> newEntity(Qor::Ptr<NboAttrLog::In> const& in,
                                PtrInterface::NotifieeConst::Qor_BitSet bits, U32 version,
                                PtrInterface* context) override;
@@ -75,6 +76,8 @@ class QOR_EXPORT DynamicType final : public QorType {
     void completeIs();
     /// The value that an attribute has in a new entity. REQUIRES: completeIs() was called
     void initialIs(AttributeId id, String8 const& text);
+    /// Lets the initial values go, whose types may end before this one.
+    void forgetInitials() noexcept { table_.clear(); }
     /// Whether an instance can be made from what a stream tells.
     bool canBeMade() const noexcept;
 

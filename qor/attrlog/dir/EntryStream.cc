@@ -128,6 +128,7 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
         return told;
     }
     told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
+    if (!told.entity) record.demuxer.unknownClass(wanted);
     return told;
 }
 

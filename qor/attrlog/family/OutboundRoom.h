@@ -25,13 +25,17 @@ typename Adapter::FlowOut& flowFor(Adapter& adapter, AttributeId id) {
     return static_cast<typename Adapter::FlowOut&>(adapter.flowOutFor(id));
 }
 
-/// Whether a record may not pass the flow in charge. A child goes with the flow alone, since it is
-/// sent whole only there: the peer may still hold one of its name from before.
+/// Whether a record may not pass the flow in charge. A child that the flow has still to send goes
+/// with it alone, since it is sent whole only there: the peer may hold one of its name from before,
+/// which only the snapshot's end takes away.
 template <class S, class Adapter>
-bool waitsForFlow(Adapter const& adapter) noexcept {
-    constexpr bool isChild = S::kind == StreamKind::childMember || S::kind == StreamKind::child ||
-                             S::kind == StreamKind::entry;
-    return isChild && !adapter.handlingScheduledFlowOut();
+bool waitsForFlow(Adapter const& adapter, typename Adapter::FlowOut const& flow) noexcept {
+    if (adapter.handlingScheduledFlowOut()) return false;
+    if constexpr (S::kind == StreamKind::childMember || S::kind == StreamKind::entry) {
+        return !flow.template hasSynced<S>();
+    } else {
+        return S::kind == StreamKind::child && flow.template isDirty<S>();
+    }
 }
 
 /// Whether a value is written now; else it is marked.
@@ -39,8 +43,8 @@ template <class S, class Adapter>
 bool valueGoesNow(Adapter& adapter, NboAttrLog::Out const& out) {
     bool const hasRoom = out.hasSufficientBuffer();
     if (auto* const flow = flowInCharge(adapter)) {
-        bool const goes =
-            adapter.prepareImmediateTransmission(S::id, !hasRoom || waitsForFlow<S>(adapter));
+        bool const goes = adapter.prepareImmediateTransmission(
+            S::id, !hasRoom || waitsForFlow<S>(adapter, *flow));
         flow->template isDirtyIs<S>(!goes);
         return goes;
     }
@@ -57,7 +61,7 @@ bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key co
     bool const hasRoom = out.hasSufficientBuffer();
     if (auto* const flow = flowInCharge(adapter)) {
         bool const goes =
-            adapter.prepareImmediateTransmission(S::id, waitsForFlow<S>(adapter)) && hasRoom;
+            adapter.prepareImmediateTransmission(S::id, waitsForFlow<S>(adapter, *flow)) && hasRoom;
         if (goes) {
             flow->template dirtyKeyDel<S>(key);
         } else {

@@ -176,6 +176,18 @@ TEST(HostileDescriptions, InitialValueThatIsNone) {
     EXPECT_TRUE(said.starts_with("the description of H::A: ")) << said;
 }
 
+// Types end in any order then, and those of values may go first.
+TEST(HostileDescriptions, SetWithCompositeValuesThatIsRefusedAtItsLastInitialValueEnds) {
+    auto inner = value("H::A1Inner");
+    inner.attributes = {field(2, "f", "U32")};
+    auto outer = value("H::A2Outer");
+    outer.attributes = {field(2, "f", "H::A1Inner")};
+    auto odd = entity("H::Z");
+    odd.attributes = {scalar(258, "key", "H::A2Outer"), scalar(259, "a", "U32")};
+    odd.initials = {{258, "Value('H::A2Outer', ** {})"}, {259, "'text'"}};
+    EXPECT_NE(refusalOf({inner, outer, odd}), "");
+}
+
 TEST(HostileDescriptions, MoreAttributesThanASetMayHave) {
     auto base = entity("H::Wide");
     for (AttributeId id = 258; id < 258 + 2000; ++id) {

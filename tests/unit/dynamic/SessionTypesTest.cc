@@ -228,6 +228,37 @@ TEST_F(SessionTypes, MountOfAClassThatThePeerCantDescribeIsRefused) {
     EXPECT_EQ(reader->closed(), String8());
 }
 
+TEST_F(SessionTypes, EntryThatIsBuiltFromWhatCantBeReadHereIsSkippedAndCounted) {
+    hello();
+    Qor::TypeDescription color;
+    color.fullName = Name("T::Color");
+    auto colored = lamp("T::Colored");
+    colored.constructorArgs = {{"color", "T::Color"}};
+    colored.attributes.push_back({259,
+                                  Name("color"),
+                                  Name("T::Color"),
+                                  Name(),
+                                  Qor::FlagClasses::constField.flags,
+                                  Qor::FlagClasses::constField.introspection,
+                                  Name(),
+                                  {}});
+    describe(1, color);
+    describe(1, colored);
+    link(12, U32{1}, U32{2});
+    turn();
+    MountId const mount = reader->mount("/dir", false);
+    orphanDir(mount, dirId);
+    entry(dirId, "colored", EntityId(peers | 7), "T::Colored");
+    entry(dirId, "early", EntityId(peers | 11), "Qor::Dir");
+    turn();
+    EXPECT_EQ(reader->closed(), String8());
+    auto const copy = Qor::dynamicCast<Qor::Dir>(reader->mounted(mount));
+    ASSERT_TRUE(copy);
+    EXPECT_FALSE(copy->entry(Name("colored")));
+    EXPECT_TRUE(copy->entry(Name("early")));
+    EXPECT_EQ(reader->demuxer().counters().unknownClasses, 1U);
+}
+
 TEST_F(SessionTypes, RefusedDescriptionEndsTheConnectionByName) {
     hello();
     auto odd = lamp("T::Odd");

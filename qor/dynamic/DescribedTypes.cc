@@ -23,6 +23,12 @@ std::map<Name, Known>& known() {
     return types;
 }
 
+// All types that were ever made, those included that have given way.
+std::vector<Qor::Ptr<QorType>>& kept() {
+    static auto& types = *new std::vector<Qor::Ptr<QorType>>;
+    return types;
+}
+
 U32& madeInProcess() {
     static U32 count = 0;
     return count;
@@ -233,6 +239,7 @@ class Making {
         for (auto const& [name, type] : made_) {
             madeInProcess() += 1 + static_cast<U32>(type->attributes().size());
             type->isNondestructingIs(true);
+            kept().push_back(type);
             if (QorType* const base = type->base()) base->derivedTypeQEnq(type);
             QorType::typeNodeIs(type.ptr(), name);
             known()[name] = {told_.at(name), type.ptr()};

@@ -15,7 +15,7 @@ from pathlib import Path
 
 import sources
 
-FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "vgwd", "vgwctl", "modelc")
+FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "manual", "vgwd", "vgwctl", "modelc")
 TAKES_A_VALUE = ("-I", "-isystem", "-D", "-include")
 
 

@@ -1,5 +1,7 @@
 #include <vgwctl/options/Options.h>
 
+#include <manual/ManPage.h>
+
 #include <CLI/CLI.hpp>
 
 #include <unistd.h>
@@ -7,6 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <map>
+#include <memory>
 
 namespace Vgwctl {
 namespace {
@@ -84,29 +87,49 @@ std::vector<std::vector<std::string>> commandsOf(std::vector<std::string> const&
     return commands;
 }
 
+// The options write into what they are given, which has to live as long.
+std::unique_ptr<CLI::App> describedApp(Options& options, Words& words) {
+    auto app = std::make_unique<CLI::App>(
+        "Shows, watches and changes the state of a running agent.", "vgwctl");
+    app->set_version_flag("-V,--version", "vgwctl " VGWCTL_VERSION);
+    app->prefix_command();
+    app->option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    describeConnection(*app, options);
+    describeOutput(*app, options, words);
+    return app;
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int count, char const* const* words, std::string const& help,
                                     int& exitCode) {
-    CLI::App app("Shows, watches and changes the state of a running agent.", "vgwctl");
-    app.set_version_flag("-V,--version", "vgwctl " VGWCTL_VERSION);
-    app.footer(help);
-    app.prefix_command();
-    app.option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     Options options;
     Words said;
-    describeConnection(app, options);
-    describeOutput(app, options, said);
+    auto const app = describedApp(options, said);
+    app->footer(help);
     try {
-        app.parse(count, words);
+        app->parse(count, words);
         options.style.columns = partsOf(said.columns);
         options.style.hasHeadings = !said.hasNoHeadings;
-        options.commands = commandsOf(app.remaining());
+        options.commands = commandsOf(app->remaining());
     } catch (CLI::ParseError const& e) {
-        exitCode = app.exit(e) == 0 ? 0 : 1;
+        exitCode = app->exit(e) == 0 ? 0 : 1;
         return std::nullopt;
     }
     return options;
+}
+
+std::string manualHead() {
+    Options options;
+    Words said;
+    return Manual::head(*describedApp(options, said), 1, VGWCTL_VERSION,
+                        "[OPTION]... COMMAND [ARGUMENT]... [-- COMMAND [ARGUMENT]...]...");
+}
+
+std::string manualOptions() {
+    Options options;
+    Words said;
+    return Manual::options(*describedApp(options, said));
 }
 
 bool hasColor(Options const& options) {

@@ -32,6 +32,10 @@ struct Options {
 std::optional<Options> parseOptions(int count, char const* const* words, std::string const& help,
                                     int& exitCode);
 
+/// The head of the man page, and its section of options.
+std::string manualHead();
+std::string manualOptions();
+
 /// Whether what is written to standard output may have colours.
 bool hasColor(Options const& options);
 

@@ -2,7 +2,11 @@
 
 #include <vgwd/agent/LogWords.h>
 
+#include <manual/ManPage.h>
+
 #include <CLI/CLI.hpp>
+
+#include <iostream>
 
 namespace Vgwd {
 namespace {
@@ -12,6 +16,7 @@ struct Words {
     std::string remotes;
     std::vector<std::string> listen;
     std::vector<std::string> logs;
+    bool wantsManual = false;
 };
 
 void describeServer(CLI::App& app, Options& options, Words& words) {
@@ -143,6 +148,19 @@ void check(Options const& options) {
         throw CLI::ValidationError("--once", "prints nothing when --disabled");
 }
 
+std::string manualPage(CLI::App const& app) {
+    return Manual::head(app, 8, VGWD_VERSION, "[OPTION]...") +
+           ".SH DESCRIPTION\nMirrors the database of an OVSDB server, acts on its own "
+           "configuration, and gives all of that state to other processes, such as "
+           "\\fBvgwctl\\fR(1). The tree of that state is told in docs/agent.md.\n" +
+           Manual::options(app) + ".SH SIGNALS\n" +
+           Manual::item("SIGTERM, SIGINT", "end it, the clean way") +
+           Manual::item("SIGHUP", "read the certificates and open the log files anew") +
+           Manual::item("SIGUSR1", "write the dump file") +
+           ".SH EXIT STATUS\n0 after a clean end, 1 after a failure.\n"
+           ".SH SEE ALSO\nvgwctl(1), ovsdb\\-server(1), vtep(5)\n";
+}
+
 }  // namespace
 
 std::optional<Options> parseOptions(int count, char const* const* words, int& exitCode) {
@@ -154,8 +172,14 @@ std::optional<Options> parseOptions(int count, char const* const* words, int& ex
     describeServing(app, options, said);
     describeOutput(app, options);
     describeProcess(app, options, said);
+    app.add_flag("--man", said.wantsManual, "print the manual page")->group("");
     try {
         app.parse(count, words);
+        if (said.wantsManual) {
+            std::cout << manualPage(app) << std::flush;
+            exitCode = 0;
+            return std::nullopt;
+        }
         take(said, options);
         check(options);
     } catch (CLI::ParseError const& e) {

@@ -9,20 +9,11 @@ using Qor::Entity;
 using Qor::GenericIf;
 using OpId = GenericIf::AttributeOp::OpId;
 
-bool isNothing(Value const& value) {
-    return value.kind == Value::Kind::none || value.isEmptyCollection() ||
-           (value.kind == Value::Kind::text && value.text.empty());
-}
-
 // What stands in the attribute, if the entity owns it.
 Entity::Ptr ownedIn(Entity const& owner, Qor::QorAttr const& attribute,
                     GenericIf::Ptr const& held) {
     Entity::Ptr const child = held ? held->entity() : nullptr;
     return child && isOwnedIn(owner, attribute, *child) ? child : nullptr;
-}
-
-bool holdsChildren(Entity const& entity, Qor::QorAttr const& attribute) {
-    return attribute.flags().isInstantiating() || dynamic_cast<Qor::Dir const*>(&entity) != nullptr;
 }
 
 GenericIf::Ptr keyFrom(Qor::QorAttr const& attribute, std::string const& key) {
@@ -119,7 +110,7 @@ void Follower::tellState(Followed const& followed, Change::Kind kind) {
     for (Qor::QorAttr const* const attribute : heldAttributes(*entity.fwkType())) {
         if (holdsChildren(entity, *attribute)) continue;
         Value value = valueOf(*followed.wrapper, *attribute);
-        if (isNothing(value)) continue;
+        if (value.isNothing()) continue;
         sink_({kind,
                followed.path,
                entity.fwkType(),

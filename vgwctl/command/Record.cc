@@ -36,9 +36,7 @@ Flat flattened(Qor::Entity& root) {
         flat[path] = std::string(entity.fwkType()->fullName().view());
         Qor::GenericIf::Ptr const wrapper = wrapped(entity);
         for (Qor::QorAttr const* const attribute : heldAttributes(*entity.fwkType())) {
-            bool const holdsChildren =
-                attribute->flags().isInstantiating() || dynamic_cast<Qor::Dir*>(&entity) != nullptr;
-            if (holdsChildren) continue;
+            if (holdsChildren(entity, *attribute)) continue;
             Value const value = valueOf(*wrapper, *attribute);
             flat[path + " " + std::string(attribute->name().view())] = textOf(value);
         }

@@ -21,20 +21,6 @@ std::string nameOf(Entity const& entity) {
     return path.substr(path.rfind('/') + 1);
 }
 
-// Nothing to be said of it: an empty text or collection, no entity.
-bool isNothing(Value const& value) {
-    bool const isText = value.kind == Value::Kind::text;
-    return value.kind == Value::Kind::none || value.isEmptyCollection() ||
-           (isText && value.text.empty());
-}
-
-// The members of a collection that do not stand in it as children.
-bool isOwning(Entity& entity, Qor::QorAttr const& attribute) {
-    if (!attribute.flags().isEntity()) return false;
-    if (attribute.flags().isInstantiating()) return true;
-    return dynamic_cast<Qor::Dir*>(&entity) != nullptr;
-}
-
 // The name stands in the line above.
 bool isTold(Entity const& entity, Qor::QorAttr const& attribute) {
     return attribute.id() == Qor::entityNameId && nameOf(entity) == entity.name().view();
@@ -67,9 +53,9 @@ class Shower {
     void showValues(Entity& entity, std::size_t indent) {
         Qor::GenericIf::Ptr const wrapper = wrapped(entity);
         for (Qor::QorAttr const* const attribute : heldAttributes(*entity.fwkType())) {
-            if (isOwning(entity, *attribute)) continue;
+            if (holdsChildren(entity, *attribute)) continue;
             Value const value = valueOf(*wrapper, *attribute);
-            if (isNothing(value) || isTold(entity, *attribute)) continue;
+            if (value.isNothing() || isTold(entity, *attribute)) continue;
             out_ << std::string(indent, ' ') << attribute->name().view() << ": "
                  << textOf(value, form_) << '\n';
         }
@@ -102,7 +88,7 @@ nlohmann::json jsonTree(Entity& entity, bool hasValues) {
         Qor::GenericIf::Ptr const wrapper = wrapped(entity);
         nlohmann::json values = nlohmann::json::object();
         for (Qor::QorAttr const* const attribute : heldAttributes(*entity.fwkType()))
-            if (!isOwning(entity, *attribute))
+            if (!holdsChildren(entity, *attribute))
                 values[std::string(attribute->name().view())] =
                     jsonOf(valueOf(*wrapper, *attribute));
         tree["values"] = std::move(values);

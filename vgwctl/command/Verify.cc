@@ -24,9 +24,7 @@ class Verifier {
         Qor::Entity::Ptr const entity = entityAt(path);
         if (!entity) return;
         for (Qor::QorAttr const* const attribute : heldAttributes(*entity->fwkType())) {
-            bool const isChildren = attribute->flags().isInstantiating() ||
-                                    dynamic_cast<Qor::Dir*>(entity.ptr()) != nullptr;
-            if (!isChildren || !attribute->flags().isEntity()) continue;
+            if (!holdsChildren(*entity, *attribute)) continue;
             if (attribute->flags().isCollection()) verifyCollection(path, *attribute);
         }
         for (std::string const& child : ownersBelow(*entity)) verify(child);

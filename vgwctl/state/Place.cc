@@ -112,6 +112,11 @@ bool isOwnedIn(Entity const& owner, Qor::QorAttr const& attribute, Entity const&
            (attribute.flags().isInstantiating() || child.parentAttrId() == attribute.id());
 }
 
+bool holdsChildren(Entity const& owner, Qor::QorAttr const& attribute) {
+    if (!attribute.flags().isEntity()) return false;
+    return attribute.flags().isInstantiating() || dynamic_cast<Qor::Dir const*>(&owner) != nullptr;
+}
+
 std::string_view entryStateOf(Entity const& entity) {
     auto const* const directory = dynamic_cast<Qor::Dir const*>(entity.qorParent());
     if (directory == nullptr) return {};

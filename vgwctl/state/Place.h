@@ -39,6 +39,9 @@ Qor::QorType& neededType(std::string_view name);
 /// Whether `child` stands in that attribute of `owner`, and is not only referred to.
 bool isOwnedIn(Qor::Entity const& owner, Qor::QorAttr const& attribute, Qor::Entity const& child);
 
+/// Whether that attribute of `owner` holds entities of its own: children, or a directory's entries.
+bool holdsChildren(Qor::Entity const& owner, Qor::QorAttr const& attribute);
+
 /// How far an entry of a directory can be relied on: empty when it is ready, or no entry.
 std::string_view entryStateOf(Qor::Entity const& entity);
 

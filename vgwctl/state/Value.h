@@ -30,7 +30,11 @@ struct Value {
     std::vector<Member> members;  // of a record: the field's name, as a text, and its value
 
     bool isCollection() const { return kind == Kind::set || kind == Kind::map; }
-    bool isEmptyCollection() const { return isCollection() && members.empty(); }
+    /// Nothing is to be said of it: an empty text or collection, a reference to nothing.
+    bool isNothing() const {
+        return kind == Kind::none || (isCollection() && members.empty()) ||
+               (kind == Kind::text && text.empty());
+    }
     bool operator==(Value const&) const = default;
 };
 

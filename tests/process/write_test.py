@@ -47,9 +47,10 @@ class WriteTest(serve_case.ServeCase):
 
         self.reader.await_that(lambda: listed() == sorted(lines), f"{lines} of {switch}; {listed()}")
 
-    def make_mac(self, writer, name="mine", mac=MAC, switch="red", vtep=VTEP):
+    def make_mac(self, writer, name="mine", mac=MAC, switch="red", vtep=VTEP, switch_uuid=None):
         self.assertEqual(writer.ask("newmac", "ucastMacsLocal", name, mac), "ok")
-        writer.ask("set", f"{UNICAST}/{name}", "logicalSwitch", f"'{self.uuid('Logical_Switch', switch)}'")
+        uuid = switch_uuid or self.uuid("Logical_Switch", switch)
+        writer.ask("set", f"{UNICAST}/{name}", "logicalSwitch", f"'{uuid}'")
         writer.ask("set", f"{UNICAST}/{name}", "vtepIp", f"'{vtep}'")
 
     def test_a_local_address_that_a_writer_makes_is_in_the_database_and_then_under_its_uuid(self):
@@ -71,6 +72,17 @@ class WriteTest(serve_case.ServeCase):
         self.reader.await_value("50", "get", "/vgw/database", "written")
         self.await_rows(self.reader, self.db.read())
         self.reader.await_that(lambda: len(self.names(writer, UNICAST)) == 50, "only rows of the database are left")
+
+    def test_addresses_at_once_behind_vteps_that_have_no_locator_yet_are_not_refused(self):
+        red = self.uuid("Logical_Switch", "red")
+        writers = [self.writer(UNICAST) for _ in range(2)]
+        for n in range(60):
+            self.make_mac(
+                writers[n % 2], f"new-{n}", f"00:00:5e:00:53:{n:02x}", vtep=f"192.0.2.{1 + n % 3}", switch_uuid=red
+            )
+        self.reader.await_value("60", "get", "/vgw/database", "written")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        self.await_rows(self.reader, self.db.read())
 
     def test_a_local_address_is_moved_and_removed(self):
         writer = self.writer(UNICAST)

@@ -85,7 +85,9 @@ class DatabaseWriter {
         Clock::time_point begun;
         Clock::time_point touched;
         bool isDue = false;
-        bool isSent = false;  // a transaction is under way
+        bool isSent = false;                       // a transaction is under way
+        bool makesLocators = false;                // it does
+        std::optional<Clock::time_point> clashed;  // first, with another's locator
     };
     using Work = std::map<Place, Pending>;
 
@@ -108,7 +110,8 @@ class DatabaseWriter {
     void send(Place const& place, Pending& pending, nlohmann::json const& operations);
     void handleOutcome(Place const& place, Ovsdb::RpcError const* error);
     void handleTaken(Place const& place, Pending& pending);
-    void takeBack(Pending& pending);
+    static bool mayBeTriedAgain(Pending& pending, Ovsdb::RpcError const& error);
+    static void takeBack(Pending& pending);
     void undo(Place const& place, std::string const& reason);
     void restore(Place const& place);
     void resetMarks(Place const& place);

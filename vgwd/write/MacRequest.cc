@@ -4,6 +4,8 @@
 #include <vgw/tables/McastMacsLocal.h>
 #include <vgw/tables/UcastMacsLocal.h>
 
+#include <algorithm>
+
 namespace Vgwd {
 namespace {
 
@@ -117,6 +119,12 @@ json macUpdate(Table table, std::string const& row, MacContent const& content,
     json columns = columnsOf(table, content, database, operations);
     operations.push_back(updateOf(table, row, std::move(columns)));
     return operations;
+}
+
+bool makesLocators(json const& operations) {
+    return std::any_of(operations.begin(), operations.end(), [](json const& operation) {
+        return operation["op"] == "insert" && operation["table"] == "Physical_Locator";
+    });
 }
 
 json rowRemoval(Table table, std::string const& row) {

@@ -39,6 +39,8 @@ nlohmann::json macInsertion(Ovsdb::Table table, MacContent const& content,
                             Vgw::HwVtepOvsdb const& database);
 nlohmann::json macUpdate(Ovsdb::Table table, std::string const& uuid, MacContent const& content,
                          Vgw::HwVtepOvsdb const& database);
+/// Whether the transaction makes a locator. It fails where another made one of that address since.
+bool makesLocators(nlohmann::json const& operations);
 nlohmann::json rowRemoval(Ovsdb::Table table, std::string const& uuid);
 /// Columns of any row. A row that is gone meanwhile fails the transaction.
 nlohmann::json rowUpdate(Ovsdb::Table table, std::string const& uuid, nlohmann::json columns);

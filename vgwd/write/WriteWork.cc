@@ -11,7 +11,8 @@ using std::chrono::milliseconds;
 
 namespace {
 
-// In which a new row has to have become one that can be written.
+// In which a new row has to have become one that can be written, and a locator that another made
+// at the same time has to be seen.
 constexpr milliseconds mostPatience{5000};
 // Transactions under way at once.
 constexpr std::size_t mostSent = 256;
@@ -20,6 +21,9 @@ constexpr std::size_t mostSent = 256;
 std::string wordsOf(Ovsdb::RpcError const& error) {
     return error.error == "timed out" ? "the row is gone from the database" : error.text();
 }
+
+// There may be one locator of an address, and another has made it at the same time.
+bool isClash(Ovsdb::RpcError const& error) { return error.error == "constraint violation"; }
 
 bool isOf(Table table, Qor::Entity const& row) {
     return table == Table::ucastMacsLocal
@@ -117,6 +121,7 @@ void DatabaseWriter::workOnNewMac(Place const& place, Pending& pending, Qor::Ent
 void DatabaseWriter::send(Place const& place, Pending& pending, nlohmann::json const& operations) {
     pending.sent = std::exchange(pending.wanted, {});
     pending.isSent = true;
+    pending.makesLocators = makesLocators(operations);
     ++sent_;
     client_.transact(operations, pathOf(place) + ", " + pending.peer,
                      [this, place](Ovsdb::RpcError const* error) { handleOutcome(place, error); });
@@ -130,7 +135,7 @@ void DatabaseWriter::handleOutcome(Place const& place, Ovsdb::RpcError const* er
     pending.isSent = false;
     if (error == nullptr)
         handleTaken(place, pending);
-    else if (error->kind == Ovsdb::RpcError::Kind::lost)
+    else if (error->kind == Ovsdb::RpcError::Kind::lost || mayBeTriedAgain(pending, *error))
         takeBack(pending);
     else
         undo(place, wordsOf(*error));
@@ -147,7 +152,15 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     if (!isChanged) work_.erase(place);
 }
 
-// Nobody knows whether the database has it: it is written again, but for what was written since.
+bool DatabaseWriter::mayBeTriedAgain(Pending& pending, Ovsdb::RpcError const& error) {
+    if (!pending.makesLocators || !isClash(error)) return false;
+    auto const now = Clock::now();
+    if (!pending.clashed) pending.clashed = now;
+    return now - *pending.clashed < mostPatience;
+}
+
+// Nobody knows whether the database has it, or it has to be made otherwise: it is written again,
+// but for what was written since.
 void DatabaseWriter::takeBack(Pending& pending) {
     Wanted before = std::exchange(pending.sent, {});
     if (!before.columns.is_null()) {

@@ -1,9 +1,11 @@
-# vgw_object_library(<name> FOLDER <dir> [SOURCES <more>...] [LINKS <target>...] [DEPENDS <target>...] [NEEDS <target>...])
+# vgw_object_library(<name> FOLDER <dir> [SOURCES <more>...] [LINKS <target>...] [DEPENDS <target>...] [NEEDS <target>...]
+#                    [HEADERS <target>])
 #
 # One object library of all *.cc in <dir> (not below it), which is relative to the calling folder or to the tree's root.
 # LINKS are passed on. NEEDS are objects whose headers it doesn't include, but whose functions its tables of virtuals name. Objects are passed on only by vgw_test and vgw_shared_library, which collect them.
+# HEADERS: a target of vgw_headers.
 function(vgw_object_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER" "SOURCES;LINKS;DEPENDS;NEEDS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;HEADERS" "SOURCES;LINKS;DEPENDS;NEEDS")
     vgw_source_folder(folder "${arg_FOLDER}")
     file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cc")
     if(NOT sources AND NOT arg_SOURCES)
@@ -19,11 +21,40 @@ function(vgw_object_library name)
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
+    if(arg_HEADERS)
+        vgw_reuse_headers(${name} ${arg_HEADERS})
+    endif()
+endfunction()
+
+# vgw_headers(<target> HEADERS <header>... [LINKS <target>...])
+#
+# Heavy headers, compiled once for all object libraries that name <target> as their HEADERS.
+function(vgw_headers target)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "HEADERS;LINKS")
+    set(source "${CMAKE_BINARY_DIR}/${target}.cc")
+    file(CONFIGURE OUTPUT "${source}" CONTENT "")
+    add_library(${target} OBJECT "${source}")
+    vgw_target_settings(${target})
+    target_link_libraries(${target} PRIVATE ${arg_LINKS})
+    target_precompile_headers(${target} PRIVATE ${arg_HEADERS})
+endfunction()
+
+function(vgw_reuse_headers target headers)
+    if(VGW_PCH)
+        target_precompile_headers(${target} REUSE_FROM ${headers})
+        # So that ccache sees which headers it stands for.
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+    endif()
 endfunction()
 
 # These have names of their own that a file beside them has too.
-set(VGW_COMPILED_ALONE_FILES modelc/check/EntityCheck.cc modelc/check/Spelling.cc qor/attrlog/ConnectionOut.cc qor/core/StrepNumber.cc qor/generic/FrameworkTypes.cc
-    ovsdb/schema/Schema.cc)
+set(VGW_COMPILED_ALONE_FILES
+    modelc/check/EntityCheck.cc modelc/check/Spelling.cc ovsdb/schema/Schema.cc qor/attrlog/ConnectionOut.cc
+    qor/core/StrepNumber.cc qor/generic/FrameworkTypes.cc tests/ovsdb/RpcErrorTest.cc tests/ovsdb/UpdateReaderTest.cc
+    tests/property/attrlog/TwoWritersTest.cc
+    tests/property/framework/MapTiesModelTest.cc tests/unit/attrlog/ConnectionOutTest.cc
+    tests/unit/attrlog/MountRefusalTest.cc tests/unit/dynamic/DynamicCopyTest.cc tests/unit/kelp/EthAddrTest.cc
+    tests/unit/vgw/ClearTest.cc tests/unit/vgw/CloneMacRowTest.cc tests/unit/vgw/PhysicalLocatorKeyTest.cc)
 list(TRANSFORM VGW_COMPILED_ALONE_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_COMPILED_ALONE)
 
 # Warnings as errors, the include roots, threads.
@@ -32,8 +63,7 @@ function(vgw_target_settings target)
         target_include_directories(${target} PUBLIC "$<BUILD_INTERFACE:${root}>")
     endforeach()
     target_link_libraries(${target} PRIVATE "$<BUILD_INTERFACE:vgw_build_settings>" Threads::Threads)
-    get_target_property(type ${target} TYPE)
-    if(VGW_UNITY AND type STREQUAL "OBJECT_LIBRARY")
+    if(VGW_UNITY)
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
         set_source_files_properties(
             ${VGW_COMPILED_ALONE} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)

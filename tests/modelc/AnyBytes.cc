@@ -1,5 +1,7 @@
 // Whatever the text, the compiler ends with files or with errors, and takes time in proportion to
 // the text.
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -59,14 +61,14 @@ TEST(AnyBytes, ADamagedDescriptionGetsFilesOrErrors) {
     std::vector<std::string> const texts{
         ModelcTest::textOf(golden / "Sample.model"),
         ModelcTest::textOf(ModelcTest::tree() / "vgw/OvsdbDataTypes.model")};
-    for (unsigned round = 0; round < 600; ++round) {
+    for (unsigned round = 0; round < Settings::volume(600, 300, 60); ++round) {
         expectAnAnswer(damaged(texts[round % texts.size()], random), round);
     }
 }
 
 TEST(AnyBytes, NoiseGetsErrors) {
     std::mt19937 random(seed);
-    for (unsigned round = 0; round < 150; ++round) {
+    for (unsigned round = 0; round < Settings::volume(150, 150, 30); ++round) {
         std::string text(1 + random() % 2000, '\0');
         for (char& c : text) c = static_cast<char>(random());
         expectAnAnswer(text, round);

@@ -1,5 +1,7 @@
 #include "Script.h"
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -7,11 +9,7 @@ namespace {
 using Sim::Request;
 using Sim::runScript;
 
-#ifdef QOR_PLAIN_NEW
-constexpr std::uint64_t scripts = 120;  // sanitizers are slow
-#else
-constexpr std::uint64_t scripts = 1200;
-#endif
+constexpr std::uint64_t scripts = Settings::volume(1200, 120, 40);
 
 TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {
     for (std::uint64_t seed = 1; seed <= scripts; ++seed) {

@@ -4,6 +4,8 @@
 
 #include <qor/attrlog/session/Session.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -134,8 +136,14 @@ void manySeeds(std::uint64_t count, Run const& run) {
     }
 }
 
-TEST(Convergence, CopyEqualsItsSourceForEveryRoomAndEveryCut) { manySeeds(400, runScript); }
+TEST(Convergence, CopyEqualsItsSourceForEveryRoomAndEveryCut) {
+    manySeeds(Settings::volume(400, 150, 40), runScript);
+    ;
+}
 
-TEST(Convergence, SourceEqualsTheCopyThatIsWritten) { manySeeds(100, runWriters); }
+TEST(Convergence, SourceEqualsTheCopyThatIsWritten) {
+    manySeeds(Settings::volume(100, 50, 15), runWriters);
+    ;
+}
 
 }  // namespace

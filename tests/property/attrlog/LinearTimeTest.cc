@@ -6,6 +6,8 @@
 #include <qor/tree/Dir.h>
 #include <vgw/agent/Status.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -105,11 +107,7 @@ void expectLinear(std::size_t count, std::string (*input)(std::size_t count)) {
     ADD_FAILURE() << "twice the input takes " << ratio << " times as long";
 }
 
-#ifdef QOR_PLAIN_NEW
-constexpr std::size_t unit = 500;  // sanitizers are slow
-#else
-constexpr std::size_t unit = 10000;
-#endif
+constexpr std::size_t unit = Settings::volume(10000, 500, 500);
 
 TEST(LinearTime, Values) {
     expectLinear(unit, [](std::size_t count) {

@@ -4,6 +4,8 @@
 
 #include <vgw/agent/Status.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -16,11 +18,7 @@ using Qor::make;
 using Qor::Name;
 using Qor::String8;
 
-#ifdef QOR_PLAIN_NEW
-constexpr std::size_t stride = 61;  // sanitizers are slow
-#else
-constexpr std::size_t stride = 1;
-#endif
+constexpr std::size_t stride = Settings::volume(1, 61, 61);
 
 String8 text(char letter, std::size_t length) {
     return String8(std::string_view(std::string(length, letter)));

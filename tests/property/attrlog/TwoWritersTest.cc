@@ -5,6 +5,8 @@
 
 #include <qor/attrlog/session/Session.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -148,15 +150,10 @@ class Chain {
     std::vector<std::unique_ptr<Link>> links_;
 };
 
-std::uint64_t numberOf(char const* variable, std::uint64_t otherwise) {
-    char const* const given = std::getenv(variable);
-    return given ? std::strtoull(given, nullptr, 10) : otherwise;
-}
-
 // VGW_SEEDS=n runs so many, from VGW_SEED on.
 void manySeeds(std::uint64_t count, std::size_t length) {
-    std::uint64_t const from = numberOf("VGW_SEED", 1);
-    std::uint64_t const many = numberOf("VGW_SEEDS", std::getenv("VGW_SEED") ? 1 : count);
+    std::uint64_t const from = Settings::number("VGW_SEED", 1);
+    std::uint64_t const many = Settings::number("VGW_SEEDS", std::getenv("VGW_SEED") ? 1 : count);
     for (std::uint64_t seed = from; seed < from + many; ++seed) {
         Chain chain(seed, length);
         chain.run();
@@ -168,8 +165,8 @@ void manySeeds(std::uint64_t count, std::size_t length) {
     }
 }
 
-TEST(TwoWriters, BothEndsHoldTheSameAtRest) { manySeeds(600, 2); }
+TEST(TwoWriters, BothEndsHoldTheSameAtRest) { manySeeds(Settings::volume(600, 200, 60), 2); }
 
-TEST(TwoWriters, AllOfAChainHoldTheSameAtRest) { manySeeds(300, 3); }
+TEST(TwoWriters, AllOfAChainHoldTheSameAtRest) { manySeeds(Settings::volume(300, 100, 30), 3); }
 
 }  // namespace

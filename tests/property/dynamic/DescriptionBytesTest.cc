@@ -7,6 +7,8 @@
 #include <qor/dynamic/DynamicAdapter.h>
 #include <qor/generic/GenericException.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -108,6 +110,7 @@ TEST_P(DescriptionBytes, AreRefusedOrTaken) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, DescriptionBytes, testing::Range(1U, 21U));
+INSTANTIATE_TEST_SUITE_P(Seeds, DescriptionBytes,
+                         testing::Range(1U, 1U + unsigned{Settings::volume(20, 10, 3)}));
 
 }  // namespace

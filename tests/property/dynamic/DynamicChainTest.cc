@@ -9,6 +9,8 @@
 
 #include <vgw/attrlog/Status.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -107,6 +109,7 @@ TEST_P(DynamicChain, HoldsTheSameEverywhereAtRest) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, DynamicChain, testing::Range(1U, 101U));
+INSTANTIATE_TEST_SUITE_P(Seeds, DynamicChain,
+                         testing::Range(1U, 1U + unsigned{Settings::volume(100, 50, 15)}));
 
 }  // namespace

@@ -2,19 +2,15 @@
 #ifndef TESTS_PROPERTY_FRAMEWORK_RANDOM_H
 #define TESTS_PROPERTY_FRAMEWORK_RANDOM_H
 
+#include <tests/support/Settings.h>
+
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
 namespace Sample {
 
-/// How much of the work is done in this build: all of it, or a share where a sanitizer makes each
-/// step many times as dear.
-#ifdef QOR_PLAIN_NEW
-inline constexpr int workShare = 25;
-#else
-inline constexpr int workShare = 1;
-#endif
+/// Of so many parts of the work this build does one.
+inline constexpr int workShare = static_cast<int>(Settings::volume(1, 25, 50));
 
 class Random {
   public:
@@ -33,10 +29,7 @@ class Random {
     std::uint64_t state_;
 };
 
-inline std::uint64_t testSeed() {
-    char const* const text = std::getenv("VGW_TEST_SEED");
-    return text ? std::strtoull(text, nullptr, 10) : 20240229;
-}
+inline std::uint64_t testSeed() { return Settings::seed(); }
 inline std::string seedNote(std::uint64_t seed) { return "VGW_TEST_SEED=" + std::to_string(seed); }
 
 }  // namespace Sample

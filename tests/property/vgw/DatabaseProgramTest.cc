@@ -4,8 +4,11 @@
 #include <algorithm>
 #include <list>
 #include <optional>
+#include <random>
 #include <stdexcept>
 #include <tuple>
+
+#include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
 
@@ -13,9 +16,10 @@
 
 #include "EntityClass.h"
 #include "NaiveRow.h"
-#include "Settings.h"
 
 namespace {
+
+using Random = std::mt19937_64;
 
 using Contract::Attribute;
 using Contract::EntityClass;
@@ -358,9 +362,9 @@ class Program {
 };
 
 TEST(DatabaseProgram, HoldsAndTellsWhatPlainMapsSay) {
-    SCOPED_TRACE(seedText());
-    Program program(seed());
-    for (Qor::U64 i = amount(60000); i > 0 && !testing::Test::HasFatalFailure(); --i) {
+    SCOPED_TRACE(Settings::seedText());
+    Program program(Settings::seed());
+    for (Qor::U64 i = Settings::values(60000); i > 0 && !testing::Test::HasFatalFailure(); --i) {
         program.step();
     }
     std::map<std::string, int> did = program.did();

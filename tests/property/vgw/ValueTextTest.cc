@@ -1,16 +1,19 @@
 // Of a million values of each type: text and wire give the same value back. And of texts near a
 // good one: each is read, and then prints what reads the same again, or is refused by a range
 // exception.
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
 #include <vgw/OvsdbDataTypes.h>
 #include <vgw/VgwTypes.h>
-
-#include "Settings.h"
+#include <random>
 
 namespace {
+
+using Random = std::mt19937_64;
 
 constexpr Qor::U64 whole = 1000000;
 
@@ -39,7 +42,7 @@ Vgw::PhysicalLocatorKey randomValue(Random& random, Vgw::PhysicalLocatorKey*) {
 template <class V>
 class TextAndWire : public testing::Test {
   protected:
-    TextAndWire() : trace_(__FILE__, __LINE__, seedText()) {}
+    TextAndWire() : trace_(__FILE__, __LINE__, Settings::seedText()) {}
     static V drawn(Random& random) { return randomValue(random, static_cast<V*>(nullptr)); }
 
   private:
@@ -52,8 +55,8 @@ using Types = testing::Types<Vgw::MacVniPair, Vgw::PhysicalLocatorKey, Vgw::Ovsd
 TYPED_TEST_SUITE(TextAndWire, Types);
 
 TYPED_TEST(TextAndWire, TextComesBack) {
-    Random random(seed());
-    for (Qor::U64 i = amount(whole); i > 0; --i) {
+    Random random(Settings::seed());
+    for (Qor::U64 i = Settings::values(whole); i > 0; --i) {
         auto const value = this->drawn(random);
         ASSERT_EQ(Qor::strepToValue<TypeParam>(valueToStrep(value)), value);
     }
@@ -61,10 +64,10 @@ TYPED_TEST(TextAndWire, TextComesBack) {
 
 TYPED_TEST(TextAndWire, WireComesBack) {
     if constexpr (!std::is_enum_v<TypeParam>) {
-        Random random(seed());
+        Random random(Settings::seed());
         Qor::Ptr<Qor::NboAttrLog::Out> const out = Qor::make<Qor::NboAttrLog::Out>();
         Qor::NboAttrLog::In in(97);
-        for (Qor::U64 i = amount(whole); i > 0; --i) {
+        for (Qor::U64 i = Settings::values(whole); i > 0; --i) {
             auto const value = this->drawn(random);
             out << value;
             ASSERT_EQ(in.receive(out->unsent()), out->unsent().size());
@@ -99,9 +102,9 @@ std::string damaged(std::string text, Random& random) {
 }
 
 TYPED_TEST(TextAndWire, DamagedTextIsReadAsWhatItSaysOrRefused) {
-    Random random(seed());
+    Random random(Settings::seed());
     int refused = 0;
-    for (Qor::U64 i = amount(whole) / 50; i > 0; --i) {
+    for (Qor::U64 i = Settings::values(whole) / 50; i > 0; --i) {
         std::string const text =
             damaged(std::string(valueToStrep(this->drawn(random)).view()), random);
         try {
@@ -117,10 +120,10 @@ TYPED_TEST(TextAndWire, DamagedTextIsReadAsWhatItSaysOrRefused) {
 // Bytes that nobody wrote: read whole, or refused by name.
 TYPED_TEST(TextAndWire, AnyBytesOnTheWireAreReadOrRefused) {
     if constexpr (!std::is_enum_v<TypeParam>) {
-        Random random(seed());
+        Random random(Settings::seed());
         int read = 0;
         int refused = 0;
-        for (Qor::U64 i = amount(whole) / 50; i > 0; --i) {
+        for (Qor::U64 i = Settings::values(whole) / 50; i > 0; --i) {
             std::string bytes(random() % 12, '\0');
             for (char& byte : bytes) {
                 byte = static_cast<char>(random() % 3 ? random() % 3 : random());

@@ -1,10 +1,10 @@
 #include <qor/core/Strep.h>
+#include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
-#include <cstdlib>
 #include <random>
 #include <string>
 
@@ -16,24 +16,7 @@ namespace {
 
 using Random = std::mt19937_64;
 
-Qor::U64 setting(char const* name, Qor::U64 otherwise) {
-    char const* const text = std::getenv(name);
-    return text != nullptr ? std::strtoull(text, nullptr, 10) : otherwise;
-}
-
-Qor::U64 seed() {
-    static Qor::U64 const chosen = setting("VGW_TEST_SEED", 20240229);
-    return chosen;
-}
-
-// Under the sanitizers each value costs more than ten times as much.
-#ifdef QOR_PLAIN_NEW
-constexpr int usualValues = 100000;
-#else
-constexpr int usualValues = 1000000;
-#endif
-
-int values() { return static_cast<int>(setting("VGW_TEST_VALUES", usualValues)); }
+int values() { return static_cast<int>(Settings::values(1000000)); }
 
 // Numbers of all magnitudes, not only of the greatest.
 template <class Number>
@@ -60,8 +43,8 @@ void expectToComeBack(Value const& value) {
 
 template <class Number>
 void numbersComeBack() {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     for (int i = 0; i < values() && !testing::Test::HasFailure(); ++i) {
         expectToComeBack(randomNumber<Number>(random));
     }
@@ -79,8 +62,8 @@ TEST(StrepProperty, I32ComesBack) { numbersComeBack<Qor::I32>(); }
 TEST(StrepProperty, I64ComesBack) { numbersComeBack<Qor::I64>(); }
 
 TEST(StrepProperty, DoubleComesBackBitByBit) {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     for (int i = 0; i < values(); ++i) {
         auto const value = std::bit_cast<double>(random());
         auto const back = Qor::strepToValue<double>(Qor::valueToStrep(value));
@@ -93,8 +76,8 @@ TEST(StrepProperty, DoubleComesBackBitByBit) {
 }
 
 TEST(StrepProperty, StringsOfAnyBytesComeBack) {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     for (int i = 0; i < values() && !HasFailure(); ++i) expectToComeBack(randomText(random));
 }
 
@@ -107,8 +90,8 @@ long long columnIn(std::string const& message) {
 
 template <class Value>
 void randomBytesAreReadOrRefused() {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     int refused = 0;
     for (int i = 0; i < values() / 10; ++i) {
         auto const text = randomText(random);

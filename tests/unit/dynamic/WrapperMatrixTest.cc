@@ -89,8 +89,9 @@ class WrapperMatrix : public testing::TestWithParam<char const*> {
 
     void compare(Pair const& at, QorType* keyType, QorType* valueType,
                  GenericIf::AttributeOp const& op) {
+        auto const values = argumentsFor(valueType, random);
         for (Pair const& key : argumentsFor(keyType, random)) {
-            for (Pair const& argument : argumentsFor(valueType, random)) {
+            for (Pair const& argument : values) {
                 ASSERT_EQ(outcome(at.described, op, key.described, argument.described),
                           outcome(at.compiled, op, key.compiled, argument.compiled))
                     << GetParam() << " attribute " << op.attributeId << " operation " << op.opId;

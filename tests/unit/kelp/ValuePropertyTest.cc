@@ -4,10 +4,10 @@
 #include <kelp/IpAddr.h>
 #include <kelp/Vni.h>
 #include <qor/core/Strep.h>
+#include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <random>
 #include <string>
 
@@ -19,24 +19,7 @@ namespace {
 
 using Random = std::mt19937_64;
 
-Qor::U64 setting(char const* name, Qor::U64 otherwise) {
-    char const* const text = std::getenv(name);
-    return text != nullptr ? std::strtoull(text, nullptr, 10) : otherwise;
-}
-
-Qor::U64 seed() {
-    static Qor::U64 const chosen = setting("VGW_TEST_SEED", 20240229);
-    return chosen;
-}
-
-// Under the sanitizers each value costs more than ten times as much.
-#ifdef QOR_PLAIN_NEW
-constexpr int usualValues = 100000;
-#else
-constexpr int usualValues = 1000000;
-#endif
-
-int values() { return static_cast<int>(setting("VGW_TEST_VALUES", usualValues)); }
+int values() { return static_cast<int>(Settings::values(1000000)); }
 
 struct IpAddrs {
     using Value = Kelp::IpAddr;
@@ -62,8 +45,8 @@ using Kinds = testing::Types<IpAddrs, EthAddrs, Vnis>;
 TYPED_TEST_SUITE(NetworkValue, Kinds);
 
 TYPED_TEST(NetworkValue, TextComesBack) {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     for (int i = 0; i < values(); ++i) {
         auto const value = TypeParam::random(random);
         ASSERT_EQ(Qor::strepToValue<typename TypeParam::Value>(valueToStrep(value)), value);
@@ -71,8 +54,8 @@ TYPED_TEST(NetworkValue, TextComesBack) {
 }
 
 TYPED_TEST(NetworkValue, WireComesBack) {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     Qor::Ptr<Qor::NboAttrLog::Out> const out = Qor::make<Qor::NboAttrLog::Out>();
     Qor::NboAttrLog::In in(97);
     for (int i = 0; i < values(); ++i) {
@@ -104,8 +87,8 @@ std::string damaged(std::string text, Random& random) {
 }
 
 TYPED_TEST(NetworkValue, DamagedTextIsReadAsWhatItSaysOrRefused) {
-    SCOPED_TRACE("seed " + std::to_string(seed()));
-    Random random(seed());
+    SCOPED_TRACE("seed " + std::to_string(Settings::seed()));
+    Random random(Settings::seed());
     int refused = 0;
     for (int i = 0; i < values() / 10; ++i) {
         auto const good = valueToStrep(TypeParam::random(random));

@@ -3,19 +3,17 @@
 #ifndef MODELC_EMIT_REFMAPEMITTER_H
 #define MODELC_EMIT_REFMAPEMITTER_H
 
-#include <modelc/emit/KeyedEmitter.h>
+#include <modelc/emit/MapEmitter.h>
 
 namespace Modelc {
 
-class RefMapEmitter : public KeyedEmitter {
+class RefMapEmitter : public MapEmitter {
   public:
     RefMapEmitter(Entity const& entity, Attribute const& attribute);
 
-    std::string field() const override;
-
   protected:
-    std::string accessorDeclarations() const override;
-    std::string accessorDefinitions() const override;
+    std::string memberDeclaration() const override;
+    std::string memberDefinition() const override;
 };
 
 }  // namespace Modelc

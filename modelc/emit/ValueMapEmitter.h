@@ -2,19 +2,13 @@
 #ifndef MODELC_EMIT_VALUEMAPEMITTER_H
 #define MODELC_EMIT_VALUEMAPEMITTER_H
 
-#include <modelc/emit/KeyedEmitter.h>
+#include <modelc/emit/MapEmitter.h>
 
 namespace Modelc {
 
-class ValueMapEmitter : public KeyedEmitter {
+class ValueMapEmitter : public MapEmitter {
   public:
     ValueMapEmitter(Entity const& entity, Attribute const& attribute);
-
-    std::string field() const override;
-
-  protected:
-    std::string accessorDeclarations() const override;
-    std::string accessorDefinitions() const override;
 };
 
 }  // namespace Modelc

@@ -1,5 +1,5 @@
-"""Bugs to plant into the attribute log, one for each way in which it could fail: what breaks, the file, what stands there
-and what is put in its place."""
+"""Bugs to plant, one for each way in which the system could fail: what breaks, the file, what stands there, what is put in
+its place, and the test programs that are to find it; where none is named, the simulation of the small model."""
 
 FAMILY = "qor/attrlog/family/"
 FLOW = "qor/attrlog/flow/"
@@ -60,4 +60,69 @@ MUTANTS = [
      "adapter.beginRecord(deleted ? -S::id : S::id);", "if (deleted) return true;\n    adapter.beginRecord(S::id);"),
     ("a child is not told that it is gone", FAMILY + "ChildOut.h",
      "        adapter.beginRecord(-S::id);\n        guard.out() << Token::begin << key << Token::end;\n", ""),
+    # What comes in.
+    ("a length beyond the frame is believed", "qor/attrlog/NboAttrLogIn.cc",
+     "    limitIs(frame.end - 1);\n", "", ["attrlog_session", "attrlog_codec", "dynamic_property"]),
+    ("the greatest frame is not asked for", "qor/attrlog/NboAttrLogIn.cc",
+     "    if (size > greatest) {\n", "    if (size > greatest && size == 0) {\n", ["attrlog_session", "attrlog_codec"]),
+    ("a frame's end token is not looked at", "qor/attrlog/NboAttrLogIn.cc",
+     "if (close != static_cast<U8>(Token::end)) {", "if (close == 0) {", ["attrlog_codec", "attrlog_session"]),
+    ("the quota of entities is not kept", FLOW + "Demuxer.cc",
+     "if (adapters_.size() >= quota_.entities) {", "if (adapters_.size() == 0) {", ["attrlog_session", "attrlog_inbound_memory"]),
+    ("the quota of half texts is not kept", FLOW + "Demuxer.cc",
+     "if (bytes > quota_.openTextBytes - std::min(openText_, quota_.openTextBytes)) {", "if (bytes > quota_.openTextBytes) {",
+     ["attrlog_session", "attrlog_flow", "attrlog_inbound_memory"]),
+    ("the peer gives ids of our half", FLOW + "Demuxer.cc",
+     "bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;", "bool const isPeers = id.isUnified();",
+     ["attrlog_flow", "attrlog_session"]),
+    ("a reader's write is applied", FLOW + "DemuxerIn.cc",
+     "found->has(AdapterState::readOnlyRemote) &&", "found->has(AdapterState::readOnlyLocal) &&", ["attrlog_session", "attrlog_flow"]),
+    ("a snapshot of a reader's removes keys", FLOW + "DemuxerIn.cc",
+     "    if (isRefused) {\n        throwInternalException(String8(\"write-update from readonly proxy: \") +\n"
+     "                               found->qorNotifierEntity()->fullName());\n    }\n"
+     "    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorNotifierEntity() : nullptr);\n    found->handleAttrTransaction",
+     "    static_cast<void>(isRefused);\n"
+     "    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorNotifierEntity() : nullptr);\n    found->handleAttrTransaction",
+     ["attrlog_session", "attrlog_flow"]),
+    ("what is read-only here goes out", FAMILY + "OutboundGuard.h",
+     "if (adapter_.has(AdapterState::readOnlyLocal) &&", "if (adapter_.has(AdapterState::readOnlyRemote) &&",
+     ["attrlog_session", "attrlog_flow"]),
+    ("a ring that grows loses its place", "qor/attrlog/ConnectionIn.cc",
+     "    lap_ = position - position % wider;\n", "", ["attrlog_codec", "attrlog_session", "attrlog_flow"]),
+    # Maps and telling.
+    ("a walker stands on a member that left", "qor/collections/MapWalker.cc",
+     "if (at->current_ == member && !at->isLeft_) {", "if (at->current_ == member && at->isLeft_) {",
+     ["framework_map_iterators", "framework_map_model"]),
+    ("only the first walker hears of a member that leaves", "qor/collections/MapWalker.cc",
+     "            at->hold();\n", "            at->hold();\n            return;\n", ["framework_map_iterators", "framework_map_model"]),
+    ("a notifiee that ended is told", "qor/notify/SnapshotIterator.h",
+     "if ((*served)->qorRefs() != 1) {", "if ((*served)->qorRefs() != 0) {", ["framework_notifiee_model", "framework_notifier_end"]),
+    ("what a notifiee throws ends the telling", "qor/notify/Dispatch.cc",
+     "            reportException(notifiee, id);\n", "            reportException(notifiee, id);\n            return;\n",
+     ["framework_dispatch", "framework_notifiee_model"]),
+    ("what notifiees of an exception throw gets out", "qor/notify/Dispatch.cc",
+     "    } catch (...) {\n    }\n}", "    } catch (int) {\n    }\n}", ["framework_dispatch", "framework_notifiee_model"]),
+    # The generic interface.
+    ("a const wrapper gives a wrapper that writes", "qor/generic/AttributeSteps.h",
+     "return wrapped(ownedEntity<A>(ChildMapSteps::of(entity), unwrapped<Name>(*key)), isConst);",
+     "return wrapped(ownedEntity<A>(ChildMapSteps::of(entity), unwrapped<Name>(*key)), isConst && false);", ["vgw_generic_contract"]),
+    ("a wrapper tells after its entity was changed", "qor/generic/EntityWrapper.h",
+     "        adapter_->notifierIs(checked);\n", "", ["framework_generic", "vgw_generic_contract"]),
+    # The mirror.
+    ("a switch that is gone stays in the mirror", "ovsdb/mirror/MirrorRows.cc",
+     "            return void(database_->logicalSwitchDel(name));", "            return;", ["ovsdb_mirror_units", "ovsdb_mirror_property"]),
+    ("what a tunnel key gives is not counted again", "ovsdb/mirror/Mirror.cc",
+     "    if (changed || !node.isRow) touch(node);\n", "    if (!node.isRow) touch(node);\n", ["ovsdb_mirror_units", "ovsdb_mirror_property"]),
+    ("a tunnel that moved keeps its old place", "ovsdb/mirror/Mirror.cc",
+     "        graph_.tunnelIs(old, change.uuid, false);\n", "", ["ovsdb_mirror_units", "ovsdb_mirror_property"]),
+    # Who may.
+    ("a count of a quota goes round", "vgwd/serve/Quotas.cc",
+     "return a > most - b ? most : static_cast<Count>(a + b);", "return static_cast<Count>(most > 0 ? a + b : a);", ["vgwd_serve_units"]),
+    ("who can't be identified reads", "vgwd/serve/Access.cc",
+     'if (!credentials) return {"unknown", PeerRole::refused, "who you are can\'t be learned"};',
+     'if (!credentials) return {"unknown", PeerRole::reader, {}};', ["vgwd_serve_units"]),
+    ("members of the read group write", "vgwd/serve/Access.cc",
+     "isMember(*credentials, writeGroup);", "isMember(*credentials, readGroup);", ["vgwd_serve_units"]),
+    ("any certificate writes", "vgwd/serve/Access.cc",
+     "bool const isWriter = writerNames.contains(commonName);", "bool const isWriter = !writerNames.empty();", ["vgwd_serve_units"]),
 ]

@@ -38,7 +38,16 @@ bool isOwed(Adapter& adapter, Key const& key) {
     }
 }
 
-/// Of a copy: what was owed of the value is owed no more.
+/// Whether what the peer announces has stood here and gone, which the peer is to hear of. What is
+/// only read may be announced again.
+template <class Adapter>
+bool isOfTheGone(Adapter& adapter, NboAttrLog::Demuxer& demuxer, EntityId const& id) {
+    if (demuxer.hasGoneHere(id)) return true;
+    return !adapter.has(AdapterState::readOnlyLocal) &&
+           demuxer.isOfTheGone(id, adapter.has(AdapterState::isCopy));
+}
+
+/// What was owed of the value is owed no more.
 template <class S, class Adapter, class Key>
 void forgive(Adapter& adapter, Key const& key) {
     auto* const flow = flowOf(adapter);

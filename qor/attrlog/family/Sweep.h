@@ -4,7 +4,7 @@
 #define QOR_ATTRLOG_FAMILY_SWEEP_H
 
 #include <qor/attrlog/family/ChildOut.h>
-#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
 
@@ -34,14 +34,25 @@ bool hasCrossedSnapshot(Adapter& adapter) {
     return adapter.hasSentSince(flow ? flow->heardAtBegin() : 0);
 }
 
-/// Deletes a key without sending it back, unless the snapshot may have missed what the peer holds.
+/// Deletes a key without sending it back.
 template <class S, class Adapter>
 void sweepKey(Adapter& adapter, typename S::Key const& key) {
-    {
-        IsActiveAnchor const anchor(adapter);
-        S::del(targetOf<S>(adapter), key);
-    }
-    if (hasCrossedSnapshot(adapter)) S::on(adapter, key);
+    IsActiveAnchor const anchor(adapter);
+    S::del(targetOf<S>(adapter), key);
+}
+
+/// One marked key at the end. It stays where the peer had not heard of all that was sent for the
+/// entity, and goes to it again; of a copy, where it is still to be sent.
+template <class S, class Adapter>
+void sweepMember(Adapter& adapter, typename S::Member const& member) {
+    typename S::Key const key = member.fwkKey();
+    bool const isOriginal = hasCrossedSnapshot(adapter);
+    auto* const flow = adapter.has(AdapterState::isCopy) ? flowOf(adapter) : nullptr;
+    bool const isToCome =
+        flow && (flow->template dirtyKeys<S>().member(key) || isHalfSent<S>(adapter, key));
+    if (!isOriginal && !isToCome) return sweepKey<S>(adapter, key);
+    member.qorMarkedForDeletionIs(false);
+    if (isOriginal) S::on(adapter, key);
 }
 
 template <class S, class Adapter>
@@ -51,9 +62,27 @@ void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
         if (type == StreamAdapter::begin) {
             member.qorMarkedForDeletionIs(true);
         } else if (member.qorMarkedForDeletion()) {
-            sweepKey<S>(adapter, member.fwkKey());
+            sweepMember<S>(adapter, member);
         }
     });
+}
+
+/// One child at a marker. What the peer had not heard of when its snapshot began stays: it is on
+/// its way there, or owed.
+template <class S, class Adapter>
+void sweepChild(Adapter& adapter, typename S::Key const& key, Entity::QorNboAttrLogSa* known,
+                StreamAdapter::AttrTransactionType type) {
+    if (type == StreamAdapter::begin) {
+        if (known && !known->isUnheardOf()) known->flagIs(AdapterState::remountPending, true);
+        return;
+    }
+    bool const isSwept =
+        known ? known->has(AdapterState::remountPending) : !isOwed<S>(adapter, key);
+    if (!isSwept) return;
+    typename S::Key const gone = key;
+    bool const hasCrossed = hasCrossedSnapshot(adapter);
+    sweepKey<S>(adapter, gone);
+    if (hasCrossed) S::on(adapter, gone);
 }
 
 template <class S, class Adapter>
@@ -62,12 +91,7 @@ void sweepChildren(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member& member) {
         auto* const known = childOfMember<S>(&member)->qorNboAttrLogSa(out);
-        if (type == StreamAdapter::begin) {
-            if (known) known->flagIs(AdapterState::remountPending, true);
-        } else if (!known || known->has(AdapterState::remountPending)) {
-            typename S::Key const key = member.fwkKey();
-            sweepKey<S>(adapter, key);
-        }
+        sweepChild<S>(adapter, member.fwkKey(), known, type);
     });
 }
 

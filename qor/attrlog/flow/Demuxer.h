@@ -103,6 +103,12 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Whether an id was drawn here for what has gone since: the peer is to hear of that, and what
     // it says of the entity meanwhile is skipped.
     bool hasGoneHere(EntityId const& id) const;
+    // Notes that the peer announces that id, of a tree of which this end holds the copy or not.
+    // Ids are announced in rising order for the first time: whether it is announced once more,
+    // for what has gone here since.
+    bool isOfTheGone(EntityId const& id, bool isCopy);
+    // Copies are mounted anew: what has gone may come again.
+    void forgetTheGone() noexcept { newestOfCopies_ = 0; }
     // Whether `child`, which stands where the peer announces an entity of that id, is another one
     // that has to make room: it was announced on this connection under another id. `isCollected`
     // tells whether it stands in a collection.
@@ -201,6 +207,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 heard_ = 0;      // frames of the peer's that were taken, the one being read included
     U64 toldHeard_ = 0;  // what the last receipt said
     U64 peerHeard_ = 0;  // what the peer's last receipt said
+    U64 newestOfCopies_ = 0;     // the greatest id that the peer has announced
+    U64 newestOfOriginals_ = 0;  // the same, of what the peer made in trees of this end's
     Quota quota_;
     Counters counters_;
     U32 protocol_ = 2;

@@ -171,6 +171,7 @@ void takeDownEntry(Adapter& adapter, Name const& key) {
     if (auto const entity = dir.entry(key)) {
         NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
     }
+    tellTargetGone(adapter);
     adapter.flagIs(AdapterState::isActive, true);
     dir.entryDel(key);
 }
@@ -193,6 +194,7 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
         if (entity) {
             takeBack(adapter, told.key, *entity);
             NboAttrLog::deleteAdapter(*entity, out);
+            tellTargetGone(adapter);
         }
         entity = told.entity;
     }
@@ -234,9 +236,8 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
 
 void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
-    Qor::Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     walkUntilQuiet<EntryStream>(targetOf<EntryStream>(adapter), [&](QorEntry const& entry) {
-        sweepChild<EntryStream>(adapter, entry.key(), entry.value()->qorNboAttrLogSa(out), type);
+        sweepChild<EntryStream>(adapter, entry.key(), *entry.value(), type);
     });
 }
 

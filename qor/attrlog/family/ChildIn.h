@@ -118,6 +118,7 @@ bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, Ent
 template <class S, class Adapter>
 void takeDownChild(Adapter& adapter, Name const& key) {
     deleteChildAdapter<S>(adapter, childOf<S>(adapter, key));
+    tellTargetGone(adapter);
     adapter.flagIs(AdapterState::isActive, true);
     deleteChild<S>(adapter, key);
 }

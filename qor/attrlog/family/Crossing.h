@@ -47,6 +47,13 @@ bool isOfTheGone(Adapter& adapter, NboAttrLog::Demuxer& demuxer, EntityId const&
            demuxer.isOfTheGone(id, adapter.has(AdapterState::isCopy));
 }
 
+/// A child goes by the peer's word: a copy looks again at the references that it owes.
+template <class Adapter>
+void tellTargetGone(Adapter& adapter) {
+    auto* const demuxer = adapter.streamDemuxer();
+    if (demuxer && adapter.has(AdapterState::isCopy)) demuxer->targetHasGone();
+}
+
 /// What was owed of the value is owed no more.
 template <class S, class Adapter, class Key>
 void forgive(Adapter& adapter, Key const& key) {

@@ -70,8 +70,10 @@ void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
 /// One child at a marker. What the peer had not heard of when its snapshot began stays: it is on
 /// its way there, or owed.
 template <class S, class Adapter>
-void sweepChild(Adapter& adapter, typename S::Key const& key, Entity::QorNboAttrLogSa* known,
+void sweepChild(Adapter& adapter, typename S::Key const& key, Entity& child,
                 StreamAdapter::AttrTransactionType type) {
+    Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
+    auto* const known = child.qorNboAttrLogSa(out);
     if (type == StreamAdapter::begin) {
         if (known && !known->isUnheardOf()) known->flagIs(AdapterState::remountPending, true);
         return;
@@ -81,6 +83,7 @@ void sweepChild(Adapter& adapter, typename S::Key const& key, Entity::QorNboAttr
     if (!isSwept) return;
     typename S::Key const gone = key;
     bool const hasCrossed = hasCrossedSnapshot(adapter);
+    tellTargetGone(adapter);
     sweepKey<S>(adapter, gone);
     if (hasCrossed) S::on(adapter, gone);
 }
@@ -88,10 +91,8 @@ void sweepChild(Adapter& adapter, typename S::Key const& key, Entity::QorNboAttr
 template <class S, class Adapter>
 void sweepChildren(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
-    Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member& member) {
-        auto* const known = childOfMember<S>(&member)->qorNboAttrLogSa(out);
-        sweepChild<S>(adapter, member.fwkKey(), known, type);
+        sweepChild<S>(adapter, member.fwkKey(), *childOfMember<S>(&member), type);
     });
 }
 

@@ -157,6 +157,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Flows, those included that wait for an id.
     std::size_t flows() const noexcept { return ready_.size() + waiting_.size(); }
     void wake(FlowOut& flow);
+    // What flows wait for may never come: they look once more.
+    void targetHasGone() noexcept { ++announced_; }
 
     // Hands up to `budget` frames that have arrived to their adapters. The number of frames.
     std::size_t serveFrames(std::size_t budget);
@@ -201,13 +203,13 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 ownHalf_;
     U64 reserve_;
     U64 sliceEnd_ = noEnd;
-    U64 announced_ = 0;  // counts ids that became known
+    U64 announced_ = 0;  // counts ids that became known, and targets that went
     U64 waitingSince_ = 0;
     U64 openText_ = 0;
-    U64 heard_ = 0;      // frames of the peer's that were taken, the one being read included
-    U64 toldHeard_ = 0;  // what the last receipt said
-    U64 peerHeard_ = 0;  // what the peer's last receipt said
-    U64 newestOfCopies_ = 0;     // the greatest id that the peer has announced
+    U64 heard_ = 0;           // frames of the peer's that were taken, the one being read included
+    U64 toldHeard_ = 0;       // what the last receipt said
+    U64 peerHeard_ = 0;       // what the peer's last receipt said
+    U64 newestOfCopies_ = 0;  // the greatest id that the peer has announced
     U64 newestOfOriginals_ = 0;  // the same, of what the peer made in trees of this end's
     Quota quota_;
     Counters counters_;

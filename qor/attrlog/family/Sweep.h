@@ -41,29 +41,27 @@ void sweepKey(Adapter& adapter, typename S::Key const& key) {
     S::del(targetOf<S>(adapter), key);
 }
 
-/// One marked key at the end. It stays where the peer had not heard of all that was sent for the
-/// entity, and goes to it again; of a copy, where it is still to be sent.
+/// Whether a key that the peer's snapshot lacks stays although it is marked: of a copy, where it is
+/// still to be sent.
 template <class S, class Adapter>
-void sweepMember(Adapter& adapter, typename S::Member const& member) {
-    typename S::Key const key = member.fwkKey();
-    bool const isOriginal = hasCrossedSnapshot(adapter);
+bool isStillToCome(Adapter& adapter, typename S::Key const& key) {
     auto* const flow = adapter.has(AdapterState::isCopy) ? flowOf(adapter) : nullptr;
-    bool const isToCome =
-        flow && (flow->template dirtyKeys<S>().member(key) || isHalfSent<S>(adapter, key));
-    if (!isOriginal && !isToCome) return sweepKey<S>(adapter, key);
-    member.qorMarkedForDeletionIs(false);
-    if (isOriginal) S::on(adapter, key);
+    return flow && (flow->template dirtyKeys<S>().member(key) || isHalfSent<S>(adapter, key));
 }
 
+/// What the peer had not heard of when its snapshot began stays, and goes to it again.
 template <class S, class Adapter>
 void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
+    bool const goesAgain = hasCrossedSnapshot(adapter);
     walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member const& member) {
-        if (type == StreamAdapter::begin) {
-            member.qorMarkedForDeletionIs(true);
-        } else if (member.qorMarkedForDeletion()) {
-            sweepMember<S>(adapter, member);
-        }
+        if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);
+        if (!member.qorMarkedForDeletion()) return;
+        typename S::Key const key = member.fwkKey();
+        bool const stays = goesAgain || isStillToCome<S>(adapter, key);
+        if (!stays) return sweepKey<S>(adapter, key);
+        member.qorMarkedForDeletionIs(false);
+        if (goesAgain) S::on(adapter, key);
     });
 }
 

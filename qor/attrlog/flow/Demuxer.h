@@ -68,6 +68,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         U64 refusedLocally = 0;     // changes of what may not be changed here
         U64 flowsMade = 0;
         U64 unknownClasses = 0;  // entities of a class that is not known here, skipped
+        U64 refusedToPeer = 0;   // values that are this process's alone, skipped
     };
 
     Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side);
@@ -84,6 +85,11 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Whether what is read-only here may be made writable.
     bool mayConvert() const noexcept { return mayConvert_; }
     void mayConvertIs(bool mayConvert) noexcept { mayConvert_ = mayConvert; }
+    // Whether isNondestructing is applied when the peer tells another than the entity's here. It
+    // switches the counting of references off, which is no matter of another process's: a session
+    // lets it be skipped, and counted.
+    bool peerMayUncount() const noexcept { return peerMayUncount_; }
+    void peerMayUncountIs(bool mayUncount) noexcept { peerMayUncount_ = mayUncount; }
     void quotaIs(Quota const& quota) noexcept { quota_ = quota; }
     Counters const& counters() const noexcept { return counters_; }
 
@@ -137,6 +143,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
     // Counts an entity whose class is not known here, and tells the session.
     void unknownClass(Name const& fullName);
+    void refusedToPeerInc(U32 count) noexcept { counters_.refusedToPeer += count; }
     void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
 
     // Gives the adapter a flow from `startAttr` on, in the place of one that it has, and a place in
@@ -216,6 +223,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U32 protocol_ = 2;
     U32 depth_ = 0;
     bool mayConvert_ = false;
+    bool peerMayUncount_ = true;
     bool tellsWritten_ = false;
     bool hasFailed_ = false;
 };

@@ -49,10 +49,12 @@ bool isStillToCome(Adapter& adapter, typename S::Key const& key) {
     return flow && (flow->template dirtyKeys<S>().member(key) || isHalfSent<S>(adapter, key));
 }
 
-/// What the peer had not heard of when its snapshot began stays, and goes to it again.
+/// Where the peer had not heard of all that was sent for the entity when its snapshot began, what
+/// it lacks is on its way to it, and nothing is marked. What has crossed since goes to it again.
 template <class S, class Adapter>
 void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
+    if (type == StreamAdapter::begin && adapter.hasCrossed()) return;
     bool const goesAgain = hasCrossedSnapshot(adapter);
     walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member const& member) {
         if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);

@@ -32,13 +32,6 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     void onIsNondestructing() override;
     virtual void onEntry(Name key);
     void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) override;
-
-    /// The frame in which an entry was removed last.
-    U64 removedAt() const noexcept { return removedAt_; }
-    void removedAtIs(U64 frame) noexcept { removedAt_ = frame; }
-
-  private:
-    U64 removedAt_ = 0;
 };
 
 struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream

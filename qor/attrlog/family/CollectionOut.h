@@ -89,7 +89,7 @@ class CollectionOut {
     /// What send() answers, if the walk was left.
     std::optional<bool> walk() {
         bool const goesOn = flow_->bookmark() != nullptr;
-        if (!goesOn) adapter_.sendTransactionMarker(S::id, StreamAdapter::begin, 0);
+        if (!goesOn) beginSnapshot();
         Walk at =
             goesOn ? Walk(&map_, NboAttrLog::qorFlowOutBookmarkDeq<Key>(*flow_)) : Walk(&map_);
         while (at) {
@@ -104,6 +104,13 @@ class CollectionOut {
             if (leaves) return leaveAt(at);
         }
         return std::nullopt;
+    }
+
+    void beginSnapshot() {
+        if constexpr (S::kind == StreamKind::childMember || S::kind == StreamKind::entry) {
+            adapter_.tellHeard();
+        }
+        adapter_.sendTransactionMarker(S::id, StreamAdapter::begin, 0);
     }
 
     /// The key of a half sent text is passed: finishText() comes back to it.

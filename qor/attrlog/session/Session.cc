@@ -36,6 +36,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
       lastHeard_(since_) {
     demuxer_->linkHandlerIs(this);
     demuxer_->out()->wakerIs(this);
+    demuxer_->peerMayUncountIs(false);
     demuxer_->tellsWrittenIs(config_.peerMayWrite);
     demuxer_->quotaIs(config_.quota);
     demuxer_->in()->greatestFrameIs(config_.greatestFrame);

@@ -152,6 +152,7 @@ void Session::handleUnmount(In& in) {
 
 // What stands below another mounted entity stays.
 void Session::letGo(EntityId const& id) {
+    demuxer_->forgetTheGone();
     auto* const adapter = demuxer_->adapter(id);
     if (!adapter) return;
     Entity* const parent = adapter->qorNotifierEntity()->qorParent();

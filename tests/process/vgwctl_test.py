@@ -4,6 +4,7 @@ After a wanted change: VGW_GOLDEN=write, with the environment that ctest gives, 
 """
 import os
 import re
+import signal
 import subprocess
 import time
 from pathlib import Path
@@ -250,6 +251,39 @@ class FollowingTest(VgwctlCase):
             self.assertTrue(time.monotonic() < deadline and relay.is_running(), relay.told())
             time.sleep(0.01)
         return relay, f"unix:{socket}"
+
+    def test_a_relay_that_is_ended_leaves_no_socket(self):
+        for number, ending in ((signal.SIGTERM, -15), (signal.SIGINT, -2), (signal.SIGHUP, -1)):
+            relay, remote = self.start_relay("ended")
+            relay.send(number)
+            self.assertEqual(relay.code(), ending)
+            self.assertFalse(Path(remote[5:]).exists())
+
+    def test_the_socket_of_a_killed_relay_is_replaced(self):
+        relay, remote = self.start_relay("killed")
+        relay.kill()
+        self.assertTrue(Path(remote[5:]).exists())
+        self.enterContext(ctl.Running(self.remote, "relay", remote[5:]))
+        self.agent.await_that(lambda: ctl.run(remote, "get", "/vgw").returncode == 0, "another serves there")
+
+    def test_a_relay_leaves_alone_what_is_no_socket_of_its_own(self):
+        _, remote = self.start_relay("taken")
+        (self.directory / "file").write_text("kept")
+        for name, why in (("taken", "another program listens there"), ("file", "there is something that is no socket")):
+            done = self.run_ctl("relay", self.directory / name)
+            self.assertEqual((done.returncode, done.stderr), (1, f"vgwctl: {self.directory / name}: {why}\n"))
+        self.assertEqual((self.directory / "file").read_text(), "kept")
+        self.assertEqual(ctl.read(remote, "get", "/vgw/cliConfig", "managerPort"), "6632\n")
+
+    def test_of_two_relays_that_start_at_one_place_one_is_refused(self):
+        for turn in range(5):
+            relay, remote = self.start_relay(f"both{turn}")
+            relay.kill()
+            both = [self.enterContext(ctl.Running(self.remote, "relay", remote[5:])) for _ in range(2)]
+            self.agent.await_that(lambda: sum(one.is_running() for one in both) == 1, "one of them ends")
+            (refused,) = [one for one in both if not one.is_running()]
+            self.assertIn("another program listens there", refused.told())
+            self.agent.await_that(lambda: ctl.run(remote, "get", "/vgw").returncode == 0, "the other serves")
 
     def test_the_whole_chain_converges_through_relays_and_deaths(self):
         _, first = self.start_relay("first")

@@ -325,24 +325,6 @@ class FollowingTest(VgwctlCase):
         self.read("del", created)
         self.agent.await_that(lambda: not listed(), "the row is gone from the database")
 
-    def completed(self, *words):
-        """What bash offers in the place of the last word."""
-        script = subprocess.run([ctl.program(), "--completion=bash"], capture_output=True, text=True, check=True).stdout
-        script += 'vgwctl() { "$VGWCTL" "$@"; }\nCOMP_WORDS=(vgwctl "$@") COMP_CWORD=$#\n'
-        script += '_vgwctl; printf "%s\\n" "${COMPREPLY[@]}"\n'
-        command = ["bash", "-c", script, "bash", *words]
-        environment = dict(os.environ, VGWCTL_DB=self.remote)
-        return subprocess.run(command, capture_output=True, text=True, check=True, env=environment).stdout.splitlines()
-
-    def test_bash_completes_commands_paths_and_attributes(self):
-        self.assertEqual(self.completed("wa"), ["watch", "wait-until"])
-        self.assertEqual(self.completed("get", "/vgw/cli"), ["/vgw/cliConfig"])
-        self.assertEqual(self.completed("get", f"{OVSDB}/logicalSwitch/{RED[:-1]}"), [f"{OVSDB}/logicalSwitch/{RED}", f"{OVSDB}/logicalSwitch/{BLUE}"])
-        self.assertEqual(self.completed("set", "/vgw/cliConfig", "logS"), ["logSyslog"])
-        self.assertEqual(self.completed("get", "/vgw/cliConfig", "logSyslog", "logC"), ["logConsole"])
-        self.assertEqual(self.completed("call", "/vgw/cliConfig", "re"), ["reset"])
-        self.assertEqual(self.completed("describe", "Vgw::LogicalS"), ["Vgw::LogicalSwitch"])
-
     def test_set_changes_what_the_agent_does(self):
         self.read("set", "/vgw/cliConfig", "managerIp=192.0.2.1", "managerPort=6632")
         self.agent.await_that(
@@ -352,5 +334,7 @@ class FollowingTest(VgwctlCase):
         self.assertEqual(self.read("get", "/vgw/cliConfig", "enableAgent"), "false\n")
 
 
+main = process_case.main
+
 if __name__ == "__main__":
-    process_case.main()
+    main()

@@ -162,6 +162,7 @@ std::string manPage() {
     for (Command const& command : commands()) {
         std::string what = std::string(command.summary) + ".";
         if (!command.details.empty()) what += " " + std::string(command.details);
+        if (!command.formats.empty()) what += " Formats: " + formatNames(command) + ".";
         text += Manual::item(synopsis(command), what);
     }
     text += ".SH EXIT STATUS\n";

@@ -20,7 +20,7 @@ using Qor::NboAttrLog::MountId;
 using Qor::NboAttrLog::Session;
 using Side = Qor::NboAttrLog::Demuxer::Side;
 
-struct Heard : Qor::NboAttrLog::SessionListener {
+struct HeardOfMounts : Qor::NboAttrLog::SessionListener {
     void onMounted(MountId mount, Qor::Ptr<Qor::Entity> const& entity) override {
         mounted[mount] = entity;
     }
@@ -32,7 +32,7 @@ struct Heard : Qor::NboAttrLog::SessionListener {
     std::map<MountId, String8> refused;
 };
 
-struct Given : Qor::NboAttrLog::SessionListener {
+struct AskedGiver : Qor::NboAttrLog::SessionListener {
     String8 onAsked(String8 const&, bool, Qor::Entity&) override {
         ++asked;
         return {};
@@ -75,8 +75,8 @@ class OverlappingMounts : public testing::Test {
     Qor::NboAttrLog::MemoryTransport far;
     Qor::Ptr<Qor::Dir> root = make<Qor::Dir>(Name("vgw"));
     Qor::Ptr<Vgw::Status> status = make<Vgw::Status>(Name("status"));
-    Heard heard;
-    Given given;
+    HeardOfMounts heard;
+    AskedGiver given;
     std::unique_ptr<Session> agent;
     std::unique_ptr<Session> reader;
 };

@@ -32,7 +32,7 @@ TEST(Simulation, AuthorsOfTheSameValuesConverge) {
 // Each is a run in which a child, or what its author wrote below it, had got lost while the source
 // removed or replaced others of the same collection; or a flow was owed for ever.
 TEST(Simulation, NoWriteIsLostThatNobodyOpposes) {
-    for (std::uint64_t const seed : {10, 52, 2019}) {
+    for (std::uint64_t const seed : {10, 52, 2019, 1021685}) {
         EXPECT_EQ(runScript(Request{seed}).violation, "") << seed;
     }
     for (std::uint64_t const seed : {3, 69, 2013}) {

@@ -61,6 +61,10 @@ template <class X, class Base>
 template <class S>
 bool AdapterLevel<X, Base>::sendOwed(NboAttrLog::FlowOut& base) {
     auto& flow = static_cast<typename Adapter::FlowOut&>(base);
+    if constexpr (S::kind == StreamKind::reference) {
+        dropOwedInVain<S>(self());
+        if (this->StreamAdapter::flowOut() != &base) return false;
+    }
     if constexpr (S::isKeyed) {
         return serializeCollection<S>(self());
     } else if constexpr (S::kind == StreamKind::text) {

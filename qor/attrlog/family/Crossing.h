@@ -74,6 +74,21 @@ void forgive(Adapter& adapter, Key const& key) {
     flow->owes();
 }
 
+/// Of a copy: whether what was written here is still to be sent, and so comes behind the peer's.
+/// The peer's is not applied: it may be what was written here before, said once more. A reference
+/// that waits for its target may never be sent, and what a whole state owes was never written.
+template <class S, class Adapter, class Key = Unkeyed>
+bool isToBeReplaced(Adapter& adapter, Key const& key = {}) {
+    auto* const flow = adapter.has(AdapterState::isCopy) ? flowOf(adapter) : nullptr;
+    if (!flow || S::kind == StreamKind::reference) return false;
+    if (isHalfSent<S>(adapter, key)) return true;
+    if constexpr (S::isKeyed) {
+        return flow->template dirtyKeys<S>().member(key) != nullptr;
+    } else {
+        return !flow->isWhole() && flow->template isDirty<S>();
+    }
+}
+
 /// The original sends what it holds.
 template <class S, class Adapter, class Key>
 void sendAgain(Adapter& adapter, Key const& key) {

@@ -6,6 +6,8 @@
 #include <qor/attrlog/family/ValueOut.h>
 #include <qor/core/Expect.h>
 
+#include <vector>
+
 namespace Qor {
 
 /// Writes a record, once more whenever another record came in between. False when an entity that it
@@ -57,13 +59,24 @@ inline bool hasLeftItsTree(Entity const& entity) {
     return top->parentAttrId() != 0;
 }
 
-/// A reference that a copy still owes goes with its target: the original will never have it.
-/// Whether nothing is owed for the key.
+/// Of a copy: the references that it still owes go with their targets, since the original will
+/// never have them. Handlers hear of it, and may end anything.
 template <class S, class Adapter>
-bool dropReference(Adapter& adapter, typename S::Key const& key) {
-    S::del(static_cast<typename S::Entity&>(*adapter.qorNotifierEntity()), key);
+void dropOwedInVain(Adapter& adapter) {
     auto* const flow = flowOf(adapter);
-    return !flow || !flow->template dirtyKeys<S>().member(key);
+    if (!flow || !adapter.has(AdapterState::isCopy)) return;
+    auto& entity = static_cast<typename S::Entity&>(*adapter.qorNotifierEntity());
+    std::vector<typename S::Key> inVain;
+    for (typename DirtyKeyMap<typename S::Key>::IteratorConst at(&flow->template dirtyKeys<S>());
+         at; ++at) {
+        auto const* const member = S::Attr::map(entity).member(at.key());
+        if (!member) continue;
+        auto const& target = S::Attr::valueOf(*member);
+        bool const waits = target && !NboAttrLog::hasIdOn(*target, adapter.nboAttrLogOut());
+        if (waits && hasLeftItsTree(*target)) inVain.push_back(at.key());
+    }
+    Ptr<typename S::Entity> const held(&entity);
+    for (auto const& key : inVain) S::del(entity, key);
 }
 
 /// qorHandleASerializeSing of a reference collection; a null value is a removal. Whether nothing is
@@ -74,9 +87,6 @@ bool serializeReference(Adapter& adapter, typename S::Key const& key,
     OutboundGuard const guard(adapter, S::id);
     if (!guard.mayGo(S::name)) return guard.isNothingOwed();
     if (value && !NboAttrLog::hasIdOn(*value, guard.out())) {
-        bool const isInVain = adapter.has(AdapterState::isCopy) &&
-                              adapter.handlingScheduledFlowOut() && hasLeftItsTree(*value);
-        if (isInVain) return dropReference<S>(adapter, key);
         keepForLater<S>(adapter, key);
         return false;
     }

@@ -34,6 +34,7 @@ void readText(Adapter& adapter, InboundRecord& record) {
             demuxer.textDel(*flow);
             demuxer.flowInDel(adapter.entityId());
         }
+        if (isToBeReplaced<S>(adapter)) return;
         S::set(targetOf<S>(adapter), whole);
         settle<S>(adapter, record);
     } else if (!flow) {
@@ -82,6 +83,7 @@ void readTextMember(Adapter& adapter, InboundRecord& record) {
         demuxer.flowInDel(adapter.entityId());
     }
     auto& entity = targetOf<S>(adapter);
+    if (isToBeReplaced<S>(adapter, key)) return keepMember<S>(entity, key);
     S::set(entity, key, whole);
     keepMember<S>(entity, key);
     settle<S>(adapter, record, key);

@@ -25,7 +25,7 @@ void readScalar(Adapter& adapter, InboundRecord& record) {
     auto value = nextAttributeValue<typename S::Value>(record);
     if (record.echoOnly) {
         S::on(adapter);
-    } else if (!isRefusedToPeer<S>(adapter, record, value)) {
+    } else if (!isRefusedToPeer<S>(adapter, record, value) && !isToBeReplaced<S>(adapter)) {
         S::set(targetOf<S>(adapter), std::move(value));
         settle<S>(adapter, record);
     }
@@ -37,6 +37,7 @@ void readFlagMember(Adapter& adapter, InboundRecord& record) {
     bool const value = record.in.nextbool();
     if (record.echoOnly) return S::on(adapter, key);
     auto& entity = targetOf<S>(adapter);
+    if (isToBeReplaced<S>(adapter, key)) return keepMember<S>(entity, key);
     S::set(entity, key, value);
     keepMember<S>(entity, key);
     settle<S>(adapter, record, key);
@@ -61,6 +62,7 @@ template <class S, class Adapter>
 void readRemoval(Adapter& adapter, InboundRecord& record) {
     auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
     if (record.echoOnly) return S::on(adapter, key);
+    if (isToBeReplaced<S>(adapter, key)) return;
     S::del(targetOf<S>(adapter), key);
     settle<S>(adapter, record, key);
 }

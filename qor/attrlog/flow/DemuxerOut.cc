@@ -27,6 +27,7 @@ void Demuxer::createFlowOut(StreamAdapter& adapter, ConnectDesc const& desc, boo
         dropFlow(adapter);
     }
     adapter.flowOut_ = adapter.flowOutIs(out_, desc, flag, startAttr);
+    adapter.flowOut_->isWhole_ = startAttr == 0;
     adapter.flagIs(AdapterState::steadyState, false);
     if (cutText != 0) adapter.flowOut_->pendingAbortIs(cutText, true);
     ready_.append(*adapter.flowOut_);

@@ -76,6 +76,9 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
     PendingAbortIterator pendingAbortIterator() { return PendingAbortIterator(&pendingAborts_); }
     U32 pendingAborts() const noexcept { return pendingAborts_.size(); }
 
+    // It began with everything owed.
+    bool isWhole() const noexcept { return isWhole_; }
+
     StreamAdapter& streamAdapter() const noexcept { return *adapter_; }
 
     // Something has become owed: a flow that waits for ids gets turns again.
@@ -105,6 +108,7 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
     bool isWaiting_ = false;  // for an id of the peer's; gets no turns
     bool hasResume_ = false;  // resumeAt_ says more than attrId_
     bool isRunning_ = false;
+    bool isWhole_ = false;
     bool leavesOut_ = false;
     HashMap<QorPendingAbort, AttributeId> pendingAborts_;
     StreamAdapter* adapter_;

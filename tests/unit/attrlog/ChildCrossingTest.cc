@@ -136,11 +136,7 @@ TEST_F(ChildCrossing, ReaderGetsNoReceipts) {
 // A reference that a copy owes, and whose target the original takes away.
 TEST_F(ChildCrossing, NoFlowStaysOwedForATargetThatHasGone) {
     Peers again;
-    again.reader.copy = copy;
-    auto const doomed = copy->physicalSwitchRawIs(Name("doomed"));
-    peers.reader.demuxer->close();
     for (int i = 0; i < 200; ++i) original->logicalSwitchIs(Name(std::to_string(i).c_str()));
-    copy->physicalSwitchRawDel(Name("doomed"));
     auto const stale = make<HwVtepOvsdb>(Name("db"));
     again.reader.copy = stale;
     auto const target = stale->physicalSwitchRawIs(Name("stale"));
@@ -151,6 +147,29 @@ TEST_F(ChildCrossing, NoFlowStaysOwedForATargetThatHasGone) {
     EXPECT_FALSE(stale->physicalSwitchRaw(Name("stale")));
     EXPECT_FALSE(stale->physicalSwitch("owed"));
     EXPECT_EQ(again.reader.demuxer->flows(), 0U);
+}
+
+TEST_F(ChildCrossing, ConnectionMayEndWhenAnOwedReferenceGoes) {
+    struct Ender : HwVtepOvsdb::Notifiee {
+        void onPhysicalSwitch(Qor::String8) override {
+            if (!notifier()->physicalSwitch("owed")) demuxer->close();
+        }
+        Peer::Demuxer::Ptr demuxer;
+    };
+    Peers again;
+    for (int i = 0; i < 200; ++i) original->logicalSwitchIs(Name(std::to_string(i).c_str()));
+    auto const stale = make<HwVtepOvsdb>(Name("db"));
+    again.reader.copy = stale;
+    auto const target = stale->physicalSwitchRawIs(Name("stale"));
+    again.source.send(original);
+    carry(again.source, again.reader, 4000);
+    stale->physicalSwitchIs("owed", target);
+    auto const ender = make<Ender>();
+    ender->demuxer = again.reader.demuxer;
+    ender->notifierIs(stale);
+    again.settle();
+    EXPECT_EQ(again.reader.demuxer->adapters(), 0U);
+    EXPECT_FALSE(stale->physicalSwitch("owed"));
 }
 
 // What the original writes below an entity while the copy that made it still sends its state.

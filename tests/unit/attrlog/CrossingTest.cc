@@ -89,6 +89,29 @@ TEST_F(Crossing, WriteThatCrossesNothingIsNotSentBack) {
     EXPECT_EQ(original->logicalSwitch(Name("a"))->tunnelKey(), 5U);
 }
 
+// Another value of the entity was on its way, so that the original says the first once more.
+TEST_F(Crossing, ValueThatIsStillToBeSentOutlivesTheRepetitionOfAnOlderOne) {
+    original->logicalSwitchIs(Name("a"));
+    peers.settle();
+    auto const here = original->logicalSwitch(Name("a"));
+    auto const there = copy->logicalSwitch(Name("a"));
+    there->tunnelKeyIs(1);
+    there->displayNameIs("one");
+    here->descIs("crosses");
+    carry(peers.reader, peers.source);
+    peers.reader.out().hasLiveBufferIs(false);
+    there->tunnelKeyIs(2);
+    there->displayNameIs("two");
+    peers.reader.out().hasLiveBufferIs(true);
+    carry(peers.source, peers.reader);
+    EXPECT_EQ(there->tunnelKey(), 2U);
+    peers.settle();
+    EXPECT_EQ(here->tunnelKey(), 2U);
+    EXPECT_EQ(here->displayName(), "two");
+    EXPECT_EQ(there->displayName(), "two");
+    EXPECT_EQ(there->desc(), "crosses");
+}
+
 TEST_F(Crossing, ReceiptGoesInFrontOfWhatACopyWritesAndOnlyOnce) {
     original->logicalSwitchIs(Name("a"));
     peers.settle();

@@ -159,11 +159,12 @@ void Demuxer::close() {
     out_->hasLiveBufferIs(false);
     // Each adapter may be the last to hold its entity, whose end may take more adapters along.
     while (adapters_.size() != 0) {
-        HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_);
-        Qor::Ptr<StreamAdapter> const adapter = at.member();
-        reactorDel(adapter->entityId());
-        adapter->streamDemuxerIs(nullptr);
-        adapter->out_ = nullptr;
+        for (HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_); at; ++at) {
+            Qor::Ptr<StreamAdapter> const adapter = at.member();
+            reactorDel(adapter->entityId());
+            adapter->streamDemuxerIs(nullptr);
+            adapter->out_ = nullptr;
+        }
     }
     flowsIn_.emptyAllBucketsG(HashMap<FlowIn, EntityId>::qorVTable());
     openText_ = 0;

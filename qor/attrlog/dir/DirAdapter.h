@@ -37,8 +37,17 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     U64 removedAt() const noexcept { return removedAt_; }
     void removedAtIs(U64 frame) noexcept { removedAt_ = frame; }
 
+    /// The chain of classes that came last, as it stands in a record, and what it led to.
+    struct Chain {
+        String8 bytes;
+        QorType* type = nullptr;
+        U32 publications = 0;
+    };
+    Chain& lastChain() noexcept { return lastChain_; }
+
   private:
     U64 removedAt_ = 0;
+    Chain lastChain_;
 };
 
 struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream

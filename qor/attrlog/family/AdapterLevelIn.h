@@ -10,11 +10,15 @@ namespace Qor {
 
 namespace family {
 
-/// What a record of the peer has to pass before it is applied.
+/// Raises where a record of the peer may not be applied, if so.
 QOR_EXPORT void needMayApply(Entity::QorNboAttrLogSa& adapter, AttributeId id);
-/// Where an adapter's records are read from: the given In, or the one behind its Out; null if none.
-QOR_EXPORT Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter,
-                                    Ptr<NboAttrLog::In> const& in);
+/// Where an adapter's records are read from, borrowed: the given In, or the one behind its Out;
+/// null if none.
+inline NboAttrLog::In* inOf(Entity::QorNboAttrLogSa const& adapter, Ptr<NboAttrLog::In> const& in) {
+    if (!adapter.qorRawEntity() || !adapter.qorRawDemuxer()) return nullptr;
+    auto const& out = adapter.nboAttrLogOut();
+    return in ? in.ptr() : NboAttrLog::attrLogIn(out ? out->in() : nullptr);
+}
 /// The first candidate of an alias frame that `isKnown`; 0 if there is none.
 QOR_EXPORT AttributeId selectAlias(InboundRecord& record, bool (*isKnown)(AttributeId id));
 
@@ -24,16 +28,19 @@ template <class X, class Base>
 void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
                                                       StreamAdapter::DeserializationOptions options,
                                                       U32 size, Ptr<NboAttrLog::In> const& given) {
-    Ptr<NboAttrLog::In> const in = family::inOf(*this, given);
+    NboAttrLog::In* const in = family::inOf(*this, given);
     if (!in) return;
-    Ptr<Entity> const entity(this->qorNotifierEntity());
+    Ptr<NboAttrLog::Demuxer> const served(this->qorRawDemuxer());
+    Ptr<Entity> const entity(this->qorRawEntity());
     bool const echoOnly = static_cast<bool>(given);
     std::optional<IsActiveAnchor> active;
     if (!echoOnly) {
-        family::needMayApply(*this, id);
+        if (this->has(AdapterState::isActive | AdapterState::readOnlyRemote)) [[unlikely]] {
+            family::needMayApply(*this, id);
+        }
         active.emplace(*this);
     }
-    InboundRecord record{*in, *this->streamDemuxer(), id, size, echoOnly};
+    InboundRecord record{*in, *served, id, size, echoOnly};
     record.origin = in->readPosition();
     record.hasCrossed = this->hasCrossed();
     readAlias(record);
@@ -105,12 +112,12 @@ void AdapterLevel<X, Base>::read(InboundRecord& record) {
 template <class X, class Base>
 void AdapterLevel<X, Base>::handleAttrTransaction(AttributeId id, Transaction type, U32 arg) {
     if (!Adapter::QorStreamed::has(id)) return Base::handleAttrTransaction(id, type, arg);
-    if (!this->qorNotifierEntity()) return;
+    if (!this->qorRawEntity()) return;
     Ptr<Adapter> const held(&self());
-    if (auto* const demuxer = this->streamDemuxer()) {
-        Ptr<NboAttrLog::FlowIn> flow(demuxer->flowIn(this->entityId()));
+    if (auto* const demuxer = this->qorRawDemuxer()) {
+        Ptr<NboAttrLog::FlowIn> flow(demuxer->flowIn(*this));
         if (!this->has(AdapterState::syncModeFanOut) && type == StreamAdapter::begin && !flow) {
-            flow = demuxer->flowInIs(this->entityId());
+            flow = demuxer->flowInIs(*this);
             flow->aidIs(id);
             flow->heardAtBeginIs(demuxer->peerHeard());
         } else if (type == StreamAdapter::end && flow && flow->aid() == id) {

@@ -38,6 +38,11 @@ auto& collectionOf(Adapter const& adapter) {
 /// onA(key).
 template <class S, class Adapter>
 void serializeChangedKey(Adapter& adapter, typename S::Key const& key) {
+    // The echo of a record needs no look-up, unless it is that of a child, which gets its adapter.
+    if (S::kind != StreamKind::childMember && adapter.isActive()) {
+        OutboundGuard const swallowed(adapter, S::id);
+        return;
+    }
     serializeMember<S>(adapter, key, collectionOf<S>(adapter).member(key));
 }
 

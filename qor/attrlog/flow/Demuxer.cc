@@ -30,13 +30,11 @@ Demuxer::~Demuxer() {
 }
 
 Demuxer* demuxerOf(Out const& out) noexcept {
-    auto* const in = dynamic_cast<In*>(out.in());
+    auto* const in = attrLogIn(out.in());
     return in ? in->demuxer() : nullptr;
 }
 
-Entity::QorNboAttrLogSa* Demuxer::adapter(EntityId const& id) const noexcept {
-    return static_cast<Entity::QorNboAttrLogSa*>(adapters_.member(id));
-}
+StreamAdapter* Demuxer::find(EntityId const& id) const noexcept { return adapters_.member(id); }
 
 EntityId Demuxer::newEntityId() noexcept {
     EntityId const id(nextId_);
@@ -51,6 +49,7 @@ void Demuxer::adapterIs(StreamAdapter& adapter) {
 }
 
 Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
+    lastFound_ = nullptr;
     Qor::Ptr<StreamAdapter> const gone = adapters_.memberDel(id);
     if (!gone) return nullptr;
     flowInDel(id);
@@ -64,7 +63,7 @@ void Demuxer::adapterEnds(StreamAdapter& adapter) {
 }
 
 bool Demuxer::isAway(StreamAdapter const& adapter) {
-    Entity const* const entity = adapter.qorNotifierEntity();
+    Entity const* const entity = adapter.qorRawEntity();
     return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
 }
 
@@ -104,6 +103,7 @@ Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
     if (FlowIn* const known = flowIn(id)) return Qor::Ptr<FlowIn>(known);
     auto fresh = make<FlowIn>(id);
     flowsIn_.newMember(fresh, fresh->fwkHash());
+    if (auto* const here = adapter(id)) here->flagIs(AdapterState::mayHaveFlowIn, true);
     return fresh;
 }
 
@@ -113,6 +113,7 @@ void Demuxer::flowInDel(EntityId const& id) {
     textDel(*gone);
     // What was held back for the sake of the text may go out now.
     auto* const here = adapter(id);
+    if (here) here->flagIs(AdapterState::mayHaveFlowIn, false);
     if (here && here->flowOut()) here->flowOut()->owes();
 }
 

@@ -46,6 +46,7 @@ void Demuxer::adapterIs(StreamAdapter& adapter) {
     ++announced_;
     if (!adapter.hasUnifiedEntityId() || adapters_.contains(adapter)) return;
     adapters_.newMember(Qor::Ptr<StreamAdapter>(&adapter), adapter.fwkHash());
+    lastFound_ = &adapter;
 }
 
 Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {

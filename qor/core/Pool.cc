@@ -250,6 +250,7 @@ void* memNewOrNull(std::size_t size) noexcept {
     if (Block* block = cache.heads[cls]) [[likely]] {
         cache.heads[cls] = block->next;
         --cache.counts[cls];
+        __builtin_prefetch(block->next, 1);  // where the next one is taken from
         return block;
     }
     return fill(cls);

@@ -108,7 +108,11 @@ void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, Entit
     auto const flags = AdapterState::ofChild(adapter.state());
     auto const child =
         entity.qorNboAttrLogSaIs(flags, 1, adapter.nboAttrLogOut(), adapter.msgChannel());
-    if (child->entityId() != id) child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
+    if (child->entityId().isNull()) {
+        child->takesPeersId(id, demuxer);
+    } else if (child->entityId() != id) {
+        child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
+    }
     child->remounted();
 }
 
@@ -191,14 +195,13 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (!isKnown && entity && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) record.demuxer.needPeersId(told.id);
     bool const replaces = entity && !isSame(*entity, *told.entity, out, told.id);
-    bool const isFresh = !entity || replaces;
-    if (isFresh) {
+    if (!entity || replaces) {
         if (entity) NboAttrLog::deleteAdapter(*entity, out);
         entity = told.entity;
     }
     dir.entryIs(told.key, entity);
     adapter.flagIs(AdapterState::isActive, true);
-    if (!isFresh || told.state != Dir::EntryState::ready) dir.entryStateIs(told.key, told.state);
+    dir.entryStateIs(told.key, told.state);
     enter(adapter, record.demuxer, *entity, told.id);
     settleEntry(adapter, record, told.key, replaces);
 }

@@ -52,6 +52,7 @@ class QOR_EXPORT AdapterLevel : public Base {
     Adapter& self() noexcept { return static_cast<Adapter&>(*this); }
     template <class S>
     bool sendAttribute(AttributeId& next);
+    void askForTexts();
     template <class S>
     bool sendAttributeAtOnce();
     template <class S>
@@ -59,6 +60,7 @@ class QOR_EXPORT AdapterLevel : public Base {
     template <class S>
     void read(InboundRecord& record);
     void readAlias(InboundRecord& record);
+    void take(InboundRecord& record, StreamAdapter::DeserializationOptions options);
     static constexpr bool isFirstLevel = std::is_same_v<Base, Entity::QorNboAttrLogSa>;
 };
 

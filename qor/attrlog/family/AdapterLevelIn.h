@@ -4,8 +4,6 @@
 
 #include <qor/attrlog/family/AdapterLevel.h>
 
-#include <optional>
-
 namespace Qor {
 
 namespace family {
@@ -30,22 +28,27 @@ void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
                                                       U32 size, Ptr<NboAttrLog::In> const& given) {
     NboAttrLog::In* const in = family::inOf(*this, given);
     if (!in) return;
-    Ptr<NboAttrLog::Demuxer> const served(this->qorRawDemuxer());
     Ptr<Entity> const entity(this->qorRawEntity());
     bool const echoOnly = static_cast<bool>(given);
-    std::optional<IsActiveAnchor> active;
-    if (!echoOnly) {
-        if (this->has(AdapterState::isActive | AdapterState::readOnlyRemote)) [[unlikely]] {
-            family::needMayApply(*this, id);
-        }
-        active.emplace(*this);
-    }
-    InboundRecord record{*in, *served, id, size, echoOnly};
+    InboundRecord record{*in, *this->qorRawDemuxer(), id, size, echoOnly};
     record.origin = in->readPosition();
     record.hasCrossed = this->hasCrossed();
+    if (echoOnly) return take(record, options);
+    if (this->has(AdapterState::isActive | AdapterState::readOnlyRemote)) [[unlikely]] {
+        family::needMayApply(*this, id);
+    }
+    IsActiveAnchor const active(*this);
+    take(record, options);
+}
+
+template <class X, class Base>
+void AdapterLevel<X, Base>::take(InboundRecord& record,
+                                 StreamAdapter::DeserializationOptions options) {
     readAlias(record);
-    if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, *in);
-    if (!readAny(record)) this->doBaseQorNboAttrLogSaMsg(record.id, options, size, *in);
+    if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, record.in);
+    if (!readAny(record)) {
+        this->doBaseQorNboAttrLogSaMsg(record.id, options, record.size, record.in);
+    }
 }
 
 template <class X, class Base>

@@ -32,12 +32,23 @@ AttributeId AdapterLevel<X, Base>::handleAttrFlowOut(AttributeId startAttr) {
 template <class X, class Base>
 AttributeId AdapterLevel<X, Base>::sendAtOnce() {
     AttributeId left = 0;
+    askForTexts();
     if constexpr (!isFirstLevel) left = Base::sendAtOnce();
     if (left != 0) return left;
     Adapter::QorStreamed::forEach([&]<class S>() {
         if (left == 0 && !this->template sendAttributeAtOnce<S>()) left = S::id;
     });
     return left;
+}
+
+// They lie anywhere in memory, and come while what stands before them is sent.
+template <class X, class Base>
+void AdapterLevel<X, Base>::askForTexts() {
+    Adapter::QorStreamed::forEach([&]<class S>() {
+        if constexpr (S::kind == StreamKind::text) {
+            __builtin_prefetch(S::get(entityOf<S>(self())).data());
+        }
+    });
 }
 
 // Whether it went. What a flow may have to stop in is left to one.

@@ -63,11 +63,6 @@ void Demuxer::adapterEnds(StreamAdapter& adapter) {
     if (!reactorDel(adapter.entityId())) dropFlow(adapter);
 }
 
-bool Demuxer::isAway(StreamAdapter const& adapter) {
-    Entity const* const entity = adapter.qorRawEntity();
-    return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
-}
-
 void Demuxer::needPeersId(EntityId const& id) {
     bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
     if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {

@@ -197,7 +197,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     void serveRecord(Frame const& frame);
     void serveTransaction(Frame const& frame);
     void serveOrphan(Frame const& frame);
-    static bool isAway(StreamAdapter const& adapter);
+    static bool isAway(StreamAdapter const& adapter) noexcept {
+        Entity const* const entity = adapter.qorRawEntity();
+        return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
+    }
     Entity::QorNboAttrLogSa* receiver(Frame const& frame);
 
     Qor::Ptr<In> in_;

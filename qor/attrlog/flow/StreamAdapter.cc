@@ -157,8 +157,12 @@ void StreamAdapter::doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxe
         return;
     }
     demuxer->needPeersId(id);
+    takesPeersId(id, *demuxer);
+}
+
+void StreamAdapter::takesPeersId(EntityId const& id, NboAttrLog::Demuxer& demuxer) {
     entityIdIs(id);
-    demuxer->adapterIs(*this);
+    demuxer.adapterIs(*this);
     flagIs(AdapterState::flowOutEnabled, true);
     if (!flowOut_) flagIs(AdapterState::steadyState, true);
 }

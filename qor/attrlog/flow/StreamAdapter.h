@@ -135,6 +135,8 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     // Enters an id that came from the peer, and the adapter in the demuxer.
     void doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxer> const& demuxer,
                       bool isPeers);
+    // Enters it under an id of the peer's that was found to be free. REQUIRES: it has no id
+    void takesPeersId(EntityId const& id, NboAttrLog::Demuxer& demuxer);
     // Whether the peer may write this attribute although the adapter is read-only.
     bool readOnlyRemoteOk(AttributeId id) const;
     [[noreturn]] void doThrowReadOnly(char const* attributeName) const;

@@ -22,9 +22,7 @@ constexpr std::array<std::string_view, 8> names{"a", "b", "s", "status", "", "di
 constexpr std::array<std::string_view, 8> classes{
     "Vgw::LogicalSwitch",  "Vgw::OvsdbDataModel", "Qor::Dir",  "Vgw::Status",
     "Vgw::UcastMacsLocal", "Vgw::CliConfig",      "Sim::None", "Qor::Entity"};
-// Not 6, isNondestructing: it switches the counting of references off, by contract, and an entity
-// that was so once need not end.
-constexpr std::array<std::uint32_t, 10> firsts{7, 135, 136, 144, 258, 258, 262, 386, 386, 388};
+constexpr std::array<std::uint32_t, 10> firsts{7, 135, 136, 144, 258, 6, 262, 386, 386, 388};
 
 }  // namespace
 

@@ -5,16 +5,21 @@
 #include <csignal>
 #include <cstdio>
 #include <iostream>
+#include <vector>
 
 namespace {
 
 using Vgwctl::ExitCode;
 
+// All are understood before the first is run.
 ExitCode runAll(Vgwctl::Options const& options) {
+    std::vector<Vgwctl::Call> calls;
+    for (auto const& words : options.commands)
+        calls.push_back(Vgwctl::callOf(words, options.style.format));
     Vgwctl::Context context(options, std::cout);
     ExitCode code = ExitCode::success;
-    for (auto const& words : options.commands) {
-        code = Vgwctl::run(context, words);
+    for (Vgwctl::Call const& call : calls) {
+        code = call.run(context);
         if (code != ExitCode::success) break;
         context.finish();
     }

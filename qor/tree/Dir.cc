@@ -1,9 +1,17 @@
 #include <qor/tree/Dir.h>
 
+#include <atomic>
+
 namespace Qor {
 
 constinit NotifieeKind const Dir::NotifieeConst::qorKind{NotifieeKind::Below{},
                                                          Entity::NotifieeConst::qorKind};
+
+// Directories of all threads draw from one.
+U64 Dir::QorEntry::nextPlacing() noexcept {
+    static std::atomic<U64> last = 0;
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 Dir::Dir(Name name) : Entity(std::move(name)) {}
 
@@ -31,6 +39,7 @@ void Dir::entryIs(Name const& name, Qor::Ptr<Entity> const& entity) {
         present->entity_->parentIs(nullptr);
         present->entity_ = entity;
         present->state_ = EntryState::ready;
+        present->placing_ = QorEntry::nextPlacing();
     } else {
         newKeyed<EntryAttr>(*this, name, entity);
     }

@@ -97,11 +97,13 @@ class QOR_EXPORT Dir : public Entity {
 class QOR_EXPORT Dir::QorEntry : public VFPtrInterface {
   public:
     QorEntry(Name name, Qor::Ptr<Entity> entity)
-        : name_(std::move(name)), entity_(std::move(entity)) {}
+        : placing_(nextPlacing()), name_(std::move(name)), entity_(std::move(entity)) {}
 
     Name const& key() const noexcept { return name_; }
     Qor::Ptr<Entity> const& value() const noexcept { return entity_; }
     EntryState state() const noexcept { return state_; }
+    /// Different for each time that an entity was put anywhere, also where it has stood before.
+    U64 placing() const noexcept { return placing_; }
 
     Name const& fwkKey() const noexcept { return name_; }
     U32 fwkHash() const noexcept { return rhash(name_); }
@@ -110,6 +112,9 @@ class QOR_EXPORT Dir::QorEntry : public VFPtrInterface {
 
   private:
     friend class Dir;
+    static U64 nextPlacing() noexcept;
+
+    U64 placing_;
     EntryState state_ = EntryState::ready;
     Name name_;
     Qor::Ptr<Entity> entity_;

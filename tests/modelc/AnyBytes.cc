@@ -61,14 +61,14 @@ TEST(AnyBytes, ADamagedDescriptionGetsFilesOrErrors) {
     std::vector<std::string> const texts{
         ModelcTest::textOf(golden / "Sample.model"),
         ModelcTest::textOf(ModelcTest::tree() / "vgw/OvsdbDataTypes.model")};
-    for (unsigned round = 0; round < Settings::volume(600, 300, 60); ++round) {
+    for (unsigned round = 0; round < Settings::volume(600, 100, 40); ++round) {
         expectAnAnswer(damaged(texts[round % texts.size()], random), round);
     }
 }
 
 TEST(AnyBytes, NoiseGetsErrors) {
     std::mt19937 random(seed);
-    for (unsigned round = 0; round < Settings::volume(150, 150, 30); ++round) {
+    for (unsigned round = 0; round < Settings::volume(150, 50, 20); ++round) {
         std::string text(1 + random() % 2000, '\0');
         for (char& c : text) c = static_cast<char>(random());
         expectAnAnswer(text, round);

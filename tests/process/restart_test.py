@@ -1,4 +1,5 @@
-"""A server that is killed at any moment under writes and started again: the mirror is equal again, soon.
+"""A server that is killed at any moment under writes and started again: the mirror is equal again, soon, and with it the
+copies of all that read: a library peer, one behind a relay, and `vgwctl watch`, which tells real differences only.
 
 VGW_CYCLES=n repeats it n times (20 unless told).
 """
@@ -7,7 +8,7 @@ import random
 import threading
 import time
 
-import process_case
+import chain_case
 from support.agent import SLOWNESS, Agent
 from support.churn import Churn
 from support.generator import Generator
@@ -18,8 +19,11 @@ CYCLES = int(os.environ.get("VGW_CYCLES", "20"))
 # After a restart: the wait before a reconnect, at most 1 s after one short loss, and a second for all the rest.
 LONGEST = 2.0
 
+# The readers are asked one after the other, beside all else that a test machine does.
+LONGEST_OF_ALL = 4.0
 
-class RestartTest(process_case.ProcessCase):
+
+class RestartTest(chain_case.ChainCase):
     def write(self, server, generator, writing, killed):
         """Changes as fast as the server takes them, until it is gone."""
         try:
@@ -44,14 +48,52 @@ class RestartTest(process_case.ProcessCase):
         writer.join()
         self.assertIsNone(self.refused)
 
-    def test_killed_and_restarted_servers_end_equal_within_the_promised_time(self):
+    def setUp(self):
+        super().setUp()
         self.refused = None
+
+    def start_chain(self, server):
+        """An agent, and each kind of reader that stays through everything."""
+        self.agent = Agent(self.directory / "agent", server.remote)
+        self.addCleanup(self.agent.stop)
+        self.agent.start()
+        self.near = self.client(self.agent, "/vgw")
+        self.far = self.reader_at(self.relay(self.agent), "/vgw")
+        self.watch = self.watched(self.agent)
+
+    def await_all_equal(self, tables):
+        """The seconds until the mirror was the tables, and until each reader's copy was."""
+        begin = time.monotonic()
+        mirror = self.agent.await_equal(tables)
+        self.watch.await_rows(tables)
+        self.await_rows(self.near, tables)
+        self.await_rows(self.far, tables)
+        return mirror, time.monotonic() - begin
+
+    def kill_at_rest(self, server, name):
+        """The readers hear of nothing but what changes afterwards."""
+        before = self.watch.told()
+        server.kill()
+        self.far.await_value("false", "get", "/vgw/database", "inStep")
+        server.start()
+        self.far.await_value("true", "get", "/vgw/database", "inStep")
+        self.await_all_equal(self.describe_a_switch(server, name))
+        self.assertEqual(self.watch.told() - before, 1)
+
+    def swap_database(self, server, cycle):
+        """Another network of the size of the first: what is written leads to ever more rows."""
+        server.kill()
+        server.create(server.schema)
+        server.start()
+        with server.client() as client:
+            Generator(server.columns, self.seed - cycle - 1, odd=True).fill(client, remote_macs=500)
+        self.await_all_equal(server.read())
+
+    def test_killed_and_restarted_servers_end_equal_within_the_promised_time(self):
         server = self.server()
         self.network(server, odd=True, remote_macs=500)
-        agent = Agent(self.directory / "agent", server.remote)
-        self.addCleanup(agent.stop)
-        agent.start()
-        agent.await_equal(server.read())
+        self.start_chain(server)
+        self.await_all_equal(server.read())
         took = []
         delays = random.Random(self.seed)
         for cycle in range(CYCLES):
@@ -60,10 +102,22 @@ class RestartTest(process_case.ProcessCase):
             generator = Generator(server.columns, self.seed + cycle + 1, odd=True)
             self.kill_under_writes(server, generator, delays.uniform(0, 0.3))
             server.start()
-            took.append(agent.await_equal(server.read()))
-        print(f"{CYCLES} cycles; equal after {max(took):.2f} s at most, {sorted(took)[len(took) // 2]:.2f} s in the median")
-        self.assertLess(max(took), LONGEST * SLOWNESS)
-        self.assertEqual(agent.stop(), 0)
+            took.append(self.await_all_equal(server.read()))
+            self.assertEqual(self.watch.faults(), [])
+            if cycle % 5 == 0:
+                self.kill_at_rest(server, f"cycle {cycle}")
+            if cycle % 15 == 14:
+                self.swap_database(server, cycle)
+        self.tell(took)
+        self.assertLess(max(mirror for mirror, _ in took), LONGEST * SLOWNESS)
+        self.assertLess(max(readers for _, readers in took), LONGEST_OF_ALL * SLOWNESS)
+        self.assertEqual([line for one in (self.near, self.far) for line in one.told if "closed" in line], [])
+        self.assertEqual(self.agent.stop(), 0)
+
+    def tell(self, took):
+        print(f"{CYCLES} cycles, {self.watch.told()} lines of watch, none without a difference; equal at most and in the median after")
+        for what, times in zip(("mirror", "all readers"), zip(*took)):
+            print(f"  {what}: {max(times):.2f} s, {sorted(times)[len(times) // 2]:.2f} s")
 
     def test_a_server_that_comes_back_with_an_older_copy_ends_equal(self):
         server = self.server()
@@ -85,11 +139,11 @@ class RestartTest(process_case.ProcessCase):
         with Agent(self.directory / "agent", server.remote) as agent:
             agent.await_equal(server.read())
             server.kill()
-            server.create(process_case.schema("older"))
+            server.create(chain_case.schema("older"))
             server.start()
             self.network(server, remote_macs=100)
             agent.await_equal(server.read())
 
 
 if __name__ == "__main__":
-    process_case.main()
+    chain_case.main()

@@ -43,6 +43,22 @@ class ServeTest(serve_case.ServeCase):
         client = self.client(self.agent(self.db), "/vgw/nothing")
         client.await_told("refused /vgw/nothing: /vgw/nothing does not exist")
 
+    def test_a_path_above_one_that_is_mounted_is_refused_by_name_and_the_rest_goes_on(self):
+        agent = self.agent(self.db)
+        client = self.client(agent, "/vgw/status")
+        client.await_told("synced /vgw/status")
+        client.ask("mount", "/vgw")
+        client.await_told("refused /vgw: /vgw holds /vgw/status, which is mounted on this connection already")
+        client.ask("mount", "/vgw/cliConfig")
+        client.await_told("synced /vgw/cliConfig")
+        self.assertEqual([line for line in client.told if "closed" in line], [])
+
+    def test_a_path_below_one_that_is_mounted_at_once_is_the_same_copy(self):
+        client = self.client(self.agent(self.db), "/vgw", "/vgw/status/ovsdb")
+        client.await_told("synced /vgw/status/ovsdb")
+        self.await_rows(client, self.db.read())
+        self.assertEqual([line for line in client.told if "closed" in line or "refused" in line], [])
+
     def test_the_socket_and_its_folder_are_the_owners_alone(self):
         made = self.directory / "made"
         agent = subprocess.Popen(

@@ -38,7 +38,17 @@ std::string Author::lineOf(std::string const& path, Field const& field, unsigned
 
 void Author::note(std::string const& line, std::string const& text, bool isGone) {
     plan_.set(line, text, number_);
+    touch(line);
     if (isGone) forget(line);
+}
+
+// The last word about a line decides how sure it is.
+void Author::touch(std::string const& line) {
+    if (isInStep_ || number_ == 0) {
+        plan_.unsure.erase(line);
+    } else {
+        plan_.unsure.insert(line);
+    }
 }
 
 void Author::forget(std::string const& line) {
@@ -167,6 +177,10 @@ void Author::disown(std::string const& path, Row const& row, Field const& field,
                  at != plan_.lines.end() && at->first.starts_with(child); ++at) {
                 ++plan_.removals[at->first];
             }
+        }
+        for (auto at = plan_.lines.lower_bound(child);
+             at != plan_.lines.end() && at->first.starts_with(child); ++at) {
+            touch(at->first);
         }
         plan_.eraseRow(child);
     }

@@ -17,6 +17,8 @@ class Author {
     void topIs(Qor::Dir::Ptr top) { top_ = std::move(top); }
     // Values of all shared rows may be written, whoever else does.
     void isRivalIs(bool isRival) { isRival_ = isRival; }
+    // Whether what it writes stands unless another writes the same.
+    void isInStepIs(bool isInStep) { isInStep_ = isInStep; }
     // Whether texts may be longer than a record.
     void hasLongTextsIs(bool has) { hasLongTexts_ = has; }
 
@@ -49,6 +51,7 @@ class Author {
     void dropReferencesTo(std::string const& row);
     void note(std::string const& line, std::string const& text, bool isGone);
     void forget(std::string const& line);
+    void touch(std::string const& line);
     std::string lineOf(std::string const& path, Field const& field, unsigned key) const;
     Fresh fresh();
 
@@ -58,6 +61,7 @@ class Author {
     Plan& plan_;
     Dice& dice_;
     bool isRival_ = false;
+    bool isInStep_ = true;
     bool hasLongTexts_ = true;
 };
 

@@ -9,6 +9,8 @@
 
 #include "Picture.h"
 
+#include <set>
+
 namespace Sim {
 
 struct Plan {
@@ -24,6 +26,9 @@ struct Plan {
         unsigned key = 0;
     };
     std::map<std::string, Place> references;
+    // Lines that need not be what their author made them: written before a copy was in step, or on
+    // their way when a connection was cut.
+    std::set<std::string> unsure;
     // The last number that was given to a value.
     std::uint64_t number = 0;
     // Tells each change on standard output.
@@ -33,8 +38,14 @@ struct Plan {
     void trace(unsigned author, std::string const& what) const;
     // The row and all below.
     void eraseRow(std::string const& row);
-    // Takes over what the source holds of what others than its author wrote.
+    // A connection is cut: what the source does not hold yet may get lost.
+    void cutAt(Lines const& source);
+    // Whether nothing but its author's word decides about a line that somebody wrote.
+    bool isSure(std::string const& line) const;
+    // Takes over what the source holds of what others than its author wrote, where that is unsure.
     void adopt(Lines const& source);
+    // Those lines that are sure, of rows that one author alone writes.
+    Lines sureOf(Lines const& all) const;
 };
 
 // Whose entities stand at or above that path: an author's number, or `shared`.

@@ -74,6 +74,7 @@ void Run::changeSomewhere() {
     auto const process =
         dice_.oneIn(2) ? tree.route.maker : static_cast<unsigned>(dice_.below(net_.processes()));
     if (!mayWrite(tree, process)) return;
+    tree.authors[process].isInStepIs(process == tree.route.maker || net_.isInStep(tree, process));
     for (std::size_t i = 1 + dice_.below(4); i > 0; --i) {
         tree.authors[process].change();
         ++outcome_.volumes.changes;
@@ -97,6 +98,9 @@ void Run::traceOn(Link& link) const {
 
 void Run::cutSomewhere() {
     if (!settings_.hasCuts) return;
+    for (Tree& tree : net_.trees()) {
+        tree.plan.cutAt(pictureOf(*tree.tops[tree.route.maker]).lines);
+    }
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
     if (dice_.oneIn(4) && net_.mayCrash(process)) {
         net_.crash(process);
@@ -129,8 +133,9 @@ void Run::step() {
 void Run::needEqual(char const* when) {
     for (Tree const& tree : net_.trees()) {
         auto const source = pictureOf(*tree.tops[tree.route.maker]);
-        auto const planned =
-            settings_.areRivals ? std::string() : difference(tree.plan.lines, source.lines);
+        auto const planned = settings_.areRivals ? difference(tree.plan.sureOf(tree.plan.lines),
+                                                              tree.plan.sureOf(source.lines))
+                                                 : difference(tree.plan.lines, source.lines);
         if (!planned.empty()) fail(std::string(when) + ", the source: " + planned);
         for (unsigned process = 0; process < net_.processes(); ++process) {
             auto const copy = pictureOf(*tree.tops[process]);
@@ -197,7 +202,7 @@ void Run::finish() {
         if (!settings_.isWritable) continue;
         Author& first = tree.authors[tree.route.maker];
         first.dropLooseReferences();
-        // Where changes of one entity cross, or a cut comes in between, the source's stand.
+        // Where a cut comes in between, the source's stand.
         tree.plan.adopt(pictureOf(*tree.tops[tree.route.maker]).lines);
     }
     needQuiet();
@@ -206,6 +211,7 @@ void Run::finish() {
     // One after the other, nothing crosses: now every change counts.
     for (Tree& tree : net_.trees()) {
         for (Author& author : tree.authors) {
+            author.isInStepIs(true);
             author.writeAll();
             net_.settle();
             for (int changes = 0; changes < 5; ++changes) author.change();

@@ -29,6 +29,21 @@ TEST(Simulation, AuthorsOfTheSameValuesConverge) {
     }
 }
 
+// Each is a run in which a child, or what its author wrote below it, had got lost while the source
+// removed or replaced others of the same collection; or a flow was owed for ever.
+TEST(Simulation, NoWriteIsLostThatNobodyOpposes) {
+    for (std::uint64_t const seed : {10, 52, 2019}) {
+        EXPECT_EQ(runScript(Request{seed}).violation, "") << seed;
+    }
+    for (std::uint64_t const seed : {3, 69, 2013}) {
+        EXPECT_EQ(runScript(Request{seed, 0, true}).violation, "") << seed;
+    }
+}
+
+TEST(Simulation, NoFlowStaysOwedForATargetThatTheSourceTookAway) {
+    EXPECT_EQ(runScript(Request{1887, 0, true}).violation, "");
+}
+
 TEST(Simulation, OneSeedIsOneRun) {
     for (std::uint64_t seed = 7000; seed < 7010; ++seed) {
         auto const once = runScript(Request{seed, 150});

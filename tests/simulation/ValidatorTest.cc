@@ -138,6 +138,55 @@ TEST(Difference, FindsWhatIsMissingOtherAndTooMuch) {
     EXPECT_NE(Sim::difference({{"a", "1"}}, lines), "");
 }
 
+// What a copy's author has written into its own row, and the source.
+class PlanTest : public testing::Test {
+  protected:
+    PlanTest() {
+        for (auto const& [line, text] : source_) plan_.set(line, text, 1);
+    }
+    std::string lost() const {
+        return Sim::difference(plan_.sureOf(plan_.lines), plan_.sureOf(source_));
+    }
+
+    Sim::Lines source_{{"/entry/b1", "Lab::Node"}, {"/entry/b1/text", "#5.ff"}};
+    Sim::Plan plan_;
+};
+
+TEST_F(PlanTest, PassesWhatHasArrived) { EXPECT_EQ(lost(), ""); }
+
+TEST_F(PlanTest, FindsAChildThatNobodyHasOpposed) {
+    source_.clear();
+    EXPECT_NE(lost(), "");
+    plan_.adopt(source_);
+    EXPECT_NE(lost(), "") << "the source's word is not taken for what is sure";
+}
+
+TEST_F(PlanTest, FindsAValueBelowAChildThatHasGotLost) {
+    source_["/entry/b1/text"] = "#4.ee";
+    EXPECT_NE(lost(), "");
+}
+
+TEST_F(PlanTest, FindsAChildThatIsBackAfterItsRemoval) {
+    plan_.eraseRow("/entry/b1");
+    EXPECT_NE(lost(), "");
+}
+
+TEST_F(PlanTest, PassesWhatWasOnItsWayAtACut) {
+    source_.erase("/entry/b1/text");
+    plan_.cutAt(source_);
+    EXPECT_EQ(lost(), "");
+    plan_.adopt(source_);
+    EXPECT_FALSE(plan_.lines.contains("/entry/b1/text"));
+    EXPECT_TRUE(plan_.lines.contains("/entry/b1"));
+}
+
+TEST_F(PlanTest, RowThatMayBeLostTakesWhatIsBelowWithIt) {
+    source_.clear();
+    plan_.cutAt(source_);
+    plan_.unsure.erase("/entry/b1/text");
+    EXPECT_EQ(lost(), "");
+}
+
 TEST(Owner, IsTheFirstNameThatDoesNotStay) {
     EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/s0"), Sim::shared);
     EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/b1/root/s0"), 1U);

@@ -63,6 +63,11 @@ class Agent:
     def kill(self):
         return self._end(signal.SIGKILL)
 
+    def busy(self):
+        """The seconds of processor time that it has used."""
+        fields = Path(f"/proc/{self._process.pid}/stat").read_text(encoding="ascii").rsplit(") ", 1)[1].split()
+        return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
     def said(self):
         return self._said.read_text(encoding="utf-8", errors="replace")
 

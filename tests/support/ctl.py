@@ -55,6 +55,14 @@ class Running:
     def is_running(self):
         return self._process.poll() is None
 
+    def kill(self):
+        self._process.kill()
+        self._process.wait(timeout=30 * SLOWNESS)
+
+    def send(self, number):
+        """A signal."""
+        self._process.send_signal(number)
+
     def code(self):
         return self._process.wait(timeout=30 * SLOWNESS)
 

@@ -1,4 +1,4 @@
-"""Stands between an agent and its server and cuts their connections, at any byte."""
+"""Stands between two processes and cuts their connections, at any byte."""
 import socket
 import threading
 from pathlib import Path
@@ -7,7 +7,8 @@ from pathlib import Path
 class Proxy:
     """Forwards each connection to its path to the server's socket.
 
-    `limit`: connections made while it is set are cut after so many bytes of the server's.
+    `limit`: connections made while it is set are cut after so many bytes of the server's, and `at_limit` is called before that.
+    `heard` has what the server has sent on the connection made last.
     """
 
     def __init__(self, path, target):
@@ -16,6 +17,8 @@ class Proxy:
         self.connections = 0
         self.cuts = 0  # by the limit
         self.limit = None
+        self.at_limit = lambda: None
+        self.heard = b""
         self._open = set()
         self._dead = set()
         self._lock = threading.Lock()
@@ -63,6 +66,7 @@ class Proxy:
             with self._lock:
                 self._open.add(pair)
             self.connections += 1
+            self.heard = b""
             threading.Thread(target=self._pump, args=(agent, server, pair, None), daemon=True).start()
             threading.Thread(target=self._pump, args=(server, agent, pair, self.limit), daemon=True).start()
 
@@ -74,9 +78,12 @@ class Proxy:
                     break
                 if pair in self._dead:
                     continue
+                if source is pair[1]:
+                    self.heard += data
                 sink.sendall(data)
                 left = None if left is None else left - len(data)
             if left == 0:
+                self.at_limit()
                 self.cuts += 1
         except OSError:
             pass

@@ -262,7 +262,10 @@ ExitCode runCall(Context& context, Arguments const& arguments) {
                                         : std::string(valueFrom(type, words[n])->strRep().view()));
     }
     std::string const result = context.calling().call(path, name, texts, context.deadline());
-    if (!result.empty()) context.out() << printable(unquoted(result)) << '\n';
+    if (result.empty()) return ExitCode::success;
+    bool const isJson = context.options().style.format == Format::json;
+    context.out() << textOf(textValue(unquoted(result)), isJson ? TextForm::json : TextForm::bare)
+                  << '\n';
     return ExitCode::success;
 }
 

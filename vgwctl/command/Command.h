@@ -35,14 +35,27 @@ struct Command {
     std::size_t least;  ///< operands
     std::size_t most;
     std::vector<std::string_view> flags;
+    std::vector<Format> formats;  ///< of what it prints; empty: it prints nothing
     ExitCode (*run)(Context& context, Arguments const& arguments);
 };
 
 inline constexpr std::size_t anyNumber = ~std::size_t{0};
 
 std::span<Command const> commands();
-/// The words of one command, understood and run. Raises Failure for a usage error too.
-ExitCode run(Context& context, std::vector<std::string> const& words);
+/// The names of its formats, with commas between them.
+std::string formatNames(Command const& command);
+
+/// A command, and what it is given.
+struct Call {
+    Command const* command;
+    Arguments arguments;
+
+    ExitCode run(Context& context) const { return command->run(context, arguments); }
+};
+
+/// The words of one command, understood. Raises Failure for a usage error, one of which is a format
+/// in which the command can't print.
+Call callOf(std::vector<std::string> const& words, Format format);
 
 }  // namespace Vgwctl
 

@@ -13,6 +13,12 @@
 namespace Vgwctl {
 namespace {
 
+std::vector<Format> const allFormats{Format::table, Format::list, Format::json, Format::csv};
+std::vector<Format> const treeFormats{Format::table, Format::json};
+std::vector<Format> const valueFormats{Format::table, Format::json};
+std::vector<Format> const streamFormats{Format::table, Format::json, Format::csv};
+std::vector<Format> const lineFormats{Format::table};
+
 // In the order in which they are told of.
 std::vector<Command> const table{
     {"show",
@@ -24,6 +30,7 @@ std::vector<Command> const table{
      0,
      1,
      {},
+     treeFormats,
      runShow},
     {"tree",
      "[PATH]",
@@ -33,6 +40,7 @@ std::vector<Command> const table{
      0,
      1,
      {},
+     treeFormats,
      runTree},
     {"list",
      "ROWS [NAME]...",
@@ -44,6 +52,7 @@ std::vector<Command> const table{
      1,
      anyNumber,
      {},
+     allFormats,
      runList},
     {"find",
      "ROWS [CONDITION]...",
@@ -54,6 +63,7 @@ std::vector<Command> const table{
      1,
      anyNumber,
      {},
+     allFormats,
      runFind},
     {"get",
      "PATH [ATTRIBUTE[:KEY]]...",
@@ -63,6 +73,7 @@ std::vector<Command> const table{
      1,
      anyNumber,
      {"--if-exists"},
+     valueFormats,
      runGet},
     {"set",
      "PATH ATTRIBUTE[:KEY]=VALUE...",
@@ -72,6 +83,7 @@ std::vector<Command> const table{
      "PA*",
      2,
      anyNumber,
+     {},
      {},
      runSet},
     {"create",
@@ -83,6 +95,7 @@ std::vector<Command> const table{
      1,
      anyNumber,
      {"--may-exist"},
+     {},
      runCreate},
     {"del",
      "PATH [ATTRIBUTE:KEY]...",
@@ -92,6 +105,7 @@ std::vector<Command> const table{
      1,
      anyNumber,
      {"--if-exists"},
+     {},
      runDel},
     {"call",
      "PATH OPERATION [ARGUMENT]...",
@@ -101,6 +115,7 @@ std::vector<Command> const table{
      2,
      anyNumber,
      {},
+     valueFormats,
      runCall},
     {"watch",
      "[PATH|CLASS] [ATTRIBUTE|!initial|!insert|!delete|!modify]...",
@@ -113,6 +128,7 @@ std::vector<Command> const table{
      0,
      anyNumber,
      {},
+     streamFormats,
      runWatch},
     {"wait-until",
      "PATH [CONDITION]...",
@@ -121,6 +137,7 @@ std::vector<Command> const table{
      "PA*",
      1,
      anyNumber,
+     {},
      {},
      runWaitUntil},
     {"types",
@@ -131,6 +148,7 @@ std::vector<Command> const table{
      0,
      1,
      {},
+     allFormats,
      runTypes},
     {"describe",
      "TYPE",
@@ -140,6 +158,7 @@ std::vector<Command> const table{
      1,
      1,
      {},
+     allFormats,
      runDescribe},
     {"record",
      "FILE",
@@ -149,6 +168,7 @@ std::vector<Command> const table{
      "F",
      1,
      1,
+     {},
      {},
      runRecord},
     {"replay",
@@ -161,6 +181,7 @@ std::vector<Command> const table{
      2,
      3,
      {},
+     {},
      runReplay},
     {"diff",
      "BEFORE AFTER",
@@ -171,6 +192,7 @@ std::vector<Command> const table{
      2,
      2,
      {},
+     lineFormats,
      runDiff},
     {"relay",
      "SOCKET",
@@ -180,6 +202,7 @@ std::vector<Command> const table{
      "F",
      1,
      1,
+     {},
      {},
      runRelay},
     {"verify",
@@ -192,6 +215,7 @@ std::vector<Command> const table{
      0,
      1,
      {},
+     allFormats,
      runVerify},
     {"sessions",
      "",
@@ -201,10 +225,11 @@ std::vector<Command> const table{
      0,
      0,
      {},
+     allFormats,
      runSessions},
 };
 
-Command const complete{"complete", "KIND WORD [PATH]", "", "", "", 1, 3, {}, runComplete};
+Command const complete{"complete", "KIND WORD [PATH]", "", "", "", 1, 3, {}, {}, runComplete};
 
 Command const& neededCommand(std::string const& name) {
     if (name == complete.name) return complete;
@@ -214,12 +239,8 @@ Command const& neededCommand(std::string const& name) {
     return *found;
 }
 
-}  // namespace
-
-std::span<Command const> commands() { return table; }
-
-ExitCode run(Context& context, std::vector<std::string> const& words) {
-    // As with the OVSDB tools, a command's options may stand in front of it.
+// As with the OVSDB tools, a command's options may stand in front of it.
+std::pair<std::string, Arguments> parted(std::vector<std::string> const& words) {
     Arguments arguments;
     std::string name;
     for (std::string const& word : words) {
@@ -232,6 +253,30 @@ ExitCode run(Context& context, std::vector<std::string> const& words) {
         }
     }
     if (name.empty()) throw Failure("expected a command behind " + words[0]);
+    return {std::move(name), std::move(arguments)};
+}
+
+void needFormat(Command const& command, Format format) {
+    auto const& formats = command.formats;
+    if (formats.empty() || std::find(formats.begin(), formats.end(), format) != formats.end())
+        return;
+    throw Failure(std::string(command.name) + " has no format " + std::string(nameOf(format)) +
+                  "; it has " + formatNames(command));
+}
+
+}  // namespace
+
+std::span<Command const> commands() { return table; }
+
+std::string formatNames(Command const& command) {
+    std::string names;
+    for (Format const format : command.formats)
+        names += (names.empty() ? "" : ", ") + std::string(nameOf(format));
+    return names;
+}
+
+Call callOf(std::vector<std::string> const& words, Format format) {
+    auto [name, arguments] = parted(words);
     Command const& command = neededCommand(name);
     for (std::string const& flag : arguments.flags)
         if (std::find(command.flags.begin(), command.flags.end(), flag) == command.flags.end())
@@ -239,7 +284,8 @@ ExitCode run(Context& context, std::vector<std::string> const& words) {
     std::size_t const count = arguments.operands.size();
     if (count < command.least || count > command.most)
         throw Failure("usage: vgwctl " + name + " " + std::string(command.operands));
-    return command.run(context, arguments);
+    needFormat(command, format);
+    return {&command, std::move(arguments)};
 }
 
 }  // namespace Vgwctl

@@ -29,37 +29,92 @@ std::string synopsis(Command const& command) {
            (command.operands.empty() ? "" : " " + std::string(command.operands));
 }
 
-// Paths, classes and attributes are asked of the running agent.
+// Paths, classes and attributes are asked of the running agent, with the options that stand in
+// front of the first command. The words are taken from the line: those that bash makes of it end at
+// colons, and so do those that it replaces.
 constexpr char const* bashText = R"(# bash completion for vgwctl
 _vgwctl() {
-    local word=${COMP_WORDS[COMP_CWORD]} command='' kinds='' db=() n=0 at i
+    local line=${COMP_LINE:0:COMP_POINT} words=() operands=() command='' first='' kinds='' at
+    read -ra words <<<"$line"
+    [[ $line != *[[:space:]] ]] || words+=('')
+    local word=${words[-1]}
     COMPREPLY=()
-    for ((at = 1; at < COMP_CWORD; at++)); do
-        case ${COMP_WORDS[at]} in
-        --db) db=(--db "${COMP_WORDS[at + 1]}") ;;
-        --) command='' n=0 ;;
+    for ((at = 1; at < ${#words[@]} - 1; at++)); do
+        case ${words[at]} in
+        --) command='' operands=() ;;
+        -*) ;;
         @alternatives@)
-            [ -n "$command" ] || { command=${COMP_WORDS[at]}; i=$at; continue; } ;;
+            if [ -n "$command" ]; then
+                operands+=("${words[at]}")
+            else
+                command=${words[at]} first=${first:-$at}
+            fi ;;
+        *) [ -z "$command" ] || operands+=("${words[at]}") ;;
         esac
-        [ -z "$command" ] || n=$((n + 1))
     done
     if [ -z "$command" ]; then
-        mapfile -t COMPREPLY < <(compgen -W '@words@ --db --path --format --data --columns
-            --no-headings --timestamp --timeout --help' -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W '@words@ @options@' -- "$word")
         return
     fi
     case $command in
 @kinds@    esac
+    local n=${#operands[@]} last=$((${#kinds} - 1))
     local kind=${kinds:n:1}
-    [ "${kinds: -1}" != '*' ] || [ "$n" -lt $((${#kinds} - 1)) ] || kind=${kinds: -2:1}
+    [ "${kinds: -1}" != '*' ] || [ "$n" -lt "$last" ] || kind=${kinds:last-1:1}
     [ -n "$kind" ] || return
-    mapfile -t COMPREPLY < <(vgwctl "${db[@]}" --timeout 2 complete "$kind" "$word" \
-        "${COMP_WORDS[i + 1]}" 2>/dev/null)
-    [ "$kind" = F ] && mapfile -t COMPREPLY < <(compgen -f -- "$word")
     compopt -o nospace 2>/dev/null
+    if [ "$kind" = F ]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+    else
+        mapfile -t COMPREPLY < <(vgwctl "${words[@]:1:first-1}" --timeout 2 \
+            complete "$kind" "$word" "${operands[0]}" 2>/dev/null)
+    fi
+    local before=${word%"${word##*[:=]}"}
+    COMPREPLY=("${COMPREPLY[@]#"$before"}")
 }
 complete -F _vgwctl vgwctl
 )";
+
+constexpr char const* zshText = R"zsh(#compdef vgwctl
+# zsh completion for vgwctl
+local -a operands found
+local command='' kinds='' kind=''
+integer at first=0
+for ((at = 2; at < CURRENT; at++)); do
+    case ${(Q)words[at]} in
+    --) command='' operands=() ;;
+    -*) ;;
+    @alternatives@)
+        if [[ -n $command ]]; then
+            operands+=("${(Q)words[at]}")
+        else
+            command=$words[at]
+            ((first)) || first=$at
+        fi ;;
+    *) [[ -z $command ]] || operands+=("${(Q)words[at]}") ;;
+    esac
+done
+if [[ -z $command ]]; then
+    compadd -- @words@
+    [[ $PREFIX != -* ]] || compadd -- @options@
+    return
+fi
+case $command in
+@kinds@esac
+kind=$kinds[${#operands}+1]
+[[ $kinds != *'*' || ${#operands} -lt $((${#kinds} - 1)) ]] || kind=$kinds[-2]
+[[ -n $kind ]] || return 1
+if [[ $kind == F ]]; then
+    _files
+    return
+fi
+found=(${(f)"$(vgwctl ${(Q)words[2,first-1]} --timeout 2 \
+    complete $kind "${(Q)PREFIX}" "$operands[1]" 2>/dev/null)"})
+compadd -S '' -- $found
+)zsh";
+
+constexpr char const* optionWords =
+    "--db --path --format --data --columns --no-headings --timestamp --timeout --help";
 
 void fill(std::string& text, std::string_view hole, std::string const& with) {
     text.replace(text.find(hole), hole.size(), with);
@@ -69,6 +124,18 @@ std::string names(char const* between) {
     std::string text;
     for (Command const& command : commands())
         text += (text.empty() ? "" : between) + std::string(command.name);
+    return text;
+}
+
+std::string completion(std::string text) {
+    std::string kinds;
+    for (Command const& command : commands())
+        kinds += "    " + std::string(command.name) + ") kinds='" + std::string(command.kinds) +
+                 "' ;;\n";
+    fill(text, "@alternatives@", names("|"));
+    fill(text, "@words@", names(" "));
+    fill(text, "@options@", optionWords);
+    fill(text, "@kinds@", kinds);
     return text;
 }
 
@@ -95,6 +162,7 @@ std::string manPage() {
     for (Command const& command : commands()) {
         std::string what = std::string(command.summary) + ".";
         if (!command.details.empty()) what += " " + std::string(command.details);
+        if (!command.formats.empty()) what += " Formats: " + formatNames(command) + ".";
         text += Manual::item(synopsis(command), what);
     }
     text += ".SH EXIT STATUS\n";
@@ -103,20 +171,8 @@ std::string manPage() {
     return text + ".SH SEE ALSO\nvgwd(8), ovsdb\\-client(1), vtep\\-ctl(8)\n";
 }
 
-std::string bashCompletion() {
-    std::string kinds;
-    for (Command const& command : commands())
-        kinds += "        " + std::string(command.name) + ") kinds='" + std::string(command.kinds) +
-                 "' ;;\n";
-    std::string text = bashText;
-    fill(text, "@alternatives@", names("|"));
-    fill(text, "@words@", names(" "));
-    fill(text, "@kinds@", kinds);
-    return text;
-}
+std::string bashCompletion() { return completion(bashText); }
 
-std::string zshCompletion() {
-    return "#compdef vgwctl\nautoload -U +X bashcompinit && bashcompinit\n" + bashCompletion();
-}
+std::string zshCompletion() { return completion(zshText); }
 
 }  // namespace Vgwctl

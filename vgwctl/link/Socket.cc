@@ -3,7 +3,6 @@
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -88,23 +87,6 @@ void await(Descriptor const& descriptor, short events, Deadline const& deadline)
 Descriptor connectTo(Ovsdb::Remote const& remote, Deadline const& deadline) {
     return remote.kind == Ovsdb::Remote::Kind::unixSocket ? connectToUnix(remote, deadline)
                                                           : connectToHost(remote, deadline);
-}
-
-Descriptor listenAt(std::string const& path) {
-    sockaddr_un const address = addressOf(path);
-    Descriptor fd = newSocket(AF_UNIX);
-    mode_t const mask = ::umask(0177);
-    bool const isBound =
-        ::bind(fd.get(), reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
-    int const error = errno;
-    ::umask(mask);
-    if (!isBound) throw failureOf(path, error);
-    if (::listen(fd.get(), SOMAXCONN) != 0) throw failureOf(path, errno);
-    return fd;
-}
-
-Descriptor acceptFrom(Descriptor const& listening) {
-    return Descriptor(::accept4(listening.get(), nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC));
 }
 
 }  // namespace Vgwctl

@@ -39,11 +39,6 @@ class Descriptor {
 /// A connection to the remote. Of a host's addresses the first that answers is taken. Raises
 /// LinkFailure, which names the remote and why, and Failure when the time is over.
 Descriptor connectTo(Ovsdb::Remote const& remote, Deadline const& deadline);
-/// A socket that listens at `path`, for its owner alone.
-Descriptor listenAt(std::string const& path);
-/// The next connection that waits, or none.
-Descriptor acceptFrom(Descriptor const& listening);
-
 /// Waits until one of `events` (poll(2)) has come, or the time is over.
 void await(Descriptor const& descriptor, short events, Deadline const& deadline);
 

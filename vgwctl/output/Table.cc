@@ -32,12 +32,18 @@ void printLine(std::ostream& to, std::string line) {
 
 }  // namespace
 
-std::optional<Format> formatOf(std::string_view name) {
-    if (name == "table") return Format::table;
-    if (name == "list") return Format::list;
-    if (name == "json") return Format::json;
-    if (name == "csv") return Format::csv;
-    return std::nullopt;
+std::string_view nameOf(Format format) {
+    switch (format) {
+        case Format::table:
+            return "table";
+        case Format::list:
+            return "list";
+        case Format::json:
+            return "json";
+        case Format::csv:
+            break;
+    }
+    return "csv";
 }
 
 std::string csvField(std::string const& text) {

@@ -7,7 +7,6 @@
 #include <vgwctl/output/ValueText.h>
 
 #include <iosfwd>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,8 +14,7 @@ namespace Vgwctl {
 
 enum class Format { table, list, json, csv };
 
-/// The form with that name.
-std::optional<Format> formatOf(std::string_view name);
+std::string_view nameOf(Format format);
 
 struct TableStyle {
     Format format = Format::table;

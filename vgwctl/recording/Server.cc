@@ -2,8 +2,6 @@
 
 #include <qor/attrlog/session/Session.h>
 
-#include <unistd.h>
-
 #include <vector>
 
 namespace Vgwctl {
@@ -38,14 +36,13 @@ class Server::Reader {
     Session session_;
 };
 
-Server::Server(std::string path, Copy const& copy)
-    : path_(std::move(path)), copy_(copy), listening_(listenAt(path_)) {}
+Server::Server(std::string path, Copy const& copy) : copy_(copy), listening_(std::move(path)) {}
 
-Server::~Server() { ::unlink(path_.c_str()); }
+Server::~Server() = default;
 
 void Server::accept() {
     for (;;) {
-        Descriptor socket = acceptFrom(listening_);
+        Descriptor socket = listening_.accept();
         if (socket.get() < 0) return;
         Qor::Entity* top = copy_.entity().ptr();
         while (top != nullptr && top->qorParent() != nullptr) top = top->qorParent();

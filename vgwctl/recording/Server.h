@@ -4,7 +4,7 @@
 // Gives a tree to whoever connects to a socket of ours, to be read.
 
 #include <vgwctl/link/Copy.h>
-#include <vgwctl/link/Socket.h>
+#include <vgwctl/recording/ListeningSocket.h>
 
 #include <poll.h>
 
@@ -16,7 +16,7 @@ namespace Vgwctl {
 
 class Server {
   public:
-    /// Raises Failure when `path` is taken. The socket is removed at the end.
+    /// Raises Failure when `path` is taken.
     Server(std::string path, Copy const& copy);
     ~Server();
     Server(Server const&) = delete;
@@ -30,9 +30,8 @@ class Server {
 
     void accept();
 
-    std::string const path_;
     Copy const& copy_;
-    Descriptor listening_;
+    ListeningSocket listening_;
     std::list<std::unique_ptr<Reader>> readers_;
 };
 

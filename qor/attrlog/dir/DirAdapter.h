@@ -33,10 +33,6 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     virtual void onEntry(Name key);
     void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) override;
 
-    /// The frame in which an entry was removed last.
-    U64 removedAt() const noexcept { return removedAt_; }
-    void removedAtIs(U64 frame) noexcept { removedAt_ = frame; }
-
     /// The chain of classes that came last, as it stands in a record, and what it led to.
     struct Chain {
         String8 bytes;
@@ -46,7 +42,6 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     Chain& lastChain() noexcept { return lastChain_; }
 
   private:
-    U64 removedAt_ = 0;
     Chain lastChain_;
 };
 

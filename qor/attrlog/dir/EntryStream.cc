@@ -33,7 +33,7 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
     Ptr<NboAttrLog::Out const> const reader(out);
     auto const* known = entity.qorNboAttrLogSa(reader);
-    if (known && known->isAnnouncedBefore(adapter.removedAt())) {
+    if (known && known->placing() != member.placing()) {
         NboAttrLog::deleteAdapter(entity, reader);
         known = nullptr;
     }
@@ -43,6 +43,7 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     adapter.doFixChildFlags(child);
     putEntry(adapter, key, member, *child);
     if (!known) child->isAnnounced();
+    child->placingIs(member.placing());
     bool const whole =
         !known || adapter.handlingScheduledFlowOut() || adapter.syncMode() == StreamAdapter::resync;
     if (whole) child->doThis();
@@ -148,29 +149,37 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     return told;
 }
 
-// Whether what stands under the name is not known to the peer yet.
+// Whether the peer, when it wrote, did not know of what stands under the name.
 bool isNewsToPeer(Adapter& adapter, Name const& key) {
     Ptr<Entity> const entity = targetOf<EntryStream>(adapter).entry(key);
-    if (!entity || adapter.has(AdapterState::isCopy)) return false;
+    if (!entity) return false;
     auto const* const known =
         entity->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    if (known) return known->isUnheardOf();
-    return !entity->qorHasAttrLogInterface() || isOwed<EntryStream>(adapter, key);
+    return known ? known->isUnheardOf() : isOwed<EntryStream>(adapter, key);
 }
 
-// The end of an entry's record. What the peer announced may have gone there, or made room for what
-// stood here: then it goes to the peer anew. What it removed may have come there again.
-void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key, bool replaces) {
-    if (adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
-    if (!record.hasCrossed) return;
+void putRemoval(Adapter& adapter, Name const& key) {
+    adapter.nboAttrLogOut() << Token::begin << String8(key) << Token::end;
+}
+
+// Of a copy: what it announced has to make room for the original's, which has not heard of it yet.
+// It may take it all the same, if its own has gone by then, and so hears that it went. What was
+// taken meanwhile is not told: this removal takes nothing else.
+void takeBack(Adapter& adapter, Name const& key, Entity& entity) {
+    auto const& out = adapter.nboAttrLogOut();
+    auto const* const known = entity.qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
+    if (!known || !known->isUnheardOf() || !adapter.has(AdapterState::isCopy)) return;
+    out->nextHeaderIs({adapter.entityId(), -EntryStream::id});
+    putRemoval(adapter, key);
+}
+
+// The end of an entry's record. What is still owed of the name is settled by it, and what the peer
+// removed may have been announced there again.
+void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
-    bool const mayHaveGone =
-        replaces || adapter.hasCrossedRemoval() || isOwed<EntryStream>(adapter, key);
-    if (auto const entity = targetOf<EntryStream>(adapter).entry(key)) {
-        if (!mayHaveGone) return;
-        NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    }
-    adapter.onEntry(key);
+    bool const isThere = static_cast<bool>(targetOf<EntryStream>(adapter).entry(key));
+    if (isThere || adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
+    if (record.hasCrossed) adapter.onEntry(key);
 }
 
 void takeDownEntry(Adapter& adapter, Name const& key) {
@@ -178,6 +187,7 @@ void takeDownEntry(Adapter& adapter, Name const& key) {
     if (auto const entity = dir.entry(key)) {
         NboAttrLog::deleteAdapter(*entity, Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
     }
+    tellTargetGone(adapter);
     adapter.flagIs(AdapterState::isActive, true);
     dir.entryDel(key);
 }
@@ -187,23 +197,29 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     family::needShallow(dir);
     Announced const told = readEntry(adapter, record);
     if (record.echoOnly) return adapter.onEntry(told.key);
-    if (!told.entity || record.demuxer.hasGoneHere(told.id)) return;
+    if (!told.entity || isOfTheGone(adapter, record.demuxer, told.id)) return;
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     Ptr<Entity> entity = dir.entry(told.key);
     bool const isKnown = entity && entity->qorNboAttrLogSa(out) &&
                          entity->qorNboAttrLogSa(out)->entityId() == told.id;
-    if (!isKnown && entity && isNewsToPeer(adapter, told.key)) return;
+    bool const ownStays = !isKnown && !adapter.has(AdapterState::isCopy);
+    if (ownStays && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) record.demuxer.needPeersId(told.id);
     bool const replaces = entity && !isSame(*entity, *told.entity, out, told.id);
     if (!entity || replaces) {
-        if (entity) NboAttrLog::deleteAdapter(*entity, out);
+        if (entity) {
+            takeBack(adapter, told.key, *entity);
+            NboAttrLog::deleteAdapter(*entity, out);
+            tellTargetGone(adapter);
+        }
         entity = told.entity;
     }
     dir.entryIs(told.key, entity);
     adapter.flagIs(AdapterState::isActive, true);
     dir.entryStateIs(told.key, told.state);
     enter(adapter, record.demuxer, *entity, told.id);
-    settleEntry(adapter, record, told.key, replaces);
+    entity->qorNboAttrLogSa(out)->placingIs(dir.qorEntry(told.key)->placing());
+    settleEntry(adapter, record, told.key);
 }
 
 }  // namespace
@@ -214,10 +230,9 @@ bool EntryStream::serialize(Adapter& adapter, Name const& key, QorEntry* member)
     if (guard.wasActive()) return true;
     if (!keyGoesNow<EntryStream>(adapter, *guard.out(), key)) return false;
     if (member == nullptr) {
-        adapter.beginRecord(-id);
-        guard.out() << Token::begin << String8(key) << Token::end;
+        adapter.beginChildRemoval(id);
+        putRemoval(adapter, key);
         adapter.removalSent();
-        adapter.removedAtIs(adapter.streamDemuxer()->framesSent());
         return true;
     }
     Qor::Ptr<QorEntry> const held(member);
@@ -232,20 +247,13 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) return adapter.onEntry(key);
     if (isNewsToPeer(adapter, key)) return;
     takeDownEntry(adapter, key);
-    settleEntry(adapter, record, key, false);
+    settleEntry(adapter, record, key);
 }
 
 void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
-    Qor::Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     walkUntilQuiet<EntryStream>(targetOf<EntryStream>(adapter), [&](QorEntry const& entry) {
-        auto* const known = entry.value()->qorNboAttrLogSa(out);
-        if (type == StreamAdapter::begin) {
-            if (known) known->flagIs(AdapterState::remountPending, true);
-        } else if (!known || known->has(AdapterState::remountPending)) {
-            Name const key = entry.key();
-            sweepKey<EntryStream>(adapter, key);
-        }
+        sweepChild<EntryStream>(adapter, entry.key(), *entry.value(), type);
     });
 }
 

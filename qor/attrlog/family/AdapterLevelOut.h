@@ -58,7 +58,7 @@ bool AdapterLevel<X, Base>::sendAttributeAtOnce() {
     if (!this->continueFlowOut()) return false;
     if constexpr (S::isKeyed) {
         if (collectionOf<S>(self()).size() != 0) return false;
-        this->sendTransactionMarker(S::id, StreamAdapter::begin, 0);
+        beginSnapshot<S>(self());
         this->sendTransactionMarker(S::id, StreamAdapter::end, 0);
     } else if constexpr (S::kind == StreamKind::text) {
         auto const& text = S::get(entityOf<S>(self()));

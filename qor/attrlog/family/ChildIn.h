@@ -73,15 +73,31 @@ bool makeChild(Adapter& adapter, Name const& key) {
 }
 
 /// Whether the child that stands here is one that the peer, when it wrote, did not know of: it is
-/// on its way there, and what the peer says of the name concerns another.
+/// on its way there, and a removal concerns another.
 template <class S, class Adapter>
 bool isNewsToPeer(Adapter& adapter, Name const& key) {
     auto const child = childOf<S>(adapter, key);
-    if (!child || adapter.has(AdapterState::isCopy)) return false;
+    if (!child) return false;
     auto const* const known =
         child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    if (known) return known->isUnheardOf();
-    return isOwed<S>(adapter, key);
+    return known ? known->isUnheardOf() : isOwed<S>(adapter, key);
+}
+
+/// Of a copy: its own child has to make room for the original's, which has not heard of it yet. It
+/// may take it all the same, if its own has gone by then, and so hears that it went. What was taken
+/// meanwhile is not told: this removal takes nothing but that child.
+template <class S, class Adapter>
+void takeBack(Adapter& adapter, Name const& key, EntityId const& id) {
+    using Token = NboAttrLog::Out::TransactToken;
+    auto const child = childOf<S>(adapter, key);
+    if (!child || !adapter.has(AdapterState::isCopy)) return;
+    auto const& out = adapter.nboAttrLogOut();
+    auto const* const known = child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
+    if (!known || known->entityId() == id || !known->isUnheardOf()) return;
+    out->nextHeaderIs({adapter.entityId(), -S::id, S::isKeyed ? U8{1} : U8{0}});
+    out << Token::begin;
+    if constexpr (S::isKeyed) out << String8(key);
+    out << Token::end;
 }
 
 /// Whether another child stands in the place of the one that the peer announces under `id`.
@@ -102,6 +118,7 @@ bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, Ent
 template <class S, class Adapter>
 void takeDownChild(Adapter& adapter, Name const& key) {
     deleteChildAdapter<S>(adapter, childOf<S>(adapter, key));
+    tellTargetGone(adapter);
     adapter.flagIs(AdapterState::isActive, true);
     deleteChild<S>(adapter, key);
 }
@@ -119,39 +136,14 @@ void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityI
     makeChild<S>(adapter, key);
 }
 
-/// A child that gets a new id is another one to the peer: what refers to it is sent again.
-template <class Adapter>
-void oweReferencesTo(Adapter& adapter, Entity const& child) {
-    Adapter::QorStreamed::forEach([&]<class R>() {
-        if constexpr (R::kind == StreamKind::reference) {
-            for (typename R::Attr::Map::IteratorConst at(&collectionOf<R>(adapter)); at; ++at) {
-                if (R::Attr::valueOf(*at.member()).ptr() != &child) continue;
-                flowFor(adapter, R::id).template dirtyKeyIs<R>(at.key(), true);
-            }
-        }
-    });
-}
-
-/// The end of a child's record. What the peer announced may have gone there meanwhile, by a removal
-/// that was on its way: then it is announced to the peer in turn, under a new id and whole. What it
-/// removed may have come there again.
+/// The end of a child's record. What is still owed of the name is settled by it, and what the peer
+/// removed may have been announced there again.
 template <class S, class Adapter>
 void settleChild(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
-    if (adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
-    if (!record.hasCrossed) return;
-    auto const child = childOf<S>(adapter, key);
-    if (!child) return childChanged<S>(adapter, key);
-    if (!adapter.hasCrossedRemoval() && !isOwed<S>(adapter, key)) return;
-    deleteChildAdapter<S>(adapter, child);
-    oweReferencesTo(adapter, *child);
-    bool goes = false;
-    if constexpr (S::isKeyed) {
-        goes = keyGoesNow<S>(adapter, *adapter.nboAttrLogOut(), key);
-    } else {
-        goes = valueGoesNow<S>(adapter, *adapter.nboAttrLogOut());
-    }
-    if (goes) writeWhole([&] { sendChild<S>(adapter, child, true); });
+    bool const isThere = static_cast<bool>(childOf<S>(adapter, key));
+    if (isThere || adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
+    if (record.hasCrossed) childChanged<S>(adapter, key);
 }
 
 template <class S, class Adapter>
@@ -161,11 +153,13 @@ void readAnnouncement(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) return childChanged<S>(adapter, key);
     family::needShallow(*adapter.qorNotifierEntity());
     EntityId const id = peekEntityId(record.in);
-    if (record.demuxer.hasGoneHere(id)) return;
+    if (isOfTheGone(adapter, record.demuxer, id)) return;
     auto const* const known = record.demuxer.adapter(id);
     bool const isKnown = known && known->qorNotifierEntity() == childOf<S>(adapter, key).ptr();
-    if (!isKnown && isNewsToPeer<S>(adapter, key)) return;
+    bool const ownStays = !isKnown && !adapter.has(AdapterState::isCopy);
+    if (ownStays && isNewsToPeer<S>(adapter, key)) return;
     needFreshId<S>(adapter, key, id, record.demuxer);
+    takeBack<S>(adapter, key, id);
     MsgChannel::DeserializingEidAnchor const anchor(id, adapter.qorNotifierEntity());
     takeChild<S>(adapter, record, key, id);
     if constexpr (S::isKeyed) {

@@ -77,13 +77,13 @@ void deleteChildAdapter(Adapter& adapter, Ptr<typename S::Target> const& child) 
 
 /// Announces the child and, while a whole state is sent, lets it send its own.
 template <class S, class Adapter>
-void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child, bool isAnew = false) {
+void sendChild(Adapter& adapter, Ptr<typename S::Target> const& child) {
     auto const flags = AdapterState::ofChild(adapter.state());
     Ptr<NboAttrLog::Out> const out = adapter.nboAttrLogOut();
     auto const announced = announceChild<S>(adapter, flags, child, 1, out, adapter.msgChannel());
     adapter.doFixChildFlags(announced);
     bool const whole =
-        isAnew || adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
+        adapter.syncMode() == StreamAdapter::resync || adapter.handlingScheduledFlowOut();
     if (whole) announced->doThis();
 }
 
@@ -101,7 +101,7 @@ bool serializeChildMember(Adapter& adapter, typename S::Key const& key,
     }
     if (!keyGoesNow<S>(adapter, *guard.out(), key)) return false;
     if (!child) {
-        adapter.beginRecord(-S::id);
+        adapter.beginChildRemoval(S::id);
         guard.out() << Token::begin << key << Token::end;
         adapter.removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {
@@ -124,7 +124,7 @@ void serializeChild(Adapter& adapter) {
     }
     if (!valueGoesNow<S>(adapter, *guard.out())) return;
     if (!child) {
-        adapter.beginRecord(-S::id, 0, 0);
+        adapter.beginChildRemoval(S::id, 0);
         guard.out() << Token::begin << Token::end;
         adapter.removalSent();
     } else if (!writeWhole([&] { sendChild<S>(adapter, child); })) {

@@ -46,6 +46,15 @@ void serializeChangedKey(Adapter& adapter, typename S::Key const& key) {
     serializeMember<S>(adapter, key, collectionOf<S>(adapter).member(key));
 }
 
+/// The begin marker; of what may be removed at the peer, behind what was heard of it.
+template <class S, class Adapter>
+void beginSnapshot(Adapter& adapter) {
+    if constexpr (S::kind == StreamKind::childMember || S::kind == StreamKind::entry) {
+        adapter.tellHeard();
+    }
+    adapter.sendTransactionMarker(S::id, StreamAdapter::begin, 0);
+}
+
 template <class S, class Adapter>
 class CollectionOut {
   public:
@@ -94,7 +103,7 @@ class CollectionOut {
     /// What send() answers, if the walk was left.
     std::optional<bool> walk() {
         bool const goesOn = flow_->bookmark() != nullptr;
-        if (!goesOn) adapter_.sendTransactionMarker(S::id, StreamAdapter::begin, 0);
+        if (!goesOn) beginSnapshot<S>(adapter_);
         Walk at =
             goesOn ? Walk(&map_, NboAttrLog::qorFlowOutBookmarkDeq<Key>(*flow_)) : Walk(&map_);
         while (at) {

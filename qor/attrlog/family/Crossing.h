@@ -38,7 +38,23 @@ bool isOwed(Adapter& adapter, Key const& key) {
     }
 }
 
-/// Of a copy: what was owed of the value is owed no more.
+/// Whether what the peer announces has stood here and gone, which the peer is to hear of. What is
+/// only read may be announced again.
+template <class Adapter>
+bool isOfTheGone(Adapter& adapter, NboAttrLog::Demuxer& demuxer, EntityId const& id) {
+    if (demuxer.hasGoneHere(id)) return true;
+    return !adapter.has(AdapterState::readOnlyLocal) &&
+           demuxer.isOfTheGone(id, adapter.has(AdapterState::isCopy));
+}
+
+/// A child goes by the peer's word: a copy looks again at the references that it owes.
+template <class Adapter>
+void tellTargetGone(Adapter& adapter) {
+    auto* const demuxer = adapter.streamDemuxer();
+    if (demuxer && adapter.has(AdapterState::isCopy)) demuxer->targetHasGone();
+}
+
+/// What was owed of the value is owed no more.
 template <class S, class Adapter, class Key>
 void forgive(Adapter& adapter, Key const& key) {
     auto* const flow = flowOf(adapter);

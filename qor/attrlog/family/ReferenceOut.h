@@ -50,6 +50,22 @@ void removeWaiting(Adapter& adapter, typename S::Key const& key) {
     if constexpr (S::kind == StreamKind::reference) putReference<S>(adapter, key, nullptr);
 }
 
+/// Whether the entity has stood in a tree and has gone from it, by itself or with what it stood in.
+inline bool hasLeftItsTree(Entity const& entity) {
+    Entity const* top = &entity;
+    while (top->qorParent()) top = top->qorParent();
+    return top->parentAttrId() != 0;
+}
+
+/// A reference that a copy still owes goes with its target: the original will never have it.
+/// Whether nothing is owed for the key.
+template <class S, class Adapter>
+bool dropReference(Adapter& adapter, typename S::Key const& key) {
+    S::del(static_cast<typename S::Entity&>(*adapter.qorNotifierEntity()), key);
+    auto* const flow = flowOf(adapter);
+    return !flow || !flow->template dirtyKeys<S>().member(key);
+}
+
 /// qorHandleASerializeSing of a reference collection; a null value is a removal. Whether nothing is
 /// owed for the key.
 template <class S, class Adapter>
@@ -58,6 +74,9 @@ bool serializeReference(Adapter& adapter, typename S::Key const& key,
     OutboundGuard const guard(adapter, S::id);
     if (!guard.mayGo(S::name)) return guard.isNothingOwed();
     if (value && !NboAttrLog::hasIdOn(*value, guard.out())) {
+        bool const isInVain = adapter.has(AdapterState::isCopy) &&
+                              adapter.handlingScheduledFlowOut() && hasLeftItsTree(*value);
+        if (isInVain) return dropReference<S>(adapter, key);
         keepForLater<S>(adapter, key);
         return false;
     }

@@ -108,6 +108,8 @@ struct NondestructingAttribute {
 
 template <class E>
 struct StreamNondestructing : StreamAttribute<NondestructingAttribute<E>, StreamKind::scalar> {
+    /// How references are counted is no peer's to say.
+    static constexpr bool isOfOneProcess = true;
     static bool get(E const& entity) { return entity.isNondestructing(); }
     static void set(E& entity, bool value) { entity.isNondestructingIs(value); }
     template <class Adapter>

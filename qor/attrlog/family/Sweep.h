@@ -4,7 +4,7 @@
 #define QOR_ATTRLOG_FAMILY_SWEEP_H
 
 #include <qor/attrlog/family/ChildOut.h>
-#include <qor/attrlog/family/Inbound.h>
+#include <qor/attrlog/family/Crossing.h>
 
 namespace Qor {
 
@@ -34,41 +34,66 @@ bool hasCrossedSnapshot(Adapter& adapter) {
     return adapter.hasSentSince(flow ? flow->heardAtBegin() : 0);
 }
 
-/// Deletes a key without sending it back, unless the snapshot may have missed what the peer holds.
+/// Deletes a key without sending it back.
 template <class S, class Adapter>
 void sweepKey(Adapter& adapter, typename S::Key const& key) {
-    {
-        IsActiveAnchor const anchor(adapter);
-        S::del(targetOf<S>(adapter), key);
-    }
-    if (hasCrossedSnapshot(adapter)) S::on(adapter, key);
+    IsActiveAnchor const anchor(adapter);
+    S::del(targetOf<S>(adapter), key);
 }
 
+/// Whether a key that the peer's snapshot lacks stays although it is marked: of a copy, where it is
+/// still to be sent.
+template <class S, class Adapter>
+bool isStillToCome(Adapter& adapter, typename S::Key const& key) {
+    auto* const flow = adapter.has(AdapterState::isCopy) ? flowOf(adapter) : nullptr;
+    return flow && (flow->template dirtyKeys<S>().member(key) || isHalfSent<S>(adapter, key));
+}
+
+/// Where the peer had not heard of all that was sent for the entity when its snapshot began, what
+/// it lacks is on its way to it, and nothing is marked. What has crossed since goes to it again.
 template <class S, class Adapter>
 void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     auto& entity = targetOf<S>(adapter);
     if (type == StreamAdapter::abort || S::Attr::map(entity).size() == 0) return;
+    if (type == StreamAdapter::begin && adapter.hasCrossed()) return;
+    bool const goesAgain = hasCrossedSnapshot(adapter);
     walkUntilQuiet<S>(entity, [&](typename S::Member const& member) {
-        if (type == StreamAdapter::begin) {
-            member.qorMarkedForDeletionIs(true);
-        } else if (member.qorMarkedForDeletion()) {
-            sweepKey<S>(adapter, member.fwkKey());
-        }
+        if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);
+        if (!member.qorMarkedForDeletion()) return;
+        typename S::Key const key = member.fwkKey();
+        bool const stays = goesAgain || isStillToCome<S>(adapter, key);
+        if (!stays) return sweepKey<S>(adapter, key);
+        member.qorMarkedForDeletionIs(false);
+        if (goesAgain) S::on(adapter, key);
     });
+}
+
+/// One child at a marker. What the peer had not heard of when its snapshot began stays: it is on
+/// its way there, or owed.
+template <class S, class Adapter>
+void sweepChild(Adapter& adapter, typename S::Key const& key, Entity& child,
+                StreamAdapter::AttrTransactionType type) {
+    Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
+    auto* const known = child.qorNboAttrLogSa(out);
+    if (type == StreamAdapter::begin) {
+        if (known && !known->isUnheardOf()) known->flagIs(AdapterState::remountPending, true);
+        return;
+    }
+    bool const isSwept =
+        known ? known->has(AdapterState::remountPending) : !isOwed<S>(adapter, key);
+    if (!isSwept) return;
+    typename S::Key const gone = key;
+    bool const hasCrossed = hasCrossedSnapshot(adapter);
+    tellTargetGone(adapter);
+    sweepKey<S>(adapter, gone);
+    if (hasCrossed) S::on(adapter, gone);
 }
 
 template <class S, class Adapter>
 void sweepChildren(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::abort) return;
-    Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member& member) {
-        auto* const known = childOfMember<S>(&member)->qorNboAttrLogSa(out);
-        if (type == StreamAdapter::begin) {
-            if (known) known->flagIs(AdapterState::remountPending, true);
-        } else if (!known || known->has(AdapterState::remountPending)) {
-            typename S::Key const key = member.fwkKey();
-            sweepKey<S>(adapter, key);
-        }
+        sweepChild<S>(adapter, member.fwkKey(), *childOfMember<S>(&member), type);
     });
 }
 

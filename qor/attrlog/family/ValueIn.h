@@ -6,12 +6,26 @@
 
 namespace Qor {
 
+/// Whether the value is this process's alone, and the peer's another: it is skipped.
+template <class S, class Adapter>
+bool isRefusedToPeer([[maybe_unused]] Adapter& adapter, [[maybe_unused]] InboundRecord& record,
+                     [[maybe_unused]] typename S::Value const& value) {
+    if constexpr (requires { S::isOfOneProcess; }) {
+        bool const isOther = S::get(targetOf<S>(adapter)) != value;
+        bool const isRefused = isOther && !record.demuxer.peerMayUncount();
+        if (isRefused) record.demuxer.refusedToPeerInc(1);
+        return isRefused;
+    } else {
+        return false;
+    }
+}
+
 template <class S, class Adapter>
 void readScalar(Adapter& adapter, InboundRecord& record) {
     auto value = nextAttributeValue<typename S::Value>(record);
     if (record.echoOnly) {
         S::on(adapter);
-    } else {
+    } else if (!isRefusedToPeer<S>(adapter, record, value)) {
         S::set(targetOf<S>(adapter), std::move(value));
         settle<S>(adapter, record);
     }

@@ -88,6 +88,18 @@ bool Demuxer::hasGoneHere(EntityId const& id) const {
     return isDrawnHere && (!known || isAway(*known));
 }
 
+bool Demuxer::isOfTheGone(EntityId const& id, bool isCopy) {
+    U64& newest = isCopy ? newestOfCopies_ : newestOfOriginals_;
+    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
+    U64 const number = id.value() & ~peersHalf;
+    if (!isPeers || number > newest) {
+        if (isPeers) newest = number;
+        return false;
+    }
+    auto const* const known = adapter(id);
+    return !known || isAway(*known);
+}
+
 bool Demuxer::checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, EntityId const& id,
                                            bool) const {
     if (!child) return false;

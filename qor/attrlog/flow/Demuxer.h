@@ -68,6 +68,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         U64 refusedLocally = 0;     // changes of what may not be changed here
         U64 flowsMade = 0;
         U64 unknownClasses = 0;  // entities of a class that is not known here, skipped
+        U64 refusedToPeer = 0;   // values that are this process's alone, skipped
     };
 
     Demuxer(Name name, Qor::Ptr<In> in, Qor::Ptr<Out> out, Side side);
@@ -84,6 +85,11 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Whether what is read-only here may be made writable.
     bool mayConvert() const noexcept { return mayConvert_; }
     void mayConvertIs(bool mayConvert) noexcept { mayConvert_ = mayConvert; }
+    // Whether isNondestructing is applied when the peer tells another than the entity's here. It
+    // switches the counting of references off, which is no matter of another process's: a session
+    // lets it be skipped, and counted.
+    bool peerMayUncount() const noexcept { return peerMayUncount_; }
+    void peerMayUncountIs(bool mayUncount) noexcept { peerMayUncount_ = mayUncount; }
     void quotaIs(Quota const& quota) noexcept { quota_ = quota; }
     Counters const& counters() const noexcept { return counters_; }
 
@@ -106,6 +112,12 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Whether an id was drawn here for what has gone since: the peer is to hear of that, and what
     // it says of the entity meanwhile is skipped.
     bool hasGoneHere(EntityId const& id) const;
+    // Notes that the peer announces that id, of a tree of which this end holds the copy or not.
+    // Ids are announced in rising order for the first time: whether it is announced once more,
+    // for what has gone here since.
+    bool isOfTheGone(EntityId const& id, bool isCopy);
+    // Copies are mounted anew: what has gone may come again.
+    void forgetTheGone() noexcept { newestOfCopies_ = 0; }
     // Whether `child`, which stands where the peer announces an entity of that id, is another one
     // that has to make room: it was announced on this connection under another id. `isCollected`
     // tells whether it stands in a collection.
@@ -145,6 +157,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
     // Counts an entity whose class is not known here, and tells the session.
     void unknownClass(Name const& fullName);
+    void refusedToPeerInc(U32 count) noexcept { counters_.refusedToPeer += count; }
     void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
 
     // Gives the adapter a flow from `startAttr` on, in the place of one that it has, and a place in
@@ -165,6 +178,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Flows, those included that wait for an id.
     std::size_t flows() const noexcept { return ready_.size() + waiting_.size(); }
     void wake(FlowOut& flow);
+    // What flows wait for may never come: they look once more.
+    void targetHasGone() noexcept { ++announced_; }
 
     // Hands up to `budget` frames that have arrived to their adapters. The number of frames.
     std::size_t serveFrames(std::size_t budget);
@@ -216,17 +231,20 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 ownHalf_;
     U64 reserve_;
     U64 sliceEnd_ = noEnd;
-    U64 announced_ = 0;  // counts ids that became known
+    U64 announced_ = 0;  // counts ids that became known, and targets that went
     U64 waitingSince_ = 0;
     U64 openText_ = 0;
-    U64 heard_ = 0;      // frames of the peer's that were taken, the one being read included
-    U64 toldHeard_ = 0;  // what the last receipt said
-    U64 peerHeard_ = 0;  // what the peer's last receipt said
+    U64 heard_ = 0;           // frames of the peer's that were taken, the one being read included
+    U64 toldHeard_ = 0;       // what the last receipt said
+    U64 peerHeard_ = 0;       // what the peer's last receipt said
+    U64 newestOfCopies_ = 0;  // the greatest id that the peer has announced
+    U64 newestOfOriginals_ = 0;  // the same, of what the peer made in trees of this end's
     Quota quota_;
     Counters counters_;
     U32 protocol_ = 2;
     U32 depth_ = 0;
     bool mayConvert_ = false;
+    bool peerMayUncount_ = true;
     bool tellsWritten_ = false;
     bool hasFailed_ = false;
 };

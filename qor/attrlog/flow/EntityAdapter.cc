@@ -146,21 +146,24 @@ bool Entity::QorNboAttrLogSa::hasCrossed() const {
     return demuxer && hasSentSince(demuxer->peerHeard());
 }
 
-void Entity::QorNboAttrLogSa::removalSent() {
-    auto* const demuxer = qorRawDemuxer();
-    if (demuxer == nullptr) return;
-    removedAt_ = demuxer->framesSent();
-    if (demuxer->hasFlowsIn()) demuxer->flowsInDelAway();
+void Entity::QorNboAttrLogSa::tellHeard() {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer && !has(AdapterState::readOnlyRemote)) demuxer->sendReceipt();
 }
 
-bool Entity::QorNboAttrLogSa::hasCrossedRemoval() const {
-    auto const* const demuxer = streamDemuxer();
-    return demuxer && !has(AdapterState::isCopy) && removedAt_ > demuxer->peerHeard();
+void Entity::QorNboAttrLogSa::beginChildRemoval(AttributeId id, U8 tag) {
+    tellHeard();
+    beginRecord(-id, 0, tag);
+}
+
+void Entity::QorNboAttrLogSa::removalSent() {
+    auto* const demuxer = streamDemuxer();
+    if (demuxer && demuxer->hasFlowsIn()) demuxer->flowsInDelAway();
 }
 
 bool Entity::QorNboAttrLogSa::isUnheardOf() const {
     auto const* const demuxer = streamDemuxer();
-    return demuxer && !has(AdapterState::isCopy) && announcedAt_ > demuxer->peerHeard();
+    return demuxer && announcedAt_ > demuxer->peerHeard();
 }
 
 void Entity::QorNboAttrLogSa::isAnnounced() {

@@ -47,15 +47,19 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     bool hasCrossed() const;
     // Whether something was sent for it after that frame.
     bool hasSentSince(U64 frame) const { return !has(AdapterState::isCopy) && sentAt_ > frame; }
-    // A child was removed, or a snapshot marked: what the peer announces here may have gone there.
+    // In front of what takes children away: a peer that writes learns what had been taken of it, so
+    // that it lets go of nothing else.
+    void tellHeard();
+    void beginChildRemoval(AttributeId id, U8 tag = 1);
+    // A child was removed, or a snapshot marked: what is half received of what went is dropped.
     void removalSent();
-    bool hasCrossedRemoval() const;
-    // Whether it had not taken the announcement of this entity.
+    // Whether this end has announced the entity, and the peer, when it wrote, had not taken that.
     bool isUnheardOf() const;
-    // Whether that was before a frame.
-    bool isAnnouncedBefore(U64 frame) const noexcept { return announcedAt_ < frame; }
     // The entity is announced, and its whole state follows.
     void isAnnounced();
+    // Of a directory's entry: the placing that it was announced for.
+    U64 placing() const noexcept { return placing_; }
+    void placingIs(U64 placing) noexcept { placing_ = placing; }
     void sendTransactionMarker(AttributeId id, AttrTransactionType type, U32 arg);
     // Aborts what is pending before anything else is sent.
     void sendPendingAborts(NboAttrLog::FlowOut& flowOut);
@@ -82,8 +86,8 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
 
     Qor::Ptr<Entity::NotifieeConst> companion_;
     U64 sentAt_ = 0;       // the number of the last frame that was sent for the entity
-    U64 announcedAt_ = 0;  // of its announcement
-    U64 removedAt_ = 0;    // of the last removal of a child, or marker of a snapshot
+    U64 announcedAt_ = 0;  // of its announcement by this end
+    U64 placing_ = 0;
 };
 
 class Entity::QorNboAttrLogSa::HandlingScheduledFlowOutAnchor {

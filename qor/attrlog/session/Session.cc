@@ -36,6 +36,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
       lastHeard_(since_) {
     demuxer_->linkHandlerIs(this);
     demuxer_->out()->wakerIs(this);
+    demuxer_->peerMayUncountIs(false);
     demuxer_->tellsWrittenIs(config_.peerMayWrite);
     demuxer_->quotaIs(config_.quota);
     demuxer_->in()->greatestFrameIs(config_.greatestFrame);
@@ -68,7 +69,26 @@ void Session::unmount(MountId mount) {
     asked_.erase(found);
     bool const isShared = std::any_of(asked_.begin(), asked_.end(),
                                       [&](auto const& one) { return one.second.id == id; });
-    if (!isShared) letGo(id);
+    if (isShared) return;
+    auto const isKept = [&](auto const& one) {
+        return demuxer_->adapter(one.second.id) != nullptr;
+    };
+    std::vector<MountId> kept;
+    for (auto const& one : asked_) {
+        if (isKept(one)) kept.push_back(one.first);
+    }
+    letGo(id);
+    for (MountId const other : kept) {
+        auto& one = *asked_.find(other);
+        if (!isKept(one)) mountAgain(one);
+    }
+}
+
+// What stood below another that was unmounted has gone with it at both ends.
+void Session::mountAgain(std::pair<MountId const, Asked>& one) {
+    send(Op::unmount, one.first);
+    one.second.id = EntityId();
+    sendMount(one.first, one.second);
 }
 
 Ptr<Entity> Session::mounted(MountId mount) const {
@@ -174,6 +194,7 @@ void Session::tellSynced() {
         if (!given.isSynced) send(Op::synced, mount);
         given.isSynced = true;
     }
+    giveHeld();
 }
 
 }  // namespace NboAttrLog

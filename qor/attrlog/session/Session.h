@@ -179,6 +179,10 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         EntityId id;
         bool isSynced = false;
     };
+    struct Held {
+        String8 path;
+        bool writable = false;
+    };
 
     void handleLink(Frame const& frame, In& in) override;
     Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
@@ -197,6 +201,10 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void tellDigests();
     String8 called(String8 const& path, String8 const& operation,
                    std::vector<String8> const& arguments) const;
+    void giveAsked(MountId mount, String8 const& path, bool writable, Ptr<Entity> const& entity);
+    bool isOnItsWay(Entity const& entity) const;
+    String8 whyNotAbove(Entity const& entity) const;
+    void giveHeld();
     void give(MountId mount, Entity& entity, bool writable);
     void letGo(EntityId const& id);
     void refuse(MountId mount, String8 const& reason);
@@ -220,7 +228,8 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleDescribed(In& in);
     void handleDescribedAll(In& in);
     void describeTypes();
-    void mountAgain();
+    void mountAllAgain();
+    void mountAgain(std::pair<MountId const, Asked>& one);
     bool holdBackForType(EntityId const& id, Name const& fullName);
 
     Config const config_;
@@ -230,6 +239,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     SessionListener* listener_ = nullptr;
     std::map<MountId, Asked> asked_;  // of the peer
     std::map<MountId, Given> given_;  // to the peer, by its own numbers
+    std::map<MountId, Held> held_;    // until what stands above has been announced
     MountId lastMount_ = 0;
     CallId lastCall_ = 0;
     std::deque<DigestPage> digestsAsked_;

@@ -99,8 +99,10 @@ void Session::handleMount(In& in) {
     MountId const mount = in.nextU32();
     bool const writable = in.nextbool();
     String8 const path = in.nextString();
-    if (given_.contains(mount)) throw AttrLogRecordException("a mount of a number in use");
-    if (given_.size() >= config_.mounts) return refuse(mount, "too many mounts");
+    if (given_.contains(mount) || held_.contains(mount)) {
+        throw AttrLogRecordException("a mount of a number in use");
+    }
+    if (given_.size() + held_.size() >= config_.mounts) return refuse(mount, "too many mounts");
     if (writable && !config_.peerMayWrite) return refuse(mount, path + " may only be read");
     Ptr<Entity> entity;
     try {
@@ -108,14 +110,56 @@ void Session::handleMount(In& in) {
     } catch (RangeException const& failure) {
         return refuse(mount, failure.message());
     }
+    if (entity && isOnItsWay(*entity)) {
+        held_[mount] = {path, writable};
+    } else {
+        giveAsked(mount, path, writable, entity);
+    }
+}
+
+void Session::giveAsked(MountId mount, String8 const& path, bool writable,
+                        Ptr<Entity> const& entity) {
     if (!entity) return refuse(mount, path + " does not exist");
     if (!entity->qorHasAttrLogInterface()) return refuse(mount, path + " can't be mounted");
-    if (listener_ != nullptr) {
-        String8 const why = listener_->onAsked(path, writable, *entity);
-        if (why.length() != 0) return refuse(mount, why);
-    }
+    String8 why = whyNotAbove(*entity);
+    if (why.empty() && listener_ != nullptr) why = listener_->onAsked(path, writable, *entity);
+    if (!why.empty()) return refuse(mount, why);
     give(mount, *entity, writable);
     if (listener_ != nullptr) listener_->onGiven(mount, path, writable);
+}
+
+// An entity has one id on a connection, and one copy. What stands below a mounted one is announced
+// in its place there; until then it can't be given by itself.
+bool Session::isOnItsWay(Entity const& entity) const {
+    Ptr<Out const> const out(demuxer_->out());
+    if (entity.qorNboAttrLogSa(out) != nullptr || !demuxer_->owes()) return false;
+    for (Entity const* above = entity.qorParent(); above; above = above->qorParent()) {
+        if (above->qorNboAttrLogSa(out) != nullptr) return true;
+    }
+    return false;
+}
+
+// A copy that stands by itself at the peer can't become a part of another.
+String8 Session::whyNotAbove(Entity const& entity) const {
+    if (entity.qorNboAttrLogSa(Ptr<Out const>(demuxer_->out())) != nullptr) return {};
+    for (auto const& [number, given] : given_) {
+        auto const* const adapter = demuxer_->adapter(given.id);
+        Entity const* const below = adapter ? adapter->qorNotifierEntity() : nullptr;
+        for (Entity const* at = below; at; at = at->qorParent()) {
+            if (at->qorParent() != &entity) continue;
+            String8 const path = entity.uriPath();
+            return path + " holds " + below->uriPath() +
+                   ", which is mounted on this connection already: mount " + path +
+                   " first, or on a connection of its own";
+        }
+    }
+    return {};
+}
+
+void Session::giveHeld() {
+    for (auto const& [mount, held] : std::exchange(held_, {})) {
+        giveAsked(mount, held.path, held.writable, entityAt(held.path));
+    }
 }
 
 void Session::give(MountId mount, Entity& entity, bool writable) {
@@ -139,6 +183,7 @@ void Session::handleMounted(In& in) {
 
 void Session::handleUnmount(In& in) {
     MountId const mount = in.nextU32();
+    if (held_.erase(mount) != 0) return;
     auto const found = given_.find(mount);
     if (found == given_.end()) return;
     EntityId const id = found->second.id;
@@ -152,6 +197,7 @@ void Session::handleUnmount(In& in) {
 
 // What stands below another mounted entity stays.
 void Session::letGo(EntityId const& id) {
+    demuxer_->forgetTheGone();
     auto* const adapter = demuxer_->adapter(id);
     if (!adapter) return;
     Entity* const parent = adapter->qorNotifierEntity()->qorParent();
@@ -161,8 +207,12 @@ void Session::letGo(EntityId const& id) {
 
 // An announcement may cross an unmount: then nobody asks for it any more.
 LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName, Name const& name) {
-    auto const found = std::find_if(asked_.begin(), asked_.end(),
-                                    [&](auto const& one) { return one.second.id == id; });
+    auto const isOf = [&](auto const& one) { return one.second.id == id; };
+    auto found = std::find_if(asked_.begin(), asked_.end(), isOf);
+    // Of several mounts of one entity each is told.
+    auto const isNews = [&](auto const& one) { return isOf(one) && !one.second.isTold; };
+    auto const news = std::find_if(found, asked_.end(), isNews);
+    if (news != asked_.end()) found = news;
     if (found == asked_.end()) return {};
     Asked& asked = found->second;
     if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();

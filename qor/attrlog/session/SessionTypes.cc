@@ -61,7 +61,7 @@ void Session::handleDescribedAll(In& in) {
     types_.complete();
     ++typesAnswered_;
     if (awaitsTypes()) return;
-    if (isNews) mountAgain();
+    if (isNews) mountAllAgain();
     for (auto& [mount, asked] : asked_) {
         if (asked.isHeldBack) sendMount(mount, asked);
     }
@@ -89,13 +89,16 @@ bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
 }
 
 // The copies stay, and are told real differences only.
-void Session::mountAgain() {
+void Session::mountAllAgain() {
+    std::vector<MountId> mounts;
     for (auto& [mount, asked] : asked_) {
         if (asked.isHeldBack) continue;
         send(Op::unmount, mount);
         letGo(std::exchange(asked.id, EntityId()));
-        sendMount(mount, asked);
+        mounts.push_back(mount);
     }
+    // Behind all that are given back: one that stands below another is no longer in its way.
+    for (MountId const mount : mounts) sendMount(mount, asked_.at(mount));
 }
 
 }  // namespace NboAttrLog

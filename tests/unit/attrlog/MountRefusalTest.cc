@@ -112,4 +112,23 @@ TEST_F(Refusal, UnmountThatCrossesTheAnnouncementEndsNoSession) {
     EXPECT_EQ(reader->demuxer().counters().unknownEntities, 2U);
 }
 
+// It switches the counting of references off: switched on again, what was given up meanwhile would
+// never have been counted.
+TEST_F(Refusal, PeerDoesNotSayHowReferencesAreCounted) {
+    auto const copy = Qor::make<Vgw::CliConfig>(Qor::Name("e"));
+    reader->mount("/vgw/cliConfig", true, copy);
+    give("1", "Vgw::CliConfig", "8000000000000003");
+    feed(record(0x8000000000000003, 6, "01"));
+    EXPECT_FALSE(copy->isNondestructing());
+    EXPECT_EQ(reader->demuxer().counters().refusedToPeer, 1U);
+    copy->isNondestructingIs(true);
+    feed(record(0x8000000000000003, 6, "00"));
+    EXPECT_TRUE(copy->isNondestructing());
+    feed(record(0x8000000000000003, 6, "01") + record(0x8000000000000003, 262, "0009"));
+    EXPECT_EQ(reader->demuxer().counters().refusedToPeer, 2U) << "what both say is nothing new";
+    EXPECT_EQ(copy->managerPort(), 9);
+    EXPECT_EQ(reader->closed(), String8());
+    copy->isNondestructingIs(false);
+}
+
 }  // namespace

@@ -8,6 +8,7 @@ int main(int argc, char** argv) {
     Bench::addRows();
     Bench::addRecords();
     Bench::addMounts();
+    Bench::addProcesses();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -48,6 +48,7 @@ void addDispatch();
 void addRows();
 void addRecords();
 void addMounts();
+void addProcesses();
 
 }  // namespace Bench
 

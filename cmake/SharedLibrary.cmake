@@ -27,6 +27,8 @@ function(vgw_shared_library target)
     target_link_libraries(${target} PUBLIC ${arg_LINKS} PRIVATE Threads::Threads)
     # The records of its types live as long as the process, so what they call must stay.
     target_link_options(${target} PRIVATE -Wl,-z,nodelete)
+    # A library calls its own functions directly; nobody is to replace one of them.
+    target_link_options(${target} PRIVATE -Wl,-Bsymbolic-functions)
     if(NOT VGW_SANITIZE AND NOT VGW_FUZZ)
         # A name that no object defines is found here, not by the first user.
         target_link_options(${target} PRIVATE -Wl,--no-undefined)

@@ -1,13 +1,14 @@
 // A directory of complete remote MAC rows is mounted from one session by another, over a transport
-// in memory, both in this thread; and what a row takes once it is mounted.
-#include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
+// in memory, both in this thread; what a row takes once it is mounted; and what is held for a peer
+// that has stopped to read.
 #include <vgw/attrlog/UcastMacsRemote.h>
 
 #include <string>
+#include <vector>
 
 #include "../Row.h"
 #include "../maps/Keys.h"
+#include "Ends.h"
 
 namespace Bench {
 
@@ -18,7 +19,7 @@ using Qor::NboAttrLog::MemoryTransport;
 using Qor::NboAttrLog::Session;
 
 Qor::Ptr<Qor::Dir> directory(std::size_t rows) {
-    auto const dir = Qor::make<Qor::Dir>(Name("ucastMacsRemote"));
+    auto const dir = Qor::make<Qor::Dir>(Name("rows"));
     auto const names = uuids(rows, 1);
     for (std::size_t i = 0; i < rows; ++i) {
         auto const row = Qor::make<Vgw::UcastMacsRemote>(Name(std::string_view(names[i])));
@@ -41,7 +42,7 @@ class Mounted {
         gives.side = Qor::NboAttrLog::Demuxer::Side::accepting;
         given_ = std::make_unique<Session>(gives, far_, dir);
         taken_ = std::make_unique<Session>(Session::Config(), near_, nullptr);
-        mount_ = taken_->mount("/ucastMacsRemote", false);
+        mount_ = taken_->mount("/rows", false);
     }
     // Until all has arrived. The number of rows.
     std::size_t run() {
@@ -52,6 +53,10 @@ class Mounted {
         }
         return Qor::dynamicCast<Qor::Dir>(taken_->mounted(mount_))->entrys();
     }
+
+    // From now on the mounting end takes nothing.
+    void stopReading() { near_.roomIs(0); }
+    void give() { given_->service(); }
 
   private:
     Qor::U64 moved() const { return given_->counters().bytesOut + taken_->counters().bytesIn; }
@@ -74,14 +79,46 @@ void mount(benchmark::State& state, std::size_t rows) {
     tellOperations(state, rows);
 }
 
-// Both ends: the rows of the source with their adapters, and the copies with theirs.
-void bytesMounted(benchmark::State& state, std::size_t rows) {
+void tellGrowth(int fd, Shared& shared) {
+    std::size_t const before = bytesHeld();
+    Reader reader(fd, [&](Qor::Dir&) {
+        shared.bytes = bytesHeld() - before;
+        shared.isSynced = true;
+    });
+    reader.run([](Session const&) {});
+}
+
+// Each end in a process of its own: what the source's rows with their adapters take, and what the
+// copies take with theirs.
+void bytesMounted(benchmark::State& state, std::size_t rows, bool isSource) {
     for (auto _ : state) {
+        OtherProcess other(tellGrowth);
         std::size_t const before = bytesHeld();
         auto const dir = directory(rows);
+        Writer writer(other.fd(), dir);
+        writer.serveUntilSynced(other);
+        std::size_t const held = isSource ? bytesHeld() - before : other.shared().bytes.load();
+        tellBytes(state, static_cast<double>(held) / static_cast<double>(rows));
+    }
+}
+
+// All that a connection comes to hold for a peer that has stopped to read.
+void bytesForWhoNeverReads(benchmark::State& state, std::size_t rows, std::size_t changes) {
+    auto const dir = directory(rows);
+    std::vector<Qor::Ptr<Vgw::UcastMacsRemote>> all;
+    for (Qor::Dir::EntryIteratorConst at(*dir); at; ++at) {
+        all.push_back(Qor::dynamicCast<Vgw::UcastMacsRemote>(at->value()));
+    }
+    for (auto _ : state) {
         Mounted mounted(dir);
         mounted.run();
-        tellBytes(state, static_cast<double>(bytesHeld() - before) / 2 / static_cast<double>(rows));
+        mounted.stopReading();
+        std::size_t const before = bytesHeld();
+        for (std::size_t i = 0; i < changes; ++i) {
+            all[i % rows]->ipAddrIs(Kelp::IpAddr(static_cast<Qor::U32>(i)));
+            if (i % 1024 == 0) mounted.give();
+        }
+        tellBytes(state, static_cast<double>(bytesHeld() - before));
     }
 }
 
@@ -92,9 +129,15 @@ void addMounts() {
         std::string const row = "a row of a mount of " + std::to_string(rows);
         cell(row, "ours", [=](auto& state) { mount(state, rows); })->UseManualTime();
     }
-    cell("bytes of one of 100000 mounted remote MAC rows", "ours", [](auto& state) {
-        bytesMounted(state, 100000);
-    })->Iterations(1);
+    for (bool const isSource : {true, false}) {
+        std::string const row = "bytes of one of 100000 mounted remote MAC rows, ";
+        cell(row + (isSource ? "at the source" : "of the copy"), "ours", [=](auto& state) {
+            bytesMounted(state, 100000, isSource);
+        })->Iterations(1);
+    }
+    cell("bytes for a peer that never reads, 10000 rows, 10000000 changes", "ours",
+         [](auto& state) { bytesForWhoNeverReads(state, 10000, 10000000); })
+        ->Iterations(1);
 }
 
 }  // namespace Bench

@@ -1,4 +1,4 @@
-// Single records: written, sent by a setter, and applied.
+// Single records: written, read, sent by a setter, and applied.
 #include <qor/attrlog/family/MakeAdapter.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 
@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../Row.h"
+#include "peers/Peers.h"
 
 namespace Bench {
 
@@ -55,6 +56,63 @@ void writeFloor(benchmark::State& state) {
     tellOperations(state);
 }
 
+// The frames lie in a row, and what is read is checked as far as the format asks for it.
+void readFloor(benchmark::State& state) {
+    constexpr std::size_t size = 33;
+    std::vector<unsigned char> bytes(size * recordsRead);
+    for (std::size_t i = 0; i < recordsRead; ++i) {
+        unsigned char* const frame = bytes.data() + i * size;
+        Qor::storeNetworkOrder(frame, std::uint32_t{size - 4});
+        Qor::storeNetworkOrder(frame + 5, std::uint64_t{3});
+        Qor::storeNetworkOrder(frame + 13, std::uint32_t{388});
+        frame[27] = 1;
+        Qor::storeNetworkOrder(frame + 28, static_cast<std::uint32_t>(i));
+        frame[32] = 3;
+    }
+    Sums sums;
+    for (auto _ : state) {
+        for (unsigned char const* frame = bytes.data(); frame != bytes.data() + bytes.size();) {
+            auto const length = Qor::loadNetworkOrder<std::uint32_t>(frame);
+            bool const isSound =
+                length == size - 4 && frame[4] == 0 && frame[27] == 1 && frame[length + 3] == 3;
+            if (!isSound) return state.SkipWithError("a frame is not as it was written");
+            auto const attribute = Qor::loadNetworkOrder<std::uint32_t>(frame + 13);
+            sums.take({Qor::loadNetworkOrder<std::uint64_t>(frame + 5),
+                       static_cast<std::int32_t>(attribute),
+                       Qor::loadNetworkOrder<std::uint32_t>(frame + 28)});
+            frame += length + 4;
+        }
+        benchmark::ClobberMemory();
+    }
+    benchmark::DoNotOptimize(sums);
+    tellOperations(state, recordsRead);
+}
+
+// The bytes are put into the ring, too, as a transport would.
+void readOurs(benchmark::State& state) {
+    auto const out = Qor::make<Out>();
+    for (std::uint32_t i = 0; i < recordsRead; ++i) {
+        out->nextHeaderIs({Qor::EntityId(3), 388});
+        out << Out::TransactToken::begin << i << Out::TransactToken::end;
+    }
+    std::string const bytes(out->unsent());
+    auto const in = Qor::make<In>();
+    Sums sums;
+    Qor::NboAttrLog::Frame frame;
+    for (auto _ : state) {
+        in->receive(bytes);
+        while (in->nextFrame(frame)) {
+            sums.take({frame.header.entityId.value(), frame.header.attributeId, in->nextU32()});
+            in->frameDone(frame);
+        }
+    }
+    auto const read = static_cast<std::uint64_t>(state.iterations()) * recordsRead;
+    if (sums.keys != read * 3 + static_cast<std::uint64_t>(state.iterations()) * 499500) {
+        state.SkipWithError("not every record was read");
+    }
+    tellOperations(state, recordsRead);
+}
+
 struct End {
     Demuxer::Ptr demuxer = Qor::make<Demuxer>(Qor::Name("end"), Qor::make<In>(), Qor::make<Out>(),
                                               Demuxer::Side::connecting);
@@ -95,8 +153,19 @@ void recordToApplied(benchmark::State& state) {
 }  // namespace
 
 void addRecords() {
-    cell("write a record of a number", "floor", writeFloor);
-    cell("write a record of a number", "ours", writeOurs);
+    cell(writeRow, "floor", writeFloor);
+    cell(writeRow, "ours", writeOurs);
+    cell(readRow, "floor", readFloor);
+    cell(readRow, "ours", readOurs);
+#ifdef VGW_BENCH_FLATBUFFERS
+    addFlatbuffers();
+#endif
+#ifdef VGW_BENCH_CAPNPROTO
+    addCapnproto();
+#endif
+#ifdef VGW_BENCH_PROTOBUF
+    addProtobuf();
+#endif
     cell("setter to record in the ring", "ours", setterToRing);
     cell("record to applied", "ours", recordToApplied);
 }

@@ -101,28 +101,6 @@ void In::readPositionIs(U64 offset) {
     findPieceEnd();
 }
 
-void In::limitIs(U64 offset) noexcept {
-    limit_ = offset;
-    findPieceEnd();
-}
-
-U64 In::available() const noexcept {
-    auto const end = std::min(limit_, received_);
-    auto const position = readPosition();
-    return end > position ? end - position : 0;
-}
-
-// At the end of the ring with more to read, the reader's next lap begins.
-void In::findPieceEnd() noexcept {
-    if (ring_ == nullptr) return;
-    if (read_ == ring_ + capacity_) {
-        lap_ += capacity_;
-        read_ = ring_;
-    }
-    auto const left = static_cast<U64>(ring_ + capacity_ - read_);
-    pieceEnd_ = read_ + std::min(available(), left);
-}
-
 void In::need(U64 count) const {
     if (count <= available()) return;
     throw AttrLogRecordException(format("%llu bytes needed at offset %llu, %llu available",
@@ -143,8 +121,12 @@ void In::nextBytes(unsigned char* out, std::size_t count) {
 }
 
 String8 In::nextText(U32 count) {
+    if (static_cast<std::size_t>(pieceEnd_ - read_) >= count) [[likely]] {
+        auto const* const start = reinterpret_cast<char const*>(read_);
+        read_ += count;
+        return String8(std::string_view(start, count));
+    }
     need(count);
-    if (count == 0) return {};
     if (read_ == pieceEnd_) findPieceEnd();
     auto const piece = std::min(std::size_t{count}, static_cast<std::size_t>(pieceEnd_ - read_));
     String8 text(std::string_view(reinterpret_cast<char const*>(read_), piece));

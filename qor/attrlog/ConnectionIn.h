@@ -20,6 +20,7 @@
 #include <qor/core/Types.h>
 #include <qor/core/VFPtrInterface.h>
 
+#include <algorithm>
 #include <limits>
 #include <span>
 #include <string_view>
@@ -59,10 +60,17 @@ class QOR_EXPORT In : public VFPtrInterface {
 
     // The offset at which reading ends although more has arrived.
     U64 limit() const noexcept { return limit_; }
-    void limitIs(U64 offset) noexcept;
+    void limitIs(U64 offset) noexcept {
+        limit_ = offset;
+        findPieceEnd();
+    }
 
     // Bytes that can be read now.
-    U64 available() const noexcept;
+    U64 available() const noexcept {
+        U64 const end = std::min(limit_, received_);
+        U64 const position = readPosition();
+        return end > position ? end - position : 0;
+    }
     // The byte at an offset. REQUIRES: released() <= offset && offset < received()
     U8 byteAt(U64 offset) const;
     // Overwrites bytes that have arrived, in one piece or two where the ring wraps.
@@ -85,13 +93,57 @@ class QOR_EXPORT In : public VFPtrInterface {
         return loadNetworkOrder<Word>(bytes);
     }
 
+    // Passes over those bytes, if they come next and lie in one piece.
+    bool skipIf(std::string_view bytes) noexcept {
+        auto const ahead = piece();
+        bool const comes =
+            ahead.size() >= bytes.size() &&
+            std::equal(bytes.begin(), bytes.end(), reinterpret_cast<char const*>(ahead.data()));
+        read_ += comes ? bytes.size() : 0;
+        return comes;
+    }
     // `count` bytes as a string.
     String8 nextText(U32 count);
+
+    // Whether this is an attribute log's, NboAttrLog::In.
+    bool isAttrLog() const noexcept { return isAttrLog_; }
+
+  protected:
+    void isAttrLogIs(bool isAttrLog) noexcept { isAttrLog_ = isAttrLog; }
+    // What can be read in one piece.
+    std::span<unsigned char const> piece() const noexcept { return {read_, pieceEnd_}; }
+    // Passes over bytes of the piece, and limits reading to those that follow them.
+    // REQUIRES: passed + limited <= piece().size()
+    void enterPiece(std::size_t passed, std::size_t limited) noexcept {
+        read_ += passed;
+        pieceEnd_ = read_ + limited;
+        limit_ = readPosition() + limited;
+    }
+    // Goes to what has arrived, lifts the limit and releases what stands before.
+    // REQUIRES: readPosition() <= offset && offset <= received()
+    void passTo(U64 offset) noexcept {
+        limit_ = noLimit;
+        if (offset - lap_ >= capacity_) [[unlikely]] {
+            lap_ = offset - offset % capacity_;
+        }
+        read_ = ring_ + (offset - lap_);
+        released_ = offset;
+        findPieceEnd();
+    }
 
   private:
     void need(U64 count) const;
     void nextBytes(unsigned char* out, std::size_t count);
-    void findPieceEnd() noexcept;
+    // At the end of the ring with more to read, the reader's next lap begins.
+    void findPieceEnd() noexcept {
+        if (ring_ == nullptr) return;
+        if (read_ == ring_ + capacity_) {
+            lap_ += capacity_;
+            read_ = ring_;
+        }
+        auto const left = static_cast<U64>(ring_ + capacity_ - read_);
+        pieceEnd_ = read_ + std::min(available(), left);
+    }
 
     unsigned char* ring_ = nullptr;
     unsigned char* read_ = nullptr;
@@ -102,6 +154,7 @@ class QOR_EXPORT In : public VFPtrInterface {
     U64 limit_ = noLimit;
     U32 capacity_;
     bool moreChunks_ = false;
+    bool isAttrLog_ = false;
 };
 
 }  // namespace Connection

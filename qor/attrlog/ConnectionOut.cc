@@ -29,13 +29,11 @@ Out::~Out() {
     memDel(spare_, blockSize);
 }
 
-void Out::putBytes(std::string_view bytes) {
-    auto const* const start = reinterpret_cast<unsigned char const*>(bytes.data());
-    if (static_cast<std::size_t>(blockEnd_ - write_) >= bytes.size()) {
-        write_ = std::copy_n(start, bytes.size(), write_);
-    } else {
-        putAcrossBlocks(start, bytes.size());
-    }
+void Out::putChunk(String8::IteratorConst& position) {
+    auto const chunk = position.rest().substr(0, chunkLimit_);
+    putBytes(chunk);
+    position.indexIs(position.index() + static_cast<U32>(chunk.size()));
+    moreChunksIs(static_cast<bool>(position));
 }
 
 void Out::putAcrossBlocks(unsigned char const* bytes, std::size_t count) {
@@ -59,14 +57,13 @@ void Out::nextBlock(std::size_t wanted) {
     auto* const block = spare_ != nullptr ? std::exchange(spare_, nullptr)
                                           : static_cast<unsigned char*>(memNew(blockSize));
     blocks_.push_back(block);
-    write_ = block;
-    blockEnd_ = block + blockSize;
+    writeAt(block, 0);
 }
 
-U64 Out::written() const noexcept {
-    if (blocks_.empty()) return base_;
-    return base_ + (blocks_.size() - 1) * U64{blockSize} +
-           static_cast<U64>(write_ - blocks_.back());
+void Out::writeAt(unsigned char* block, std::size_t filled) noexcept {
+    write_ = block + filled;
+    blockEnd_ = block + blockSize;
+    lead_ = base_ + (blocks_.size() - 1) * U64{blockSize} - reinterpret_cast<std::uintptr_t>(block);
 }
 
 void Out::writtenIs(U64 offset) {
@@ -75,8 +72,7 @@ void Out::writtenIs(U64 offset) {
     if (offset == written()) return;
     auto const kept = static_cast<std::size_t>((offset - base_) / blockSize + 1);
     for (; blocks_.size() > kept; blocks_.pop_back()) giveBack(blocks_.back());
-    write_ = blocks_.back() + (offset - base_) % blockSize;
-    blockEnd_ = blocks_.back() + blockSize;
+    writeAt(blocks_.back(), static_cast<std::size_t>((offset - base_) % blockSize));
 }
 
 unsigned char* Out::at(U64 offset) const noexcept {
@@ -122,6 +118,7 @@ void Out::dropSentBlocks() noexcept {
         for (auto* const block : blocks_) giveBack(block);
         blocks_.clear();
         base_ = sent_;
+        lead_ = sent_;
         write_ = nullptr;
         blockEnd_ = nullptr;
         return;
@@ -140,18 +137,6 @@ void Out::giveBack(unsigned char* block) noexcept {
     }
 }
 
-U64 Out::freeBytes() const noexcept {
-    if (blocks_.size() > maxBlocks_) return 0;
-    return (maxBlocks_ - blocks_.size()) * U64{blockSize} + static_cast<U64>(blockEnd_ - write_);
-}
-
 }  // namespace Connection
-
-void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& position) {
-    auto const chunk = position.rest().substr(0, out->chunkLimit());
-    out->putBytes(chunk);
-    position.indexIs(position.index() + static_cast<U32>(chunk.size()));
-    out->moreChunksIs(static_cast<bool>(position));
-}
 
 }  // namespace Qor

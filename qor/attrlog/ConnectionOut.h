@@ -17,7 +17,9 @@
 #include <qor/core/Types.h>
 #include <qor/core/VFPtrInterface.h>
 
+#include <algorithm>
 #include <concepts>
+#include <cstdint>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -43,10 +45,19 @@ class QOR_EXPORT Out : public VFPtrInterface {
     // A number in network byte order; a truth value is one byte, 0 or 1.
     template <std::integral Number>
     void put(Number number);
-    void putBytes(std::string_view bytes);
+    void putBytes(std::string_view bytes) {
+        if (unsigned char* const at = claim(bytes.size())) [[likely]] {
+            std::copy_n(bytes.data(), bytes.size(), reinterpret_cast<char*>(at));
+        } else {
+            putAcrossBlocks(reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size());
+        }
+    }
+    // Puts the next chunk of a text, as much as the chunk limit allows, and moves the position
+    // behind it. A chunk has no length of its own: the record that encloses it tells its extent.
+    void putChunk(String8::IteratorConst& position);
 
     // Bytes put since the beginning, those taken back not counted.
-    U64 written() const noexcept;
+    U64 written() const noexcept { return lead_ + reinterpret_cast<std::uintptr_t>(write_); }
     // Takes back what was put from that offset on. REQUIRES: sent() <= offset && offset <=
     // written()
     void writtenIs(U64 offset);
@@ -66,7 +77,11 @@ class QOR_EXPORT Out : public VFPtrInterface {
 
     U32 bufferBlockSize() const noexcept { return blockSize; }
     // Bytes that can be put before the cap is reached; 0 beyond it.
-    U64 freeBytes() const noexcept;
+    U64 freeBytes() const noexcept {
+        U64 const cap = base_ + U64{maxBlocks_} * blockSize;
+        U64 const end = written();
+        return cap > end ? cap - end : 0;
+    }
     // Whether what is put has a way out; without one the count of free bytes means nothing.
     bool hasLiveBuffer() const noexcept { return isLive_; }
     void hasLiveBufferIs(bool isLive) noexcept { isLive_ = isLive; }
@@ -100,12 +115,15 @@ class QOR_EXPORT Out : public VFPtrInterface {
     void mayPassCapIs(bool on) noexcept { mayPassCap_ = on; }
 
   private:
+    // The block that is written to now.
+    void writeAt(unsigned char* block, std::size_t filled) noexcept;
     void putAcrossBlocks(unsigned char const* bytes, std::size_t count);
     void nextBlock(std::size_t wanted);
     void giveBack(unsigned char* block) noexcept;
     void dropSentBlocks() noexcept;
     unsigned char* at(U64 offset) const noexcept;
 
+    U64 lead_ = 0;  // written() beyond the address of the next byte
     unsigned char* write_ = nullptr;
     unsigned char* blockEnd_ = nullptr;
     std::vector<unsigned char*> blocks_;  // all are full but the last
@@ -140,9 +158,10 @@ void Out::put(Number number) {
 
 }  // namespace Connection
 
-// Puts the next chunk of a text, as much as the chunk limit allows, and moves the position behind
-// it. A chunk has no length of its own: the record that encloses it tells its extent.
-QOR_EXPORT void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& position);
+// Out::putChunk().
+inline void operator<<(Ptr<Connection::Out> const& out, String8::IteratorConst& position) {
+    out->putChunk(position);
+}
 
 }  // namespace Qor
 

@@ -34,8 +34,10 @@ enum class FrameKind : U8 {
 };
 
 inline constexpr U8 moreChunksBit = 0x80;
+// The size, the kind and the header: what stands before the payload's token.
+inline constexpr U32 frameHeadSize = 4 + 1 + MsgHeader::wireSize;
 // Beside the payload: the size, the kind, the header and both tokens.
-inline constexpr U32 frameOverhead = 4 + 1 + MsgHeader::wireSize + 2;
+inline constexpr U32 frameOverhead = frameHeadSize + 2;
 // What `size` is when there is no payload.
 inline constexpr U32 leastFrameSize = frameOverhead - 4;
 // What a connection takes unless both ends say otherwise.

@@ -22,7 +22,7 @@ class Demuxer;
 
 class QOR_EXPORT In : public ByteConnection::In {
   public:
-    using ByteConnection::In::In;
+    explicit In(U32 capacity = blockSize) : ByteConnection::In(capacity) { isAttrLogIs(true); }
     ~In() override;
 
     // IEEE 754 binary64.
@@ -51,11 +51,17 @@ class QOR_EXPORT In : public ByteConnection::In {
     void demuxerIs(Demuxer* demuxer) noexcept { demuxer_ = demuxer; }
 
   private:
+    bool nextFrameInPieces(Frame& frame);
     void needTokens(U64 payload, U64 end) const;
 
     Demuxer* demuxer_ = nullptr;
     U32 greatestFrame_ = defaultGreatestFrame;
 };
+
+// A connection's incoming side as an attribute log's; null if it is none.
+inline In* attrLogIn(Connection::In* in) noexcept {
+    return in != nullptr && in->isAttrLog() ? static_cast<In*>(in) : nullptr;
+}
 
 [[noreturn]] QOR_EXPORT void throwWrongEntityType();
 

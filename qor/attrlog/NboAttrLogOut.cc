@@ -10,8 +10,6 @@ namespace NboAttrLog {
 
 namespace {
 
-constexpr std::size_t headSize = 4 + 1 + MsgHeader::wireSize;
-
 void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header) {
     storeNetworkOrder(at, U32{0});
     at[4] = static_cast<unsigned char>(kind);
@@ -36,17 +34,17 @@ void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
     sectionStart_ = noFrame;
     moreChunksIs(false);
     mayPassCapIs(true);
-    if (unsigned char* const at = claim(headSize)) [[likely]] {
-        storeHead(at, kind, header);
+    frameHead_ = claim(frameHeadSize);
+    if (frameHead_ != nullptr) [[likely]] {
+        storeHead(frameHead_, kind, header);
     } else {
-        unsigned char head[headSize];
+        unsigned char head[frameHeadSize];
         storeHead(head, kind, header);
-        putBytes({reinterpret_cast<char const*>(head), headSize});
+        putBytes({reinterpret_cast<char const*>(head), frameHeadSize});
     }
 }
 
-void Out::dropOpenFrame() {
-    if (!hasOpenFrame()) return;
+void Out::takeBackFrame() {
     writtenIs(frameStart_);
     frameStart_ = noFrame;
     mayPassCapIs(false);
@@ -82,7 +80,11 @@ void Out::endFrame() {
     if (sectionStart_ != noFrame) [[unlikely]] {
         endSection(written() - 1);
     }
-    u32AtIs(start, size);
+    if (frameHead_ != nullptr && start >= sent()) [[likely]] {
+        storeNetworkOrder(frameHead_, size);
+    } else {
+        u32AtIs(start, size);
+    }
     if (moreChunks()) u8AtOr(start + sizeof(U32), moreChunksBit);
     ++frames_;
 }

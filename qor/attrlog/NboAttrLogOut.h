@@ -61,7 +61,9 @@ class QOR_EXPORT Out : public Connection::Out {
     }
     bool hasOpenFrame() const noexcept { return frameStart_ != noFrame; }
     // Takes back what was begun and not closed, as an exception leaves it.
-    void dropOpenFrame();
+    void dropOpenFrame() {
+        if (hasOpenFrame()) takeBackFrame();
+    }
     // Frames that were closed.
     U64 frames() const noexcept { return frames_; }
 
@@ -73,10 +75,12 @@ class QOR_EXPORT Out : public Connection::Out {
   private:
     static constexpr U64 noFrame = ~U64{0};
 
+    void takeBackFrame();
     void endFrame();
     void endSection(U64 end);
 
     U64 frameStart_ = noFrame;
+    unsigned char* frameHead_ = nullptr;  // where its size stands, if its head lies in one piece
     U64 sectionStart_ = noFrame;
     U64 frames_ = 0;
     OutWaker* waker_ = nullptr;
@@ -99,9 +103,13 @@ Ptr<Out> const& operator<<(Ptr<Out> const& out, Number const& number) {
 }
 
 // The length in 32 bits, then the bytes.
+inline void putText(Out& out, std::string_view text) {
+    out.put(static_cast<U32>(text.size()));
+    out.putBytes(text);
+}
+
 inline Ptr<Out> const& operator<<(Ptr<Out> const& out, String8 const& text) {
-    out->put(text.length());
-    out->putBytes(text.view());
+    putText(*out, text.view());
     return out;
 }
 

@@ -5,6 +5,7 @@
 #define QOR_COLLECTIONS_HASH_MAP_ITERATOR_H
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 #include <qor/collections/HashMap.h>
@@ -73,6 +74,15 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     Member* operator->() const noexcept { return stood(); }
     Member& operator*() const noexcept { return *stood(); }
     Ptr<Member> member() const noexcept { return Ptr<Member>(stood()); }
+    /// The two members that follow, borrowed: a long walk asks for their memory before it needs it.
+    /// Null where there is none, and where it takes more than a look.
+    std::array<Member*, 2> ahead() const noexcept {
+        Member* const from = stood();
+        if (!from || this->isLeft()) return {};
+        I32 at = this->bucket();
+        Member* const next = memberAfter(*from, at);
+        return {next, next ? memberAfter(*next, at) : nullptr};
+    }
     /// A copy: the member it stems from may go in the step that follows.
     Key key() const { return stood()->fwkKey(); }
 
@@ -145,6 +155,10 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     }
 
   private:
+    Member* memberAfter(Member const& member, I32& at) const noexcept {
+        Member* const next = member.fwkHmNext();
+        return next ? next : static_cast<Member*>(map()->headAfterG(&at));
+    }
     Member* stood() const noexcept { return static_cast<Member*>(this->current()); }
     void arrive(Member* member) {
         if (member) {

@@ -70,6 +70,7 @@ class MapWalker {
     void stepTo(PtrInterface* member) noexcept { current_ = member; }
     /// The bucket that it stands in. In a map that is one chain it is where the walk began.
     I32& bucket() noexcept { return bucket_; }
+    I32 bucket() const noexcept { return bucket_; }
 
   private:
     friend class HashMapGeneric;

@@ -81,6 +81,13 @@ AttributeId DynamicEntity::QorNboAttrLogSa::handleAttrFlowOut(AttributeId startA
     return Level::handleAttrFlowOut(startAttr);
 }
 
+AttributeId DynamicEntity::QorNboAttrLogSa::sendAtOnce() {
+    DynamicType const* const of = type();
+    if (!of) return 0;
+    DynamicScope const scope(*of);
+    return Level::sendAtOnce();
+}
+
 void DynamicEntity::QorNboAttrLogSa::freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const& flow) {
     DynamicType const* const of = type();
     if (!of) return;

@@ -29,6 +29,7 @@ class QOR_EXPORT DynamicEntity::QorNboAttrLogSa : public AdapterLevel<DynamicEnt
     void onIsNondestructing() override;
 
     AttributeId handleAttrFlowOut(AttributeId startAttr) override;
+    AttributeId sendAtOnce() override;
     void freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const& flow) override;
     void handleAttrDeserialization(AttributeId id, DeserializationOptions options, U32 size,
                                    Qor::Ptr<NboAttrLog::In> const& in) override;

@@ -39,7 +39,10 @@ class RootNotifiee : public Entity::NotifieeConst {
     }
 
     void notifierIs(Qor::Ptr<PtrInterface const> const& notifier) override {
-        auto const* const fresh = dynamic_cast<E const*>(notifier.ptr());
+        attachTo(dynamic_cast<E const*>(notifier.ptr()));
+    }
+    /// notifierIs() of what is known to be of this tree, or null.
+    void attachTo(E const* fresh) {
         Qor::Ptr<E const> const old(rawEntity());
         if (old == fresh) {
             return;
@@ -47,7 +50,7 @@ class RootNotifiee : public Entity::NotifieeConst {
         if (old && qorIsListed()) {
             placeOn(*old, false);
         }
-        Entity::NotifieeConst::notifierIs(Qor::Ptr<PtrInterface const>(fresh));
+        swapNotifier(fresh);
         if (fresh && isRegisteredNotifiee()) {
             placeOn(*fresh, true);
         }

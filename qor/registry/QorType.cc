@@ -13,6 +13,8 @@ namespace {
 
 using Published = std::map<std::string_view, QorType*>;
 
+U32 publicationCount = 0;
+
 // Never destroyed: what is unloaded last may still look for types.
 Published& published() {
     static auto& types = *new Published;
@@ -82,6 +84,7 @@ void QorType::typeNodeIs(QorType* type, Name const& fullName) {
         published().erase(old);
     }
     published().erase(fullName.view());
+    ++publicationCount;
     type->fullName_ = fullName;
     published().emplace(type->fullName_.view(), type);
 }
@@ -90,6 +93,8 @@ QorType* QorType::type(Name const& fullName) {
     auto const found = published().find(fullName.view());
     return found == published().end() ? nullptr : found->second;
 }
+
+U32 QorType::publications() noexcept { return publicationCount; }
 
 std::vector<QorType*> QorType::types() {
     std::vector<QorType*> result;

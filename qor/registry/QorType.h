@@ -97,6 +97,8 @@ class QOR_EXPORT QorType : public Entity {
     static void typeNodeIs(QorType* type, Name const& fullName);
     /// The type that was published under that name, or null.
     static QorType* type(Name const& fullName);
+    /// Goes up whenever a type is published: what was found by name may be another since.
+    static U32 publications() noexcept;
     /// All published types, in the order of their names.
     static std::vector<QorType*> types();
 

@@ -32,6 +32,17 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     void onIsNondestructing() override;
     virtual void onEntry(Name key);
     void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) override;
+
+    /// The chain of classes that came last, as it stands in a record, and what it led to.
+    struct Chain {
+        String8 bytes;
+        QorType* type = nullptr;
+        U32 publications = 0;
+    };
+    Chain& lastChain() noexcept { return lastChain_; }
+
+  private:
+    Chain lastChain_;
 };
 
 struct QOR_EXPORT Dir::QorNboAttrLogSa::EntryStream

@@ -17,7 +17,7 @@ void putEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member,
               Entity::QorNboAttrLogSa& child) {
     auto const& out = adapter.nboAttrLogOut();
     adapter.beginRecord(EntryStream::id, NboAttrLog::adapterAnnounceCode);
-    out << Token::begin << String8(key) << static_cast<U8>(member.state()) << child.entityId();
+    out << Token::begin << key << static_cast<U8>(member.state()) << child.entityId();
     U64 const chain = out->written();
     out << U32{0};
     child.putTypeChain();
@@ -50,11 +50,17 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
 }
 
 // The first class of the chain that is known here; null if none is, and `wanted` is then the first
-// of all. The position is left at the argument.
-QorType* nextKnownType(NboAttrLog::In& in, Name& wanted) {
+// of all. The position is left at the argument. Neighbours are of one class: what a chain led to is
+// kept, until a type is published.
+QorType* nextKnownType(Adapter::Chain& last, NboAttrLog::In& in, Name& wanted) {
     U32 const length = in.nextU32();
     U64 const end = in.readPosition() + length;
     if (length > in.available()) throw AttrLogRecordException("a chain of classes past its record");
+    bool const isLast = last.type != nullptr && last.publications == QorType::publications() &&
+                        last.bytes.length() == length && in.skipIf(last.bytes.view());
+    if (isLast) return last.type;
+    last.bytes = in.nextText(length);
+    in.readPositionIs(end - length);
     QorType* known = nullptr;
     while (in.readPosition() < end) {
         Name const name(in.nextString());
@@ -63,6 +69,8 @@ QorType* nextKnownType(NboAttrLog::In& in, Name& wanted) {
         if (known != nullptr && !known->isEntity()) known = nullptr;
     }
     in.readPositionIs(end);
+    last.type = known;
+    last.publications = QorType::publications();
     return known;
 }
 
@@ -101,7 +109,11 @@ void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, Entit
     auto const flags = AdapterState::ofChild(adapter.state());
     auto const child =
         entity.qorNboAttrLogSaIs(flags, 1, adapter.nboAttrLogOut(), adapter.msgChannel());
-    if (child->entityId() != id) child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
+    if (child->entityId().isNull()) {
+        child->takesPeersId(id, demuxer);
+    } else if (child->entityId() != id) {
+        child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
+    }
     child->remounted();
 }
 
@@ -123,13 +135,17 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     told.state = static_cast<Dir::EntryState>(state);
     told.id = in.nextEntityId();
     Name wanted;
-    QorType* const type = nextKnownType(in, wanted);
+    QorType* const type = nextKnownType(adapter.lastChain(), in, wanted);
     if (type == nullptr) {
         record.demuxer.unknownClass(wanted);
         return told;
     }
     told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
-    if (!told.entity) record.demuxer.unknownClass(wanted);
+    if (!told.entity) {
+        record.demuxer.unknownClass(wanted);
+    } else if (told.entity->name() == told.key) {
+        told.key = told.entity->name();  // both in one block
+    }
     return told;
 }
 

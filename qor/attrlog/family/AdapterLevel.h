@@ -22,6 +22,7 @@ class QOR_EXPORT AdapterLevel : public Base {
     using Transaction = StreamAdapter::AttrTransactionType;
 
     AttributeId handleAttrFlowOut(AttributeId startAttr) override;
+    AttributeId sendAtOnce() override;
     void freeResyncState(Ptr<NboAttrLog::FlowOut> const& flow) override;
     void handleAttrDeserialization(AttributeId id, StreamAdapter::DeserializationOptions options,
                                    U32 size, Ptr<NboAttrLog::In> const& in) override;
@@ -51,11 +52,15 @@ class QOR_EXPORT AdapterLevel : public Base {
     Adapter& self() noexcept { return static_cast<Adapter&>(*this); }
     template <class S>
     bool sendAttribute(AttributeId& next);
+    void askForTexts();
+    template <class S>
+    bool sendAttributeAtOnce();
     template <class S>
     bool sendOwed(NboAttrLog::FlowOut& flow);
     template <class S>
     void read(InboundRecord& record);
     void readAlias(InboundRecord& record);
+    void take(InboundRecord& record, StreamAdapter::DeserializationOptions options);
     static constexpr bool isFirstLevel = std::is_same_v<Base, Entity::QorNboAttrLogSa>;
 };
 

@@ -4,17 +4,19 @@
 
 #include <qor/attrlog/family/AdapterLevel.h>
 
-#include <optional>
-
 namespace Qor {
 
 namespace family {
 
-/// What a record of the peer has to pass before it is applied.
+/// Raises where a record of the peer may not be applied, if so.
 QOR_EXPORT void needMayApply(Entity::QorNboAttrLogSa& adapter, AttributeId id);
-/// Where an adapter's records are read from: the given In, or the one behind its Out; null if none.
-QOR_EXPORT Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter,
-                                    Ptr<NboAttrLog::In> const& in);
+/// Where an adapter's records are read from, borrowed: the given In, or the one behind its Out;
+/// null if none.
+inline NboAttrLog::In* inOf(Entity::QorNboAttrLogSa const& adapter, Ptr<NboAttrLog::In> const& in) {
+    if (!adapter.qorRawEntity() || !adapter.qorRawDemuxer()) return nullptr;
+    auto const& out = adapter.nboAttrLogOut();
+    return in ? in.ptr() : NboAttrLog::attrLogIn(out ? out->in() : nullptr);
+}
 /// The first candidate of an alias frame that `isKnown`; 0 if there is none.
 QOR_EXPORT AttributeId selectAlias(InboundRecord& record, bool (*isKnown)(AttributeId id));
 
@@ -24,21 +26,29 @@ template <class X, class Base>
 void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
                                                       StreamAdapter::DeserializationOptions options,
                                                       U32 size, Ptr<NboAttrLog::In> const& given) {
-    Ptr<NboAttrLog::In> const in = family::inOf(*this, given);
+    NboAttrLog::In* const in = family::inOf(*this, given);
     if (!in) return;
-    Ptr<Entity> const entity(this->qorNotifierEntity());
+    Ptr<Entity> const entity(this->qorRawEntity());
     bool const echoOnly = static_cast<bool>(given);
-    std::optional<IsActiveAnchor> active;
-    if (!echoOnly) {
-        family::needMayApply(*this, id);
-        active.emplace(*this);
-    }
-    InboundRecord record{*in, *this->streamDemuxer(), id, size, echoOnly};
+    InboundRecord record{*in, *this->qorRawDemuxer(), id, size, echoOnly};
     record.origin = in->readPosition();
     record.hasCrossed = this->hasCrossed();
+    if (echoOnly) return take(record, options);
+    if (this->has(AdapterState::isActive | AdapterState::readOnlyRemote)) [[unlikely]] {
+        family::needMayApply(*this, id);
+    }
+    IsActiveAnchor const active(*this);
+    take(record, options);
+}
+
+template <class X, class Base>
+void AdapterLevel<X, Base>::take(InboundRecord& record,
+                                 StreamAdapter::DeserializationOptions options) {
     readAlias(record);
-    if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, *in);
-    if (!readAny(record)) this->doBaseQorNboAttrLogSaMsg(record.id, options, size, *in);
+    if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, record.in);
+    if (!readAny(record)) {
+        this->doBaseQorNboAttrLogSaMsg(record.id, options, record.size, record.in);
+    }
 }
 
 template <class X, class Base>
@@ -105,12 +115,12 @@ void AdapterLevel<X, Base>::read(InboundRecord& record) {
 template <class X, class Base>
 void AdapterLevel<X, Base>::handleAttrTransaction(AttributeId id, Transaction type, U32 arg) {
     if (!Adapter::QorStreamed::has(id)) return Base::handleAttrTransaction(id, type, arg);
-    if (!this->qorNotifierEntity()) return;
+    if (!this->qorRawEntity()) return;
     Ptr<Adapter> const held(&self());
-    if (auto* const demuxer = this->streamDemuxer()) {
-        Ptr<NboAttrLog::FlowIn> flow(demuxer->flowIn(this->entityId()));
+    if (auto* const demuxer = this->qorRawDemuxer()) {
+        Ptr<NboAttrLog::FlowIn> flow(demuxer->flowIn(*this));
         if (!this->has(AdapterState::syncModeFanOut) && type == StreamAdapter::begin && !flow) {
-            flow = demuxer->flowInIs(this->entityId());
+            flow = demuxer->flowInIs(*this);
             flow->aidIs(id);
             flow->heardAtBeginIs(demuxer->peerHeard());
         } else if (type == StreamAdapter::end && flow && flow->aid() == id) {

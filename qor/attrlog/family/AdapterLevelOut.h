@@ -29,6 +29,50 @@ AttributeId AdapterLevel<X, Base>::handleAttrFlowOut(AttributeId startAttr) {
     return next;
 }
 
+template <class X, class Base>
+AttributeId AdapterLevel<X, Base>::sendAtOnce() {
+    AttributeId left = 0;
+    askForTexts();
+    if constexpr (!isFirstLevel) left = Base::sendAtOnce();
+    if (left != 0) return left;
+    Adapter::QorStreamed::forEach([&]<class S>() {
+        if (left == 0 && !this->template sendAttributeAtOnce<S>()) left = S::id;
+    });
+    return left;
+}
+
+// They lie anywhere in memory, and come while what stands before them is sent.
+template <class X, class Base>
+void AdapterLevel<X, Base>::askForTexts() {
+    Adapter::QorStreamed::forEach([&]<class S>() {
+        if constexpr (S::kind == StreamKind::text) {
+            __builtin_prefetch(S::get(entityOf<S>(self())).data());
+        }
+    });
+}
+
+// Whether it went. What a flow may have to stop in is left to one.
+template <class X, class Base>
+template <class S>
+bool AdapterLevel<X, Base>::sendAttributeAtOnce() {
+    if (!this->continueFlowOut()) return false;
+    if constexpr (S::isKeyed) {
+        if (collectionOf<S>(self()).size() != 0) return false;
+        beginSnapshot<S>(self());
+        this->sendTransactionMarker(S::id, StreamAdapter::end, 0);
+    } else if constexpr (S::kind == StreamKind::text) {
+        auto const& text = S::get(entityOf<S>(self()));
+        if (text.length() > this->nboAttrLogOut()->chunkLimit()) return false;
+        serializeText<S>(self());
+    } else {
+        if constexpr (S::kind == StreamKind::child) {
+            if (S::get(entityOf<S>(self()))) return false;
+        }
+        S::on(self());
+    }
+    return !this->StreamAdapter::flowOut();
+}
+
 // Whether to go on with the attribute after it; else `next` is where to go on later.
 template <class X, class Base>
 template <class S>
@@ -118,7 +162,7 @@ void AdapterLevel<X, Base>::doNotification(AttributeId id, void* key) {
 
 template <class X, class Base>
 void AdapterLevel<X, Base>::putTypeChain() {
-    this->nboAttrLogOut() << TypeId(X::qorTypeName);
+    NboAttrLog::putText(*this->nboAttrLogOut(), X::qorTypeName);
     Base::putTypeChain();
 }
 

@@ -69,7 +69,7 @@ inline EntityId peekEntityId(NboAttrLog::In& in) {
 
 template <class S, class Adapter>
 typename S::Entity& targetOf(Adapter& adapter) {
-    return static_cast<typename S::Entity&>(*adapter.qorNotifierEntity());
+    return static_cast<typename S::Entity&>(*adapter.qorRawEntity());
 }
 
 namespace family {

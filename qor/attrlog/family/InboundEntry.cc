@@ -22,17 +22,6 @@ void needShallow(Entity const& owner) {
     }
 }
 
-Ptr<NboAttrLog::In> inOf(Entity::QorNboAttrLogSa& adapter, Ptr<NboAttrLog::In> const& in) {
-    if (!adapter.qorNotifierEntity() || !adapter.streamDemuxer()) return nullptr;
-    if (in) return in;
-    auto const& out = adapter.nboAttrLogOut();
-    auto const& served = adapter.streamDemuxer()->in();
-    if (out && out->in() == served.ptr()) [[likely]] {
-        return served;
-    }
-    return Ptr<NboAttrLog::In>(dynamic_cast<NboAttrLog::In*>(out ? out->in() : nullptr));
-}
-
 AttributeId selectAlias(InboundRecord& record, bool (*isKnown)(AttributeId id)) {
     auto& in = record.in;
     U64 const listEnd = record.origin + in.nextU16();

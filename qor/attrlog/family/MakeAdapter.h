@@ -10,10 +10,15 @@ namespace Qor {
 template <class Adapter, class X>
 Ptr<Adapter> makeAdapter(AdapterState::Bits bits, Ptr<X> const& entity, U32 version,
                          Ptr<NboAttrLog::Out> const& out, PtrInterface* owner) {
-    auto const adapter = validPtr(make<Adapter>(bits, version, out, owner));
-    adapter->companionIs(make<typename Adapter::QorNboAttrLogSaAdapter_>(adapter.ptr()));
+    auto adapter = validPtr(make<Adapter>(bits, version, out, owner));
+    auto companion = make<typename Adapter::QorNboAttrLogSaAdapter_>(adapter.ptr());
+    auto& hearing = *companion;
+    adapter->companionIs(std::move(companion));
     if (bits.bit(6)) adapter->isWeakReferenceIs(true);
-    if (entity) adapter->notifierIs(Ptr<PtrInterface const>(entity.ptr()));
+    if (entity) {
+        hearing.attachTo(entity.ptr());
+        adapter->attachedTo(*entity);
+    }
     adapter->syncModeIs(adapter->syncMode());
     adapter->hasNotificationActiveIs(true);
     return adapter;

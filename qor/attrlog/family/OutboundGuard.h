@@ -4,7 +4,7 @@
 #ifndef QOR_ATTRLOG_FAMILY_OUTBOUNDGUARD_H
 #define QOR_ATTRLOG_FAMILY_OUTBOUNDGUARD_H
 
-#include <qor/attrlog/flow/EntityAdapter.h>
+#include <qor/attrlog/flow/Demuxer.h>
 
 namespace Qor {
 
@@ -15,7 +15,7 @@ class OutboundGuard {
         U32 const word = adapter.state().word();
         wasActive_ = (word & AdapterState::isActive) != 0;
         if ((word & AdapterState::syncModeFanOut) != 0) return;
-        if (!wasActive_ && adapter.handlingFlowInFor(id)) return;
+        if (!wasActive_ && comesIn(adapter, id)) return;
         clears_ = true;
         isNothingOwed_ = true;
         bool const isLetThrough = isChild && wasActive_;
@@ -47,6 +47,11 @@ class OutboundGuard {
     Ptr<NboAttrLog::Out> const& out() const noexcept { return adapter_.nboAttrLogOut(); }
 
   private:
+    static bool comesIn(Entity::QorNboAttrLogSa const& adapter, AttributeId id) {
+        auto const* const demuxer = adapter.qorRawDemuxer();
+        return demuxer && demuxer->hasFlowsIn() && adapter.handlingFlowInFor(id);
+    }
+
     Entity::QorNboAttrLogSa& adapter_;
     bool wasActive_;
     bool clears_ = false;

@@ -58,7 +58,7 @@ struct StreamScalar : StreamAttribute<A, StreamKind::scalar> {
 
 template <class A>
 struct StreamText : StreamAttribute<A, StreamKind::text> {
-    static String8 get(typename A::Entity const& entity) { return A::field(entity); }
+    static auto const& get(typename A::Entity const& entity) { return A::field(entity); }
 };
 
 template <class A, StreamKind k>

@@ -29,8 +29,8 @@ void walkUntilQuiet(typename S::Entity& entity, Visit const& visit) {
 /// began; never of a copy, whose snapshots are the original's.
 template <class Adapter>
 bool hasCrossedSnapshot(Adapter& adapter) {
-    auto const* const demuxer = adapter.streamDemuxer();
-    auto const* const flow = demuxer ? demuxer->flowIn(adapter.entityId()) : nullptr;
+    auto const* const demuxer = adapter.qorRawDemuxer();
+    auto const* const flow = demuxer ? demuxer->flowIn(adapter) : nullptr;
     return adapter.hasSentSince(flow ? flow->heardAtBegin() : 0);
 }
 
@@ -53,10 +53,11 @@ bool isStillToCome(Adapter& adapter, typename S::Key const& key) {
 /// it lacks is on its way to it, and nothing is marked. What has crossed since goes to it again.
 template <class S, class Adapter>
 void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
-    if (type == StreamAdapter::abort) return;
+    auto& entity = targetOf<S>(adapter);
+    if (type == StreamAdapter::abort || S::Attr::map(entity).size() == 0) return;
     if (type == StreamAdapter::begin && adapter.hasCrossed()) return;
     bool const goesAgain = hasCrossedSnapshot(adapter);
-    walkUntilQuiet<S>(targetOf<S>(adapter), [&](typename S::Member const& member) {
+    walkUntilQuiet<S>(entity, [&](typename S::Member const& member) {
         if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);
         if (!member.qorMarkedForDeletion()) return;
         typename S::Key const key = member.fwkKey();
@@ -108,7 +109,7 @@ void markChild(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
 template <class Adapter>
 void endText(Adapter& adapter, AttributeId id, StreamAdapter::AttrTransactionType type) {
     auto* const demuxer = adapter.streamDemuxer();
-    Ptr<NboAttrLog::FlowIn> const flow(demuxer ? demuxer->flowIn(adapter.entityId()) : nullptr);
+    Ptr<NboAttrLog::FlowIn> const flow(demuxer ? demuxer->flowIn(adapter) : nullptr);
     if (!flow || flow->aid() != id || type == StreamAdapter::begin) return;
     bool const heldBack = flow->heldBack();
     demuxer->flowInDel(adapter.entityId());
@@ -119,7 +120,7 @@ void endText(Adapter& adapter, AttributeId id, StreamAdapter::AttrTransactionTyp
 template <class Adapter>
 void abortMemberText(Adapter& adapter) {
     auto* const demuxer = adapter.streamDemuxer();
-    auto* const flow = demuxer ? demuxer->flowIn(adapter.entityId()) : nullptr;
+    auto* const flow = demuxer ? demuxer->flowIn(adapter) : nullptr;
     if (!flow) return;
     demuxer->textDel(*flow);
     if (flow->idx()) flow->idxDel();

@@ -22,7 +22,11 @@ void readText(Adapter& adapter, InboundRecord& record) {
     channelModeIs(adapter, MsgChannel::Mode::applied);
     if (record.echoOnly) return S::on(adapter);
     auto& demuxer = record.demuxer;
-    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter.entityId()));
+    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter));
+    if (!flow && !record.in.moreChunks()) [[likely]] {
+        S::set(targetOf<S>(adapter), record.in.nextText(record.size));
+        return settle<S>(adapter, record);
+    }
     String8::Iterator fresh;
     String8::Iterator& text =
         flow ? *NboAttrLog::qorFlowInIterator(*flow, record.id, false) : fresh;
@@ -38,7 +42,7 @@ void readText(Adapter& adapter, InboundRecord& record) {
         S::set(targetOf<S>(adapter), whole);
         settle<S>(adapter, record);
     } else if (!flow) {
-        qorFlowInIteratorIs(*demuxer.flowInIs(adapter.entityId()), record.id, text);
+        qorFlowInIteratorIs(*demuxer.flowInIs(adapter), record.id, text);
     }
 }
 
@@ -50,9 +54,9 @@ bool gathers(NboAttrLog::FlowIn const& flow, typename S::Key const& key) {
 
 /// The first chunk of a text that goes on is kept.
 template <class S>
-void keepChunk(NboAttrLog::Demuxer& demuxer, EntityId const& id, typename S::Key const& key,
+void keepChunk(NboAttrLog::Demuxer& demuxer, StreamAdapter& adapter, typename S::Key const& key,
                String8::Iterator const& text) {
-    auto const flow = demuxer.flowInIs(id);
+    auto const flow = demuxer.flowInIs(adapter);
     if (flow->iter() || flow->idx()) {
         throw AttrLogRecordException("a text begins before another of its entity has ended");
     }
@@ -67,13 +71,13 @@ void readTextMember(Adapter& adapter, InboundRecord& record) {
     channelModeIs(adapter, MsgChannel::Mode::applied);
     if (record.echoOnly) return S::on(adapter, key);
     auto& demuxer = record.demuxer;
-    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter.entityId()));
+    Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter));
     bool const continues = flow && gathers<S>(*flow, key);
     String8::Iterator fresh;
     String8::Iterator& text = continues ? *flow->iter() : fresh;
     gatherChunk(record, text, end - record.in.readPosition(), continues);
     if (text.index() != 0) {
-        if (!continues) keepChunk<S>(demuxer, adapter.entityId(), key, text);
+        if (!continues) keepChunk<S>(demuxer, adapter, key, text);
         return;
     }
     String8 const whole = text.text();

@@ -13,7 +13,7 @@ void putTextRecord(Adapter& adapter, AttributeId id, String8::IteratorConst& pos
     auto const& out = adapter.nboAttrLogOut();
     adapter.beginRecord(id);
     out << Token::begin;
-    Ptr<Connection::Out>(out) << position;
+    out->putChunk(position);
     out << Token::end;
 }
 
@@ -40,14 +40,28 @@ bool sendTextInTurn(Adapter& adapter, NboAttrLog::FlowOut& flow, AttributeId id,
     return true;
 }
 
+/// A text that is one chunk, in one record.
+template <class Adapter>
+void putWholeText(Adapter& adapter, AttributeId id, std::string_view text) {
+    using Token = NboAttrLog::Out::TransactToken;
+    auto const& out = adapter.nboAttrLogOut();
+    adapter.beginRecord(id);
+    out << Token::begin;
+    out->putBytes(text);
+    out << Token::end;
+}
+
 /// Without one: a single record, and a flow for what is left.
 template <class S, class Adapter>
-bool sendTextAtOnce(Adapter& adapter, String8::IteratorConst position) {
-    bool const goes = hasRoomForText(*adapter.nboAttrLogOut());
-    if (goes) {
-        putTextRecord(adapter, S::id, position);
-        if (!position) return true;
+bool sendTextAtOnce(Adapter& adapter, String8 const& text) {
+    auto const& out = *adapter.nboAttrLogOut();
+    bool const goes = hasRoomForText(out);
+    if (goes && text.length() <= out.chunkLimit()) [[likely]] {
+        putWholeText(adapter, S::id, text.view());
+        return true;
     }
+    auto position = text.iteratorConst();
+    if (goes) putTextRecord(adapter, S::id, position);
     auto& flow = flowFor(adapter, S::id);
     flow.template isDirtyIs<S>(true);
     flow.outstandingKeysIs(1);
@@ -66,7 +80,7 @@ bool serializeText(Adapter& adapter) {
         flow->template isDirtyIs<S>(true);
         return false;
     }
-    if (!flow) return sendTextAtOnce<S>(adapter, S::get(entityOf<S>(adapter)).iteratorConst());
+    if (!flow) return sendTextAtOnce<S>(adapter, S::get(entityOf<S>(adapter)));
     return sendTextInTurn(adapter, *flow, S::id,
                           flow->valueIter() ? NboAttrLog::qorFlowOutValueDeq(*flow)
                                             : S::get(entityOf<S>(adapter)).iteratorConst());

@@ -35,6 +35,8 @@ inline constexpr U32 isChild = flag(17);
 inline constexpr U32 steadyState = flag(20);
 // handleAttrFlowOut runs.
 inline constexpr U32 handlingScheduledFlowOut = flag(22);
+// Something may be half received for the entity; clear, nothing is.
+inline constexpr U32 mayHaveFlowIn = flag(24);
 // The peer knows of the entity, and needs no announcement.
 inline constexpr U32 adapterAnnounced = flag(25);
 // Must be set for anything to flow out.

@@ -30,13 +30,11 @@ Demuxer::~Demuxer() {
 }
 
 Demuxer* demuxerOf(Out const& out) noexcept {
-    auto* const in = dynamic_cast<In*>(out.in());
+    auto* const in = attrLogIn(out.in());
     return in ? in->demuxer() : nullptr;
 }
 
-Entity::QorNboAttrLogSa* Demuxer::adapter(EntityId const& id) const noexcept {
-    return static_cast<Entity::QorNboAttrLogSa*>(adapters_.member(id));
-}
+StreamAdapter* Demuxer::find(EntityId const& id) const noexcept { return adapters_.member(id); }
 
 EntityId Demuxer::newEntityId() noexcept {
     EntityId const id(nextId_);
@@ -48,9 +46,11 @@ void Demuxer::adapterIs(StreamAdapter& adapter) {
     ++announced_;
     if (!adapter.hasUnifiedEntityId() || adapters_.contains(adapter)) return;
     adapters_.newMember(Qor::Ptr<StreamAdapter>(&adapter), adapter.fwkHash());
+    lastFound_ = &adapter;
 }
 
 Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
+    lastFound_ = nullptr;
     Qor::Ptr<StreamAdapter> const gone = adapters_.memberDel(id);
     if (!gone) return nullptr;
     flowInDel(id);
@@ -61,11 +61,6 @@ Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
 
 void Demuxer::adapterEnds(StreamAdapter& adapter) {
     if (!reactorDel(adapter.entityId())) dropFlow(adapter);
-}
-
-bool Demuxer::isAway(StreamAdapter const& adapter) {
-    Entity const* const entity = adapter.qorNotifierEntity();
-    return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
 }
 
 void Demuxer::needPeersId(EntityId const& id) {
@@ -116,6 +111,7 @@ Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
     if (FlowIn* const known = flowIn(id)) return Qor::Ptr<FlowIn>(known);
     auto fresh = make<FlowIn>(id);
     flowsIn_.newMember(fresh, fresh->fwkHash());
+    if (auto* const here = adapter(id)) here->flagIs(AdapterState::mayHaveFlowIn, true);
     return fresh;
 }
 
@@ -125,6 +121,7 @@ void Demuxer::flowInDel(EntityId const& id) {
     textDel(*gone);
     // What was held back for the sake of the text may go out now.
     auto* const here = adapter(id);
+    if (here) here->flagIs(AdapterState::mayHaveFlowIn, false);
     if (here && here->flowOut()) here->flowOut()->owes();
 }
 
@@ -171,11 +168,12 @@ void Demuxer::close() {
     out_->hasLiveBufferIs(false);
     // Each adapter may be the last to hold its entity, whose end may take more adapters along.
     while (adapters_.size() != 0) {
-        HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_);
-        Qor::Ptr<StreamAdapter> const adapter = at.member();
-        reactorDel(adapter->entityId());
-        adapter->streamDemuxerIs(nullptr);
-        adapter->out_ = nullptr;
+        for (HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_); at; ++at) {
+            Qor::Ptr<StreamAdapter> const adapter = at.member();
+            reactorDel(adapter->entityId());
+            adapter->streamDemuxerIs(nullptr);
+            adapter->out_ = nullptr;
+        }
     }
     flowsIn_.emptyAllBucketsG(HashMap<FlowIn, EntityId>::qorVTable());
     openText_ = 0;

@@ -94,7 +94,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     Counters const& counters() const noexcept { return counters_; }
 
     // Adapters by id.
-    Entity::QorNboAttrLogSa* adapter(EntityId const& id) const noexcept;
+    Entity::QorNboAttrLogSa* adapter(EntityId const& id) const noexcept {
+        if (lastFound_ == nullptr || lastFound_->entityId() != id) lastFound_ = find(id);
+        return static_cast<Entity::QorNboAttrLogSa*>(lastFound_);
+    }
     U32 adapters() const noexcept { return adapters_.size(); }
     EntityId newEntityId() noexcept;
     // Enters an adapter under its id, and keeps it.
@@ -129,8 +132,19 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
 
     // What is half received, by entity id.
     FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.member(id); }
+    FlowIn* flowIn(StreamAdapter const& adapter) const noexcept {
+        bool const isEntered = adapter.hasUnifiedEntityId();
+        if (isEntered && !adapter.has(AdapterState::mayHaveFlowIn)) [[likely]] {
+            return nullptr;
+        }
+        return flowIn(adapter.entityId());
+    }
     bool hasFlowsIn() const noexcept { return flowsIn_.size() != 0; }
     Qor::Ptr<FlowIn> flowInIs(EntityId const& id);
+    Qor::Ptr<FlowIn> flowInIs(StreamAdapter& adapter) {
+        adapter.flagIs(AdapterState::mayHaveFlowIn, true);
+        return flowInIs(adapter.entityId());
+    }
     void flowInDel(EntityId const& id);
     // Drops what is half received of all that was taken out of its place, and lives on.
     void flowsInDelAway();
@@ -150,7 +164,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // the queue.
     void createFlowOut(StreamAdapter& adapter, ConnectDesc const& desc, bool flag,
                        AttributeId startAttr);
-    // Makes a flow that owes everything, and lets it run as far as there is room.
+    // Sends everything as far as there is room. A flow is made for what is left.
     void sendWhole(StreamAdapter& adapter);
     // Whether a flow may send more in this turn.
     bool continueFlowOut() const noexcept {
@@ -187,22 +201,29 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     static constexpr U32 greatestDepth = 64;
     static constexpr U64 noEnd = std::numeric_limits<U64>::max();
 
+    StreamAdapter* find(EntityId const& id) const noexcept;
     bool mayRetry() const noexcept { return !waiting_.isEmpty() && announced_ != waitingSince_; }
     void retryWaiting();
     void run(FlowOut& flow);
     bool runPass(FlowOut& flow, StreamAdapter& adapter);
     void park(FlowOut& flow);
+    AttributeId sendAtOnce(StreamAdapter& adapter);
     void serveFrame(Frame const& frame);
     void serveRecord(Frame const& frame);
     void serveTransaction(Frame const& frame);
     void serveOrphan(Frame const& frame);
-    static bool isAway(StreamAdapter const& adapter);
+    static bool isAway(StreamAdapter const& adapter) noexcept {
+        Entity const* const entity = adapter.qorRawEntity();
+        return adapter.has(AdapterState::isChild) && entity && !entity->qorParent();
+    }
     Entity::QorNboAttrLogSa* receiver(Frame const& frame);
 
     Qor::Ptr<In> in_;
     Qor::Ptr<Out> out_;
     LinkHandler* link_ = nullptr;
     HashMap<StreamAdapter, EntityId> adapters_;
+    // The one that was looked up last: records of an entity come in a row.
+    mutable StreamAdapter* lastFound_ = nullptr;
     HashMap<FlowIn, EntityId> flowsIn_;
     FlowQueue ready_;
     FlowQueue waiting_;  // for an id of an entity that a reference names
@@ -236,6 +257,10 @@ inline Demuxer* demuxFor(Qor::Ptr<In const> const& in) noexcept {
 QOR_EXPORT Demuxer* demuxerOf(Out const& out) noexcept;
 
 }  // namespace NboAttrLog
+
+inline bool StreamAdapter::continueFlowOut() const {
+    return demuxer_ != nullptr && demuxer_->continueFlowOut();
+}
 
 }  // namespace Qor
 

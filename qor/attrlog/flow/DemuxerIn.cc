@@ -88,7 +88,7 @@ Entity::QorNboAttrLogSa* Demuxer::receiver(Frame const& frame) {
         reactorDel(frame.header.entityId);
         found = nullptr;
     }
-    bool const isThere = found && found->qorNotifierEntity();
+    bool const isThere = found && found->qorRawEntity();
     counters_.unknownEntities += isThere ? 0 : 1;
     return isThere ? found : nullptr;
 }
@@ -98,7 +98,7 @@ void Demuxer::serveRecord(Frame const& frame) {
     auto* const found = receiver(frame);
     if (!found) return;
     Qor::Ptr<Entity::QorNboAttrLogSa> const held(found);
-    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorNotifierEntity() : nullptr);
+    Qor::Ptr<Entity> const entity(tellsWritten_ ? found->qorRawEntity() : nullptr);
     found->handleAttrDeserialization(frame.header.attributeId, 0, frame.payloadSize, nullptr);
     if (entity && link_ != nullptr) link_->written(*entity, frame.header.attributeId);
 }

@@ -34,8 +34,23 @@ void Demuxer::createFlowOut(StreamAdapter& adapter, ConnectDesc const& desc, boo
     ++counters_.flowsMade;
 }
 
+// Where nothing is in the way, records are written without a flow: from the first attribute on, to
+// one for which there is no room or which leads to other entities. That one, or 0.
+AttributeId Demuxer::sendAtOnce(StreamAdapter& adapter) {
+    constexpr U32 needed = AdapterState::steadyState | AdapterState::flowOutEnabled;
+    constexpr U32 inTheWay = AdapterState::flowOutBlockers | AdapterState::readOnlyLocal |
+                             AdapterState::syncModeFanOut | AdapterState::handlingScheduledFlowOut;
+    U32 const word = adapter.state().word();
+    bool const mayGo = (word & (needed | inTheWay)) == needed && !adapter.flowOut() &&
+                       adapter.qorRawEntity() && !flowIn(adapter);
+    Qor::Ptr<StreamAdapter> const held(&adapter);
+    return mayGo ? adapter.sendAtOnce() : StreamAdapter::everything;
+}
+
 void Demuxer::sendWhole(StreamAdapter& adapter) {
-    createFlowOut(adapter, {}, false, 0);
+    AttributeId const left = sendAtOnce(adapter);
+    if (left == 0) return;
+    createFlowOut(adapter, {}, false, left);
     if (depth_ < greatestDepth && continueFlowOut()) run(*adapter.flowOut());
 }
 

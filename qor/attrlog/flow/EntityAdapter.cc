@@ -17,6 +17,11 @@ void Entity::QorNboAttrLogSa::companionIs(Qor::Ptr<Entity::NotifieeConst> compan
     companion_ = std::move(companion);
 }
 
+void Entity::QorNboAttrLogSa::attachedTo(Entity const& entity) {
+    companion_->isWeakReferenceIs(true);
+    swapEntity(&entity);
+}
+
 // Made to hold its entity first: a notifiee that is weak and on no list has to be watched for.
 void Entity::QorNboAttrLogSa::endAdapter() {
     if (auto* const demuxer = streamDemuxer()) demuxer->dropFlow(*this);
@@ -75,9 +80,9 @@ AttributeId Entity::QorNboAttrLogSa::handleAttrFlowOut(AttributeId startAttr) {
 }
 
 void Entity::QorNboAttrLogSa::handleAttrTransaction(AttributeId id, AttrTransactionType type, U32) {
-    auto* const demuxer = streamDemuxer();
+    auto* const demuxer = qorRawDemuxer();
     if (demuxer == nullptr || type == begin) return;
-    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(entityId());
+    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(*this);
     bool const isOver = flowIn && (flowIn->handlingTransaction() ||
                                    (type == abort && flowIn->aid() == 0 && !flowIn->iter()));
     if (!isOver) return;
@@ -91,7 +96,7 @@ void Entity::QorNboAttrLogSa::onIsNondestructing() {}
 void Entity::QorNboAttrLogSa::putTypeChain() {}
 
 void Entity::QorNboAttrLogSa::putConstructorArgument() {
-    nboAttrLogOut() << String8(qorNotifierEntity()->name());
+    nboAttrLogOut() << qorRawEntity()->name();
 }
 
 bool Entity::QorNboAttrLogSa::convertedToWritable(bool convert) {
@@ -102,11 +107,11 @@ bool Entity::QorNboAttrLogSa::convertedToWritable(bool convert) {
 }
 
 bool Entity::QorNboAttrLogSa::handlingFlowInFor(AttributeId id) const {
-    auto const* const demuxer = streamDemuxer();
+    auto const* const demuxer = qorRawDemuxer();
     if (demuxer == nullptr || !demuxer->hasFlowsIn()) [[likely]] {
         return false;
     }
-    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(entityId());
+    NboAttrLog::FlowIn* const flowIn = demuxer->flowIn(*this);
     bool const replaces = flowIn && flowIn->iter() && !flowIn->idx() && flowIn->aid() == id;
     if (replaces) flowIn->heldBackIs(true);
     return replaces;
@@ -122,7 +127,7 @@ bool Entity::QorNboAttrLogSa::prepareImmediateTransmission(AttributeId id, bool 
 }
 
 void Entity::QorNboAttrLogSa::noteSent() {
-    auto* const demuxer = streamDemuxer();
+    auto* const demuxer = qorRawDemuxer();
     if (demuxer == nullptr) return;
     if (has(AdapterState::isCopy)) {
         demuxer->sendReceipt();
@@ -137,7 +142,7 @@ void Entity::QorNboAttrLogSa::beginRecord(AttributeId id, U32 wordB, U8 tag) {
 }
 
 bool Entity::QorNboAttrLogSa::hasCrossed() const {
-    auto const* const demuxer = streamDemuxer();
+    auto const* const demuxer = qorRawDemuxer();
     return demuxer && hasSentSince(demuxer->peerHeard());
 }
 

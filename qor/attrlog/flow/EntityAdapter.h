@@ -68,6 +68,8 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
 
     // The notifiee that hears for this adapter; it is attached with the adapter.
     void companionIs(Qor::Ptr<Entity::NotifieeConst> companion);
+    // notifierIs() with an entity that the companion is attached to already.
+    void attachedTo(Entity const& entity);
     // Lets go of companion and flow; of the destructor of the class whose companion it is.
     void endAdapter();
     Entity::NotifieeConst* companion() const noexcept { return companion_.ptr(); }

@@ -19,7 +19,7 @@ StreamAdapter::StreamAdapter(AdapterState::Bits bits, U32 version,
       version_(version) {
     qorState() = bits;
     isRegisteredFlagIs(false);
-    if (auto* const in = dynamic_cast<NboAttrLog::In*>(out ? out->in() : nullptr)) {
+    if (auto* const in = NboAttrLog::attrLogIn(out ? out->in() : nullptr)) {
         demuxer_ = in->demuxer();
     }
 }
@@ -66,6 +66,8 @@ void StreamAdapter::streamDemuxerIs(NboAttrLog::Demuxer* demuxer) { demuxer_ = d
 void StreamAdapter::handleSyncMode() {}
 
 AttributeId StreamAdapter::handleAttrFlowOut(AttributeId) { return 0; }
+
+AttributeId StreamAdapter::sendAtOnce() { return everything; }
 
 // Of the top level, whose attributes hold nothing.
 void StreamAdapter::freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const&) {}
@@ -139,10 +141,6 @@ void StreamAdapter::doThis() {
     if (demuxer_ != nullptr) demuxer_->sendWhole(*this);
 }
 
-bool StreamAdapter::continueFlowOut() const {
-    return demuxer_ != nullptr && demuxer_->continueFlowOut();
-}
-
 void StreamAdapter::doFixChildFlags(Qor::Ptr<StreamAdapter> const& child) {
     child->flagIs(AdapterState::flowOutEnabled, has(AdapterState::flowOutEnabled));
 }
@@ -159,8 +157,12 @@ void StreamAdapter::doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxe
         return;
     }
     demuxer->needPeersId(id);
+    takesPeersId(id, *demuxer);
+}
+
+void StreamAdapter::takesPeersId(EntityId const& id, NboAttrLog::Demuxer& demuxer) {
     entityIdIs(id);
-    demuxer->adapterIs(*this);
+    demuxer.adapterIs(*this);
     flagIs(AdapterState::flowOutEnabled, true);
     if (!flowOut_) flagIs(AdapterState::steadyState, true);
 }

@@ -75,6 +75,11 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     // Sends what is owed, from `startAttr` on, as far as there is room. The attribute at which to
     // go on; 0 when this adapter has finished.
     virtual AttributeId handleAttrFlowOut(AttributeId startAttr);
+    // As a start attribute: all of them.
+    static constexpr AttributeId everything = 1;
+    // Sends the whole state without a flow, as far as that goes. The attribute from which on a flow
+    // has to send it; 0 when all is sent.
+    virtual AttributeId sendAtOnce();
     // Frees what the flow holds for the attribute that it works on.
     virtual void freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const& flowOut);
     // The adapter has been made for sending: it gets an id and is entered in the demuxer.
@@ -85,6 +90,9 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     // Borrowed; null when the entity has gone.
     virtual Entity const* qorNotifierEntity() const;
     virtual Entity* qorNotifierEntity();
+    // The same two without a virtual call.
+    NboAttrLog::Demuxer* qorRawDemuxer() const noexcept { return demuxer_; }
+    Entity* qorRawEntity() const noexcept { return const_cast<Entity*>(entity_); }
     // Announces an entity without a parent on this connection, and sends its state.
     virtual void doSerializeOrphan();
     // Decodes one record and applies it, or, with `in`, reads it from there and sends the
@@ -121,12 +129,14 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     // Sends the whole state: now as far as there is room, and then in the demuxer's turns.
     void doThis();
     // Whether more may be sent in this turn.
-    bool continueFlowOut() const;
+    inline bool continueFlowOut() const;
     // What a child's adapter has of its parent's run-time state.
     void doFixChildFlags(Qor::Ptr<StreamAdapter> const& child);
     // Enters an id that came from the peer, and the adapter in the demuxer.
     void doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxer> const& demuxer,
                       bool isPeers);
+    // Enters it under an id of the peer's that was found to be free. REQUIRES: it has no id
+    void takesPeersId(EntityId const& id, NboAttrLog::Demuxer& demuxer);
     // Whether the peer may write this attribute although the adapter is read-only.
     bool readOnlyRemoteOk(AttributeId id) const;
     [[noreturn]] void doThrowReadOnly(char const* attributeName) const;
@@ -143,10 +153,10 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
   protected:
     StreamAdapter(AdapterState::Bits bits, U32 version, Qor::Ptr<NboAttrLog::Out> const& out,
                   PtrInterface* owner);
+    void swapEntity(Entity const* entity);
 
   private:
     friend class NboAttrLog::Demuxer;
-    void swapEntity(Entity const* entity);
 
     EntityId entityId_;
     Qor::Ptr<NboAttrLog::Out> out_;

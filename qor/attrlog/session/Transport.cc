@@ -47,21 +47,28 @@ void MemoryTransport::cut() {
     for (MemoryTransport* const end : {this, other_}) {
         end->closed_ = "the connection was cut";
         end->waiting_.clear();
+        end->taken_ = 0;
     }
 }
 
 std::size_t MemoryTransport::write(std::string_view bytes) {
     if (closed_.length() != 0) return 0;
-    std::size_t const left = other_->room_ - std::min(other_->room_, other_->waiting_.size());
+    std::size_t const waits = other_->waiting_.size() - other_->taken_;
+    std::size_t const left = other_->room_ - std::min(other_->room_, waits);
     std::size_t const count = std::min(left, bytes.size());
     other_->waiting_ += bytes.substr(0, count);
     return count;
 }
 
+// What was taken is dropped when it is more than what waits, so that no byte is moved often.
 std::size_t MemoryTransport::read(std::span<unsigned char> room) {
-    std::size_t const count = std::min(room.size(), waiting_.size());
-    std::copy_n(waiting_.data(), count, reinterpret_cast<char*>(room.data()));
-    waiting_.erase(0, count);
+    std::size_t const count = std::min(room.size(), waiting_.size() - taken_);
+    std::copy_n(waiting_.data() + taken_, count, reinterpret_cast<char*>(room.data()));
+    taken_ += count;
+    if (taken_ >= waiting_.size() - taken_) {
+        waiting_.erase(0, taken_);
+        taken_ = 0;
+    }
     return count;
 }
 

@@ -59,6 +59,7 @@ class QOR_EXPORT MemoryTransport final : public Transport {
   private:
     MemoryTransport* other_ = nullptr;
     std::string waiting_;
+    std::size_t taken_ = 0;  // of what stands in waiting_
     std::size_t room_ = ~std::size_t{0};
     String8 closed_;
 };

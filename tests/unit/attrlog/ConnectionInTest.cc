@@ -136,6 +136,24 @@ TEST(ConnectionIn, LimitBeforeThePositionLeavesNothing) {
     EXPECT_EQ(in.nextU8(), '5');
 }
 
+TEST(ConnectionIn, PassesOverBytesOnlyIfTheyComeNext) {
+    In in(8);
+    in.receive("abcdef");
+    EXPECT_FALSE(in.skipIf("abd"));
+    EXPECT_EQ(in.readPosition(), 0U);
+    EXPECT_TRUE(in.skipIf("abc"));
+    EXPECT_FALSE(in.skipIf("defg"));
+    in.limitIs(5);
+    EXPECT_FALSE(in.skipIf("def"));
+    EXPECT_TRUE(in.skipIf("de"));
+    in.limitIs(In::noLimit);
+    in.releaseRead();
+    in.receive("ghijk");
+    // They come, but not in one piece.
+    EXPECT_FALSE(in.skipIf("fghi"));
+    EXPECT_EQ(in.nextText(4), "fghi");
+}
+
 TEST(ConnectionInDeathTest, MoreThanTheRoomStops) {
     In in(8);
     EXPECT_DEATH(in.receivedInc(9), "Assertion 'count <= room\\(\\).size\\(\\)' failed");

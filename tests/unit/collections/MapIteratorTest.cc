@@ -296,4 +296,27 @@ TEST_F(MapIterator, OutlivesTheRemovalOfAMemberThatNobodyElseHolds) {
     EXPECT_EQ(PlaceNode::living, living - 1);
 }
 
+TEST_F(MapIterator, LooksAheadAtTheTwoMembersThatFollow) {
+    for (U32 const count : {0U, 1U, 2U, 3U, 4U, 5U, 9U, 15U}) {
+        have(count);
+        for (PlaceMap::IteratorConst walk(&map); walk; ++walk) {
+            PlaceMap::IteratorConst other = walk;
+            auto const [next, later] = walk.ahead();
+            ++other;
+            EXPECT_TRUE(!next || next == other.operator->());
+            if (next) ++other;
+            EXPECT_TRUE(!later || later == other.operator->());
+        }
+        for (U32 i = 1; i <= count; ++i) remove(i);
+    }
+}
+
+TEST_F(MapIterator, OnAMemberThatWasRemovedLooksAheadAtNothing) {
+    have(3);
+    PlaceMap::IteratorConst const walk(&map);
+    EXPECT_TRUE(walk.ahead()[0]);
+    remove(1);
+    EXPECT_FALSE(walk.ahead()[0]);
+}
+
 }  // namespace

@@ -12,15 +12,16 @@ import time
 from .agent import SLOWNESS
 
 SHELLS = {
-    # How it is started, and told to print its line when control-t is typed.
+    # How it is started, and told to print its line and clear it when control-t is typed. A key that clears it could be taken by
+    # the terminal itself, while the shell prints.
     "bash": (
         ["bash", "--norc", "--noprofile", "-i"],
-        "bind 'set bell-style none'; bind -x '\"\\C-t\": printf \"\\n<<%s>>\\n\" \"$READLINE_LINE\"'; source FILE; PS1=",
+        "bind 'set bell-style none'; bind -x '\"\\C-t\": printf \"\\n<<%s>>\\n\" \"$READLINE_LINE\"; READLINE_LINE='; source FILE; PS1=",
     ),
     "zsh": (
         ["zsh", "-f", "-i"],
         "fpath=(FOLDER $fpath); autoload -U compinit; compinit -u -D; unsetopt beep; PS1=; RPS1=;"
-        "told() { print -r -- $'\\n'\"<<$BUFFER>>\" }; zle -N told; bindkey '^T' told",
+        "told() { print -r -- $'\\n'\"<<$BUFFER>>\"; BUFFER=; }; zle -N told; bindkey '^T' told",
     ),
 }
 
@@ -59,7 +60,7 @@ class Shell:
         return line, self._seen
 
     def _ask(self, typed):
-        """Types, has the line told, and clears it."""
+        """Types, and has the line told and cleared."""
         already = len(self._seen)
         self._send(typed + "\x14")
         found = []
@@ -73,7 +74,6 @@ class Shell:
             self._await(is_told, f"the line behind {typed!r}", 5)
         except AssertionError:
             found = [""]
-        self._send("\x15")
         return found[-1]
 
     def _send(self, text):

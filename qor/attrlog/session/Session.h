@@ -107,9 +107,11 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void listenerIs(SessionListener* listener) noexcept { listener_ = listener; }
 
     // Asks the peer for the entity at `path`. `copy` is what it is kept in; null: an entity of its
-    // class is made. A copy that is not `writable` refuses changes here.
+    // class is made. A copy that is not `writable` refuses changes here. What stands below another
+    // mounted entity is the part of its copy, whatever `copy` is; one above another is refused.
     MountId mount(String8 const& path, bool writable, Ptr<Entity> copy = nullptr);
-    // The copy stays as it is, and is kept in step no longer.
+    // The copy stays as it is, and is kept in step no longer. What stands below it and is mounted
+    // by itself is mounted again.
     void unmount(MountId mount);
     // The copy, or null before it is announced.
     Ptr<Entity> mounted(MountId mount) const;

@@ -47,6 +47,10 @@ class DynamicFlowOut final : public EntityFlowOut {
     void dirtyKeyDel(DynamicKey const& key) {
         here().keys->memberDel(key);
     }
+    template <class S>
+    void dirtyKeysDelAll() {
+        deleteAll(*here().keys);
+    }
 
   private:
     struct Owed {

@@ -99,6 +99,43 @@ TEST_F(SlowReader, StoppedOneCostsItsRingAndAMarkForEachEntity) {
     EXPECT_EQ(stopped.pair.agent->counters().flows, 0U);
 }
 
+// Keys that come and go are owed to nobody: what is held does not grow with their number.
+TEST_F(SlowReader, StoppedOneCostsNothingForRowsAndKeysThatCameAndWent) {
+    fill(500);
+    auto const port = db_->physicalPortIs(Name("port"));
+    Reader stopped(root_);
+    ASSERT_TRUE(stopped.pair.settle());
+    stopped.pair.near.roomIs(0);
+    std::size_t inTheBeginning = 0;
+    std::size_t const passes = 40 * factor();
+    for (std::size_t pass = 0; pass < passes; ++pass) {
+        for (std::size_t i = 0; i < 2000; ++i) {
+            std::string const name = std::to_string(pass) + "-" + std::to_string(i);
+            db_->logicalSwitchIs(Name(std::string_view(name)))->tunnelKeyIs(7);
+            rows_[i % rows_.size()]->invalidAttribIs(std::string_view(name), true);
+            port->faultIs(std::string_view(name), true);
+            db_->logicalSwitchDel(Name(std::string_view(name)));
+            rows_[i % rows_.size()]->invalidAttribDel(std::string_view(name));
+            port->faultDel(std::string_view(name));
+        }
+        port->vlanBindingIs(static_cast<Qor::U16>(pass), std::string_view(std::string(40000, 'x')));
+        stopped.pair.agent->service();
+        if (pass == 9) inTheBeginning = Memory::heldBytes();
+    }
+    EXPECT_LE(Memory::heldBytes(), inTheBeginning + 40000 * passes + 49152);
+    stopped.pair.near.roomIs(~std::size_t{0});
+    ASSERT_TRUE(stopped.pair.settle());
+    EXPECT_TRUE(isEqual(*stopped.copy));
+    EXPECT_EQ(stopped.pair.agent->counters().flows, 0U);
+    for (auto at = db_->logicalSwitchIterator(); at; ++at) {
+        EXPECT_EQ(stopped.copy->ovsdb()->logicalSwitch(at.key())->invalidAttribs(), 0U);
+    }
+    auto const there = stopped.copy->ovsdb()->physicalPort(Name("port"));
+    ASSERT_TRUE(there);
+    EXPECT_EQ(there->faults(), 0U);
+    EXPECT_EQ(there->vlanBindings(), passes);
+}
+
 TEST_F(SlowReader, SixtyFourAtAllSpeedsConvergeUnderChurn) {
     fill(200);
     std::vector<std::unique_ptr<Reader>> readers;

@@ -37,6 +37,11 @@ class DirtyKey final : public VFPtrInterface {
 template <class K>
 using DirtyKeyMap = HashMap<DirtyKey<K>, K>;
 
+template <class K>
+void deleteAll(DirtyKeyMap<K>& keys) {
+    keys.emptyAllBucketsG(keys.qorVTable());
+}
+
 namespace family {
 
 struct NoKeys {};
@@ -134,6 +139,10 @@ class FlowOutLevel : public Base {
     template <class S>
     void dirtyKeyDel(typename S::Key const& key) {
         if (dirtyKeys<S>().size() != 0) dirtyKeys<S>().memberDel(key);
+    }
+    template <class S>
+    void dirtyKeysDelAll() {
+        deleteAll(dirtyKeys<S>());
     }
     // The first 32 attributes' bits.
     U32 qorDirtyBitSet() const noexcept { return bits_[0]; }

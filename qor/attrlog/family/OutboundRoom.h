@@ -4,8 +4,14 @@
 #define QOR_ATTRLOG_FAMILY_OUTBOUNDROOM_H
 
 #include <qor/attrlog/family/FlowOutLevel.h>
+#include <qor/attrlog/flow/FlowOutHold.h>
 
 namespace Qor {
+
+template <class S, class Adapter>
+typename S::Entity const& entityOf(Adapter const& adapter) {
+    return static_cast<typename S::Entity const&>(*adapter.qorRawEntity());
+}
 
 /// The adapter's flow as its own level's; null while none runs.
 template <class Adapter>
@@ -55,6 +61,40 @@ bool valueGoesNow(Adapter& adapter, NboAttrLog::Out const& out) {
     return false;
 }
 
+/// The whole collection is owed, as a snapshot from its first key on, in the place of single keys.
+template <class S, class Flow>
+void oweWhole(Flow& flow) {
+    using Key = typename S::Key;
+    bool const isUnderWay = flow.attrId() == S::id &&
+                            (flow.bookmark() != nullptr || flow.walkDone() || flow.valueIterKey());
+    if (isUnderWay) {
+        flow.pendingAbortIs(S::id, true);
+        if (flow.bookmark()) NboAttrLog::qorFlowOutBookmarkDeq<Key>(flow);
+        if (flow.valueIterKey()) {
+            NboAttrLog::qorFlowOutValueDeq(flow);
+            NboAttrLog::qorFlowOutValueKeyDeq<Key>(flow);
+        }
+        flow.walkDoneIs(false);
+    }
+    flow.template dirtyKeysDelAll<S>();
+    flow.template hasSyncedIs<S>(false);
+}
+
+/// Marks a key outside of the flow's turns. A peer that does not read is owed no more keys than the
+/// collection has twice, however many came and went. A copy keeps each, since a mark also says that
+/// a write of its own is to be kept.
+template <class S, class Adapter>
+void markKey(Adapter& adapter, typename Adapter::FlowOut& flow, typename S::Key const& key) {
+    flow.template dirtyKeyIs<S>(key, true);
+    U32 const marks = flow.template dirtyKeys<S>().size();
+    if (marks <= NboAttrLog::FlowOut::spareMarks || adapter.handlingScheduledFlowOut()) [[likely]] {
+        return;
+    }
+    U32 const members = S::Attr::map(entityOf<S>(adapter)).size();
+    bool const isTooMany = marks - NboAttrLog::FlowOut::spareMarks > U64{2} * members;
+    if (isTooMany && !adapter.has(AdapterState::isCopy)) oweWhole<S>(flow);
+}
+
 /// Whether a key is written now; else it is marked.
 template <class S, class Adapter>
 bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key const& key) {
@@ -65,7 +105,7 @@ bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key co
         if (goes) {
             flow->template dirtyKeyDel<S>(key);
         } else {
-            flow->template dirtyKeyIs<S>(key, true);
+            markKey<S>(adapter, *flow, key);
         }
         return goes;
     }

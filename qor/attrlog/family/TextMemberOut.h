@@ -60,7 +60,7 @@ class TextMemberOut {
         }
         bool const goes = adapter_.prepareImmediateTransmission(S::id, false);
         if (goes && !isLow_ && estimate_ <= NboAttrLog::greatestTextRecord) return true;
-        flow_->template dirtyKeyIs<S>(key_, true);
+        markKey<S>(adapter_, *flow_, key_);
         return false;
     }
 

@@ -17,11 +17,6 @@ void putValue(Ptr<NboAttrLog::Out> const& out, Value const& value) {
     }
 }
 
-template <class S, class Adapter>
-typename S::Entity const& entityOf(Adapter const& adapter) {
-    return static_cast<typename S::Entity const&>(*adapter.qorRawEntity());
-}
-
 /// onA() of a scalar.
 template <class S, class Adapter>
 void serializeScalar(Adapter& adapter) {

@@ -33,6 +33,8 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
 
     // As a start attribute: nothing is owed until something is marked.
     static constexpr AttributeId owesNothing = 0x7FFFFFFF;
+    // So many keys beside twice the collection's may be owed singly.
+    static constexpr U32 spareMarks = 8;
 
     explicit FlowOut(StreamAdapter& adapter) noexcept : adapter_(&adapter) {}
     ~FlowOut() override;

@@ -1,6 +1,7 @@
-// A directory of complete remote MAC rows is mounted from one session by another, over a transport
-// in memory, both in this thread; what a row takes once it is mounted; and what is held for a peer
-// that has stopped to read.
+// A directory of complete remote MAC rows is mounted from one session by another: over a socket
+// from another process, which is what a reader waits for; and over a transport in memory, both in
+// this thread, which is what both ends cost. What a row takes once it is mounted; and what is held
+// for a peer that has stopped to read.
 #include <vgw/attrlog/UcastMacsRemote.h>
 
 #include <string>
@@ -79,6 +80,29 @@ void mount(benchmark::State& state, std::size_t rows) {
     tellOperations(state, rows);
 }
 
+void tellSynced(int fd, Shared& shared) {
+    Reader reader(fd, [&](Qor::Dir& dir) {
+        shared.waits[0] = wallTime();
+        shared.heard = dir.entrys();
+        shared.isSynced = true;
+    });
+    reader.run([](Session const&) {});
+}
+
+// From the first turn of the source until the reader has all.
+void copy(benchmark::State& state, std::size_t rows) {
+    for (auto _ : state) {
+        OtherProcess other(tellSynced);
+        auto const dir = directory(rows);
+        double const begin = wallTime();
+        Writer writer(other.fd(), dir);
+        writer.serveUntilSynced(other);
+        state.SetIterationTime(other.shared().waits[0] - begin);
+        if (other.shared().heard != rows) state.SkipWithError("rows are missing");
+    }
+    tellOperations(state, rows);
+}
+
 void tellGrowth(int fd, Shared& shared) {
     std::size_t const before = bytesHeld();
     Reader reader(fd, [&](Qor::Dir&) {
@@ -128,6 +152,10 @@ void addMounts() {
     for (std::size_t const rows : {1000U, 10000U, 100000U, 1000000U}) {
         std::string const row = "a row of a mount of " + std::to_string(rows);
         cell(row, "ours", [=](auto& state) { mount(state, rows); })->UseManualTime();
+    }
+    for (std::size_t const rows : {1000U, 10000U, 100000U, 1000000U}) {
+        std::string const row = "a row of a copy of " + std::to_string(rows) + " from a process";
+        cell(row, "ours", [=](auto& state) { copy(state, rows); })->UseManualTime();
     }
     for (bool const isSource : {true, false}) {
         std::string const row = "bytes of one of 100000 mounted remote MAC rows, ";

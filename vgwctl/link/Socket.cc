@@ -3,7 +3,6 @@
 #include <netdb.h>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -15,16 +14,6 @@ namespace {
 
 LinkFailure failureOf(std::string const& what, int error) {
     return LinkFailure(what + ": " + std::strerror(error));
-}
-
-sockaddr_un addressOf(std::string const& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path)
-        throw Failure(path + ": the path of a socket may have " +
-                      std::to_string(sizeof address.sun_path - 1) + " bytes");
-    path.copy(address.sun_path, path.size());
-    return address;
 }
 
 Descriptor newSocket(int family) {
@@ -47,7 +36,7 @@ int connected(Descriptor const& fd, sockaddr const* address, socklen_t length,
 }
 
 Descriptor connectToUnix(Ovsdb::Remote const& remote, Deadline const& deadline) {
-    sockaddr_un const address = addressOf(remote.path);
+    sockaddr_un const address = unixAddressOf(remote.path);
     Descriptor fd = newSocket(AF_UNIX);
     int const error =
         connected(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address, deadline);
@@ -82,6 +71,16 @@ void await(Descriptor const& descriptor, short events, Deadline const& deadline)
     pollfd one{descriptor.get(), events, 0};
     if (::poll(&one, 1, deadline.milliseconds()) < 0 && errno != EINTR)
         throw failureOf("poll", errno);
+}
+
+sockaddr_un unixAddressOf(std::string const& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= sizeof address.sun_path)
+        throw Failure(path + ": the path of a socket may have " +
+                      std::to_string(sizeof address.sun_path - 1) + " bytes");
+    path.copy(address.sun_path, path.size());
+    return address;
 }
 
 Descriptor connectTo(Ovsdb::Remote const& remote, Deadline const& deadline) {

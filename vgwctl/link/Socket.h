@@ -7,6 +7,8 @@
 
 #include <ovsdb/remote/Remote.h>
 
+#include <sys/un.h>
+
 #include <string>
 #include <utility>
 
@@ -36,6 +38,8 @@ class Descriptor {
     int fd_ = -1;
 };
 
+/// Raises Failure where the path is too long for a socket's.
+sockaddr_un unixAddressOf(std::string const& path);
 /// A connection to the remote. Of a host's addresses the first that answers is taken. Raises
 /// LinkFailure, which names the remote and why, and Failure when the time is over.
 Descriptor connectTo(Ovsdb::Remote const& remote, Deadline const& deadline);

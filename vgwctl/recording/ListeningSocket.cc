@@ -40,16 +40,6 @@ Failure failureOf(std::string const& path, int error) {
     return Failure(path + ": " + std::strerror(error));
 }
 
-sockaddr_un addressOf(std::string const& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    if (path.size() >= sizeof address.sun_path)
-        throw Failure(path + ": the path of a socket may have " +
-                      std::to_string(sizeof address.sun_path - 1) + " bytes");
-    path.copy(address.sun_path, path.size());
-    return address;
-}
-
 Descriptor newSocket(std::string const& path) {
     Descriptor fd(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
     if (fd.get() < 0) throw failureOf(path, errno);
@@ -94,7 +84,7 @@ void removeLeftOver(std::string const& path, sockaddr_un const& address) {
 }
 
 Descriptor listeningAt(std::string const& path) {
-    sockaddr_un const address = addressOf(path);
+    sockaddr_un const address = unixAddressOf(path);
     Descriptor const lock = lockedDirectoryOf(path);
     Descriptor fd = newSocket(path);
     if (!bindAt(fd, path, address)) {

@@ -62,7 +62,7 @@ MUTANTS = [
      "        adapter.beginChildRemoval(S::id);\n        guard.out() << Token::begin << key << Token::end;\n",
      "        static_cast<void>(Token::begin);\n"),
     ("a key that came and went is owed for ever", FAMILY + "OutboundRoom.h",
-     "if (isTooMany && !adapter.has(AdapterState::isCopy)) oweWhole<S>(flow);", "static_cast<void>(isTooMany);",
+     "if (hasTooManyMarks<S>(adapter, flow)) oweWhole<S>(flow);", "",
      ["attrlog_slow_readers"]),
     # What comes in.
     ("a length beyond the frame is believed", "qor/attrlog/NboAttrLogIn.cc",

@@ -61,13 +61,18 @@ bool valueGoesNow(Adapter& adapter, NboAttrLog::Out const& out) {
     return false;
 }
 
+/// Whether the flow stands somewhere in the collection, and so may have sent a part of it.
+template <class S, class Flow>
+bool isUnderWay(Flow const& flow) noexcept {
+    return flow.attrId() == S::id &&
+           (flow.bookmark() != nullptr || flow.walkDone() || flow.valueIterKey());
+}
+
 /// The whole collection is owed, as a snapshot from its first key on, in the place of single keys.
 template <class S, class Flow>
 void oweWhole(Flow& flow) {
     using Key = typename S::Key;
-    bool const isUnderWay = flow.attrId() == S::id &&
-                            (flow.bookmark() != nullptr || flow.walkDone() || flow.valueIterKey());
-    if (isUnderWay) {
+    if (isUnderWay<S>(flow)) {
         flow.pendingAbortIs(S::id, true);
         if (flow.bookmark()) NboAttrLog::qorFlowOutBookmarkDeq<Key>(flow);
         if (flow.valueIterKey()) {
@@ -80,19 +85,24 @@ void oweWhole(Flow& flow) {
     flow.template hasSyncedIs<S>(false);
 }
 
-/// Marks a key outside of the flow's turns. A peer that does not read is owed no more keys than the
-/// collection has twice, however many came and went. A copy keeps each, since a mark also says that
-/// a write of its own is to be kept.
+/// Whether more keys are owed than the collection has twice.
+template <class S, class Adapter>
+bool hasTooManyMarks(Adapter const& adapter, typename Adapter::FlowOut& flow) {
+    constexpr U32 spare = NboAttrLog::FlowOut::spareMarks;
+    U32 const marks = flow.template dirtyKeys<S>().size();
+    return marks > spare && marks - spare > U64{2} * S::Attr::map(entityOf<S>(adapter)).size();
+}
+
+/// Marks a key outside of the flow's turns. A peer that does not read is owed no more than the
+/// collection, however many keys came and went, and where that is owed whole nothing is marked. A
+/// copy keeps each mark, which also says that a write of its own is to be kept.
 template <class S, class Adapter>
 void markKey(Adapter& adapter, typename Adapter::FlowOut& flow, typename S::Key const& key) {
+    bool const keepsAll = adapter.handlingScheduledFlowOut() || adapter.has(AdapterState::isCopy);
+    if (keepsAll) return flow.template dirtyKeyIs<S>(key, true);
+    if (!flow.template hasSynced<S>() && !isUnderWay<S>(flow)) return flow.owes();
     flow.template dirtyKeyIs<S>(key, true);
-    U32 const marks = flow.template dirtyKeys<S>().size();
-    if (marks <= NboAttrLog::FlowOut::spareMarks || adapter.handlingScheduledFlowOut()) [[likely]] {
-        return;
-    }
-    U32 const members = S::Attr::map(entityOf<S>(adapter)).size();
-    bool const isTooMany = marks - NboAttrLog::FlowOut::spareMarks > U64{2} * members;
-    if (isTooMany && !adapter.has(AdapterState::isCopy)) oweWhole<S>(flow);
+    if (hasTooManyMarks<S>(adapter, flow)) oweWhole<S>(flow);
 }
 
 /// Whether a key is written now; else it is marked.

@@ -24,7 +24,9 @@ void readText(Adapter& adapter, InboundRecord& record) {
     auto& demuxer = record.demuxer;
     Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter));
     if (!flow && !record.in.moreChunks()) [[likely]] {
-        S::set(targetOf<S>(adapter), record.in.nextText(record.size));
+        String8 const whole = record.in.nextText(record.size);
+        if (isToBeReplaced<S>(adapter)) return;
+        S::set(targetOf<S>(adapter), whole);
         return settle<S>(adapter, record);
     }
     String8::Iterator fresh;

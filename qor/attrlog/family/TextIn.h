@@ -17,6 +17,14 @@ inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size
     in >> text;
 }
 
+/// A text that has come whole, in however many pieces.
+template <class S, class Adapter>
+void takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole) {
+    if (isToBeReplaced<S>(adapter)) return;
+    S::set(targetOf<S>(adapter), whole);
+    settle<S>(adapter, record);
+}
+
 template <class S, class Adapter>
 void readText(Adapter& adapter, InboundRecord& record) {
     channelModeIs(adapter, MsgChannel::Mode::applied);
@@ -24,10 +32,7 @@ void readText(Adapter& adapter, InboundRecord& record) {
     auto& demuxer = record.demuxer;
     Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter));
     if (!flow && !record.in.moreChunks()) [[likely]] {
-        String8 const whole = record.in.nextText(record.size);
-        if (isToBeReplaced<S>(adapter)) return;
-        S::set(targetOf<S>(adapter), whole);
-        return settle<S>(adapter, record);
+        return takeText<S>(adapter, record, record.in.nextText(record.size));
     }
     String8::Iterator fresh;
     String8::Iterator& text =
@@ -40,9 +45,7 @@ void readText(Adapter& adapter, InboundRecord& record) {
             demuxer.textDel(*flow);
             demuxer.flowInDel(adapter.entityId());
         }
-        if (isToBeReplaced<S>(adapter)) return;
-        S::set(targetOf<S>(adapter), whole);
-        settle<S>(adapter, record);
+        takeText<S>(adapter, record, whole);
     } else if (!flow) {
         qorFlowInIteratorIs(*demuxer.flowInIs(adapter), record.id, text);
     }

@@ -22,14 +22,7 @@ String8 text(std::size_t length, char byte = 'x') { return String8(std::string(l
 class Outbound : public testing::Test {
   protected:
     std::string sent() { return hex(takeBytes(peer.out())); }
-    // Leaves no room in the ring for another record.
-    void fill() {
-        auto const& out = peer.outPtr();
-        while (out->hasSufficientBuffer()) {
-            out->nextHeaderIs({Qor::EntityId(99), 1});
-            out << Peer::Out::TransactToken::begin << text(30000) << Peer::Out::TransactToken::end;
-        }
-    }
+    void fill() { peer.fillRing(); }
     void serve() { peer.demuxer->serveFlows(~Qor::U64{0}); }
 
     Peer peer{Peer::Demuxer::Side::connecting};

@@ -39,6 +39,15 @@ class Peer : public Qor::NboAttrLog::LinkHandler {
     Out& out() const { return *demuxer->out(); }
     Qor::Ptr<Out> const& outPtr() const { return demuxer->out(); }
 
+    // Leaves no room in the ring for another record.
+    void fillRing() {
+        Qor::String8 const text(std::string(30000, 'x'));
+        while (out().hasSufficientBuffer()) {
+            outPtr()->nextHeaderIs({Qor::EntityId(99), 1});
+            outPtr() << Out::TransactToken::begin << text << Out::TransactToken::end;
+        }
+    }
+
     // The adapter of an entity on this end.
     template <class X>
     typename X::QorNboAttrLogSa* adapter(Qor::Ptr<X> const& entity) const {

@@ -12,16 +12,17 @@ import time
 from .agent import SLOWNESS
 
 SHELLS = {
-    # How it is started, and told to print its line and clear it when control-t is typed. A key that clears it could be taken by
-    # the terminal itself, while the shell prints.
+    # How it is started, and told to print its line and clear it when control-t is typed, and to say when it is set up. A key that
+    # clears it could be taken by the terminal itself, while the shell prints. What is typed is echoed: hence the quotes in a word.
     "bash": (
         ["bash", "--norc", "--noprofile", "-i"],
-        "bind 'set bell-style none'; bind -x '\"\\C-t\": printf \"\\n<<%s>>\\n\" \"$READLINE_LINE\"; READLINE_LINE='; source FILE; PS1=",
+        "bind 'set bell-style none'; bind -x '\"\\C-t\": printf \"\\n<<%s>>\\n\" \"$READLINE_LINE\"; READLINE_LINE='; source FILE; PS1=;"
+        "echo SET''UP",
     ),
     "zsh": (
         ["zsh", "-f", "-i"],
         "fpath=(FOLDER $fpath); autoload -U compinit; compinit -u -D; unsetopt beep; PS1=; RPS1=;"
-        "told() { print -r -- $'\\n'\"<<$BUFFER>>\"; BUFFER=; }; zle -N told; bindkey '^T' told",
+        "told() { print -r -- $'\\n'\"<<$BUFFER>>\"; BUFFER=; }; zle -N told; bindkey '^T' told; echo SET''UP",
     ),
 }
 
@@ -49,8 +50,7 @@ class Shell:
 
     def __enter__(self):
         self._send(self._setup + "\n")
-        # Until it is set up the line is not told.
-        self._await(lambda: self._ask("echo ready") == "echo ready", "it is set up")
+        self._await(lambda: "SETUP" in self._read(), "it is set up")
         return self
 
     def completed(self, typed, tabs=1):
@@ -63,18 +63,9 @@ class Shell:
         """Types, and has the line told and cleared."""
         already = len(self._seen)
         self._send(typed + "\x14")
-        found = []
-
-        def is_told():
-            self._read()
-            found[:] = re.findall(r"<<(.*?)>>", self._seen[already:])
-            return found
-
-        try:
-            self._await(is_told, f"the line behind {typed!r}", 5)
-        except AssertionError:
-            found = [""]
-        return found[-1]
+        told = re.compile(r"<<(.*?)>>")
+        self._await(lambda: told.search(self._read(), already), f"the line behind {typed!r}")
+        return told.search(self._seen, already)[1]
 
     def _send(self, text):
         os.write(self._own, text.encode())
@@ -84,6 +75,7 @@ class Shell:
             self._seen += os.read(self._own, 65536).decode("utf-8", "replace")
         except BlockingIOError:
             pass
+        return self._seen
 
     def _await(self, holds, what, timeout=20):
         deadline = time.monotonic() + timeout * SLOWNESS

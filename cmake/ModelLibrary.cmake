@@ -139,16 +139,22 @@ function(qor_model_outputs model out values_out entities_out registry_out adapte
     set(${others_out} "${others}" PARENT_SCOPE)
 endfunction()
 
-# vgw_model_library(<name> MODEL <file>... [LINKS <target>...])
+# vgw_model_library(<name> MODEL <file>... [LINKS <target>...] [UNOPTIMISED])
 #
-# In the project's own tree: an object library of what is made of the descriptions, compiled like the rest of the project.
+# In the project's own tree: an object library of what is made of the descriptions, compiled like the rest of the project, or,
+# where little of it runs, like its tests.
 function(vgw_model_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "MODEL;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "UNOPTIMISED" "" "MODEL;LINKS")
     qor_model_sources(${name}_model MODEL ${arg_MODEL})
     add_library(${name} OBJECT ${${name}_model_VALUES} ${${name}_model_ENTITIES} ${${name}_model_REGISTRY}
                            ${${name}_model_ADAPTERS})
     add_dependencies(${name} ${name}_model)
     vgw_target_settings(${name})
+    if(arg_UNOPTIMISED)
+        vgw_test_settings(${name})
+    else()
+        vgw_reuse_headers(${name})
+    endif()
     target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
     target_link_libraries(${name} PUBLIC qor_generic qor_attrlog_family ${arg_LINKS})
 endfunction()

@@ -43,9 +43,7 @@ function(vgw_test_settings target)
     else()
         target_compile_options(${target} PRIVATE -O0)
     endif()
-    # This compiler's optimiser sees copies out of bounds inside the standard library's own strings.
-    set(blind -Wno-array-bounds -Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread)
-    target_compile_options(${target} PRIVATE "$<$<CXX_COMPILER_ID:GNU>:${blind}>")
+    vgw_blind_in_strings(${target})
 endfunction()
 
 # vgw_test_headers(<target> [OPTIMISED] [HEADERS <header>...] [LINKS <target>...])

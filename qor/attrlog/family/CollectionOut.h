@@ -35,12 +35,25 @@ auto& collectionOf(Adapter const& adapter) {
     return S::Attr::map(entityOf<S>(adapter));
 }
 
-/// onA(key).
+/// Whether a key that has changed can but be marked, whatever its value: so for a peer that does
+/// not read. Of texts and references the value decides how.
+template <class S, class Adapter>
+bool isOnlyMarked(Adapter const& adapter) {
+    auto const& out = adapter.nboAttrLogOut();
+    return S::kind == StreamKind::flagMember && !adapter.handlingScheduledFlowOut() && out &&
+           !out->hasSufficientBuffer();
+}
+
+/// onA(key). Where the value doesn't matter it isn't looked up.
 template <class S, class Adapter>
 void serializeChangedKey(Adapter& adapter, typename S::Key const& key) {
-    // The echo of a record needs no look-up, unless it is that of a child, which gets its adapter.
+    // The echo of a record, unless it is that of a child, which gets its adapter.
     if (S::kind != StreamKind::childMember && adapter.isActive()) {
         OutboundGuard const swallowed(adapter, S::id);
+        return;
+    }
+    if (isOnlyMarked<S>(adapter)) {
+        serializeMember<S>(adapter, key, nullptr);
         return;
     }
     serializeMember<S>(adapter, key, collectionOf<S>(adapter).member(key));

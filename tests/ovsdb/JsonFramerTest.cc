@@ -1,6 +1,8 @@
 #include <ovsdb/rpc/JsonFramer.h>
 #include <ovsdb/rpc/ProtocolError.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -247,8 +249,9 @@ std::string longArray(std::size_t items) {
 }
 
 TEST(JsonFramer, TwiceTheInputTakesTwiceTheTime) {
-    std::string const once = longArray(100000);
-    std::string const fourfold = longArray(400000);
+    constexpr std::size_t items = Settings::volume(100000, 40000, 20000);
+    std::string const once = longArray(items);
+    std::string const fourfold = longArray(4 * items);
     for (std::size_t const chunk : {std::size_t{64}, std::size_t{1} << 18}) {
         double shorter = 1e9;
         double longer = 1e9;

@@ -47,6 +47,9 @@ class WriteTest(serve_case.ServeCase):
 
         self.reader.await_that(lambda: listed() == sorted(lines), f"{lines} of {switch}; {listed()}")
 
+    def statistics(self):
+        return len(self.reader.ask("list", ROWS, "logicalBindingStats").split())
+
     def make_mac(self, writer, name="mine", mac=MAC, switch="red", vtep=VTEP, switch_uuid=None):
         self.assertEqual(writer.ask("newmac", "ucastMacsLocal", name, mac), "ok")
         uuid = switch_uuid or self.uuid("Logical_Switch", switch)
@@ -193,6 +196,37 @@ class WriteTest(serve_case.ServeCase):
         writer.ask("set", path, "inBytes", str(2**63))
         self.await_refused(path, "the database counts to 9223372036854775807")
         writer.await_value("9000000000", "get", path, "inBytes")
+
+    def test_statistics_that_a_writer_asks_for_come_into_being_and_go_with_their_vlan(self):
+        port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
+        writer = self.writer(port)
+        writer.ask("set", port, "vlanStat", "100", "'new'")
+        writer.ask("set", port, "vlanStat", "200", "'new'")
+        self.reader.await_that(lambda: self.statistics() == 2, "rows of statistics")
+        self.await_rows(self.reader, self.db.read())
+        stats = self.column("Physical_Port", "p1", "vlan_stats:100")
+        for client in (writer, self.reader):
+            client.await_value(f"'{stats}'", "get", port, "vlanStat", "100")
+        counters = self.writer(f"{ROWS}/logicalBindingStats/{stats}")
+        counters.ask("set", f"{ROWS}/logicalBindingStats/{stats}", "outPackets", "7")
+        self.reader.await_that(
+            lambda: self.column("Logical_Binding_Stats", stats, "packets_to_local") == "7", "the counter"
+        )
+        writer.ask("del", port, "vlanStat", "100")
+        self.reader.await_that(lambda: self.statistics() == 1, "rows of statistics")
+        self.assertNotIn(stats, self.db.vtep_ctl("list", "Logical_Binding_Stats"))
+        self.await_rows(self.reader, self.db.read())
+
+    def test_statistics_of_no_vlan_or_in_no_row_are_undone(self):
+        port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"
+        writer = self.writer(port)
+        writer.ask("set", port, "vlanStat", "5000", "'new'")
+        self.await_refused(port, "constraint violation")
+        writer.await_value("", "list", port, "vlanStat")
+        writer.ask("set", port, "vlanStat", "100", "'00000000-1111-2222-3333-444444444444'")
+        self.await_refused(port, "referential integrity violation")
+        writer.await_value("", "list", port, "vlanStat")
+        self.await_rows(self.reader, self.db.read())
 
     def test_what_the_controller_writes_is_undone(self):
         port = f"{ROWS}/physicalPort/{self.uuid('Physical_Port', 'p1')}"

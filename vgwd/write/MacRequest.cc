@@ -80,6 +80,17 @@ json updateOf(Table table, std::string const& row, json columns) {
             {"row", std::move(columns)}};
 }
 
+void insertStatistics(json const& columns, json& operations) {
+    auto const found = columns.find("vlan_stats");
+    if (found == columns.end()) return;
+    for (json const& ofVlan : (*found)[1])
+        if (json const& value = ofVlan[1]; value[0] == "named-uuid")
+            operations.push_back({{"op", "insert"},
+                                  {"table", tableName(Table::logicalBindingStats)},
+                                  {"row", json::object()},
+                                  {"uuid-name", value[1]}});
+}
+
 }  // namespace
 
 std::optional<MacContent> macContentOf(Qor::Entity const& row) {
@@ -133,7 +144,10 @@ json rowRemoval(Table table, std::string const& row) {
 }
 
 json rowUpdate(Table table, std::string const& row, json columns) {
-    return json::array({mustBeThere(table, row), updateOf(table, row, std::move(columns))});
+    json operations = json::array({mustBeThere(table, row)});
+    insertStatistics(columns, operations);
+    operations.push_back(updateOf(table, row, std::move(columns)));
+    return operations;
 }
 
 }  // namespace Vgwd

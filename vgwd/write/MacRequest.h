@@ -42,7 +42,8 @@ nlohmann::json macUpdate(Ovsdb::Table table, std::string const& uuid, MacContent
 /// Whether the transaction makes a locator. It fails where another made one of that address since.
 bool makesLocators(nlohmann::json const& operations);
 nlohmann::json rowRemoval(Ovsdb::Table table, std::string const& uuid);
-/// Columns of any row. A row that is gone meanwhile fails the transaction.
+/// Columns of any row. A row that is gone meanwhile fails the transaction. Rows of statistics that
+/// a port's column names but by a name come into being in it.
 nlohmann::json rowUpdate(Ovsdb::Table table, std::string const& uuid, nlohmann::json columns);
 
 }  // namespace Vgwd

@@ -1,5 +1,6 @@
 #include <vgwd/write/WrittenValue.h>
 
+#include <ovsdb/store/Uuid.h>
 #include <vgw/tables/LogicalBindingStats.h>
 #include <vgw/tables/PhysicalPort.h>
 #include <vgw/tables/PhysicalSwitch.h>
@@ -29,6 +30,18 @@ template <class Walk>
 json addresses(Walk walk) {
     return setOf(std::move(walk),
                  [](Kelp::IpAddr key) { return std::string(key.stringValue().view()); });
+}
+
+json statistics(Vgw::PhysicalPort const& row) {
+    json rows = json::array();
+    for (auto at = row.vlanStatIteratorConst(); at; ++at) {
+        std::string const text(at.value().view());
+        json const value = Ovsdb::Uuid::parse(text)
+                               ? json{"uuid", text}
+                               : json{"named-uuid", "vlan" + std::to_string(at.key())};
+        rows.push_back(json::array({at.key(), value}));
+    }
+    return {"map", rows};
 }
 
 WrittenValue refusal(Qor::Entity const& row, Qor::AttributeId attribute) {
@@ -64,6 +77,8 @@ WrittenValue written(Vgw::PhysicalPort const& row, Qor::AttributeId attribute) {
             return {"description", row.desc().view(), {}};
         case Vgw::PhysicalPort::FaultAttr::id:
             return {"port_fault_status", faults(row), {}};
+        case Vgw::PhysicalPort::VlanStatAttr::id:
+            return {"vlan_stats", statistics(row), {}};
         default:
             return refusal(row, attribute);
     }

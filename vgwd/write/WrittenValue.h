@@ -3,8 +3,12 @@
 
 // What may be written of which row, and how it is a column of the database. These are the columns
 // that the switch's side of a hardware VTEP fills (vtep(5)): descriptions, addresses, faults and
-// counters. What the controller's side fills (logical switches, remote addresses, bindings) is
+// statistics. What the controller's side fills (logical switches, remote addresses, bindings) is
 // read.
+//
+// A row of statistics lives as long as a port names it for a VLAN. So a port is told to keep them
+// by a text that is no row's UUID: the row comes into being in the same transaction, and its UUID
+// takes the text's place.
 
 #include <ovsdb/schema/MirroredTables.h>
 #include <qor/entity/Entity.h>

@@ -1,12 +1,13 @@
 # vgw_object_library(<name> FOLDER <dir> [SOURCES <more>...] [LINKS <target>...] [DEPENDS <target>...] [NEEDS <target>...]
-#                    [HEADERS <target>])
+#                    [HEADERS <target>] [SELDOM_RUN])
 #
 # One object library of all *.cc in <dir> (not below it), which is relative to the calling folder or to the tree's root.
 # LINKS are passed on. NEEDS are objects whose headers it doesn't include, but whose functions its tables of virtuals name.
 # Objects are passed on only by vgw_test and vgw_shared_library, which collect them.
 # HEADERS: a target of vgw_headers, for sources that read more heavy headers than the standard library's.
+# SELDOM_RUN: what a program does once, or a person asks for, is less optimised: the compiler would take longer than all runs.
 function(vgw_object_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "FOLDER;HEADERS" "SOURCES;LINKS;DEPENDS;NEEDS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "SELDOM_RUN" "FOLDER;HEADERS" "SOURCES;LINKS;DEPENDS;NEEDS")
     vgw_source_folder(folder "${arg_FOLDER}")
     file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cc")
     if(NOT sources AND NOT arg_SOURCES)
@@ -23,6 +24,9 @@ function(vgw_object_library name)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
     vgw_reuse_headers(${name} ${arg_HEADERS})
+    if(arg_SELDOM_RUN AND CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${name} PRIVATE -O1)
+    endif()
 endfunction()
 
 # vgw_headers(<target> HEADERS <header>... [LINKS <target>...])
@@ -76,9 +80,9 @@ set(VGW_COMPILED_ALONE_FILES
     tests/unit/vgw/ClearTest.cc tests/unit/vgw/CloneMacRowTest.cc tests/unit/vgw/PhysicalLocatorKeyTest.cc)
 list(TRANSFORM VGW_COMPILED_ALONE_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_COMPILED_ALONE)
 
-# Read once in a run and slow to optimise: what describes a command line.
-set(VGW_SELDOM_RUN_FILES manual/ManPage.cc vgwctl/options/Options.cc vgwd/agent/Options.cc)
-list(TRANSFORM VGW_SELDOM_RUN_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_SELDOM_RUN)
+# Run once, and very slow to optimise: what describes a command line.
+set(VGW_UNOPTIMISED_FILES manual/ManPage.cc vgwctl/options/Options.cc vgwd/agent/Options.cc)
+list(TRANSFORM VGW_UNOPTIMISED_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_UNOPTIMISED)
 
 # Warnings as errors, the include roots, threads.
 function(vgw_target_settings target)
@@ -87,7 +91,7 @@ function(vgw_target_settings target)
     endforeach()
     target_link_libraries(${target} PRIVATE "$<BUILD_INTERFACE:vgw_build_settings>" Threads::Threads)
     set_source_files_properties(
-        ${VGW_SELDOM_RUN}
+        ${VGW_UNOPTIMISED}
         TARGET_DIRECTORY ${target}
         PROPERTIES COMPILE_OPTIONS -O0 SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
     if(VGW_UNITY)

@@ -30,11 +30,16 @@ constexpr std::size_t cacheLine = 64;
 constexpr std::size_t batchBytes = 8192;  // what moves between a cache and the arena
 
 // What is asked of the system at once grows with what is held, so that a small process stays small
-// and a large one finds room for large pages.
-constexpr std::size_t leastPiece = std::size_t{1} << 20;
+// and any other gets large pages.
+constexpr std::size_t firstPiece = std::size_t{1} << 20;
 constexpr std::size_t mostPiece = std::size_t{1} << 26;
 constexpr std::size_t pieceShare = 4;  // a piece is a quarter of what is held
+constexpr std::size_t page = 4096;
 constexpr std::size_t largePage = std::size_t{1} << 21;
+// Of the first piece the system brings so many pages at a time, which costs less than to
+// fault them in one by one.
+constexpr std::size_t leastAtOnce = std::size_t{1} << 16;
+constexpr std::size_t mostAtOnce = std::size_t{1} << 18;
 
 struct Block {
     Block* next;
@@ -68,6 +73,8 @@ void* withLargePages(void* block, std::size_t size) noexcept {
     }
     return block;
 }
+
+char* pageOf(char* at) noexcept { return at - reinterpret_cast<std::uintptr_t>(at) % page; }
 
 // The arena behind all threads. It is never destroyed: blocks may come back while the process ends.
 class Arena {
@@ -126,6 +133,7 @@ class Arena {
         pass(offTheLines(size));
         Chain out;
         std::size_t const n = std::min(batchOf(cls), left_ / size);
+        bring(n * size);
         char* at = piece_;
         for (std::size_t i = 0; i < n; ++i, at += size) {
             auto* block = ::new (static_cast<void*>(at)) Block{nullptr};
@@ -147,10 +155,20 @@ class Arena {
         piece_ += bytes;
         left_ -= bytes;
     }
-    // Large pieces are whole large pages.
+    // Has the pages of the next `bytes` brought, and some more: the more, the more are in use. A
+    // refusal changes nothing: they come as they are touched.
+    void bring(std::size_t bytes) noexcept {
+        if (piece_ + bytes <= brought_) return;
+        std::size_t const ahead = std::clamp((fromSystem() - left_) / 2, leastAtOnce, mostAtOnce);
+        char* const from = pageOf(brought_);
+        brought_ = std::min(piece_ + left_, pageOf(piece_ + bytes + ahead));
+        ::madvise(from, static_cast<std::size_t>(brought_ - from), MADV_POPULATE_WRITE);
+    }
+    // All pieces but the first are whole large pages.
     std::size_t pieceSize() const noexcept {
-        std::size_t const size = std::clamp(fromSystem() / pieceShare, leastPiece, mostPiece);
-        return size < largePage ? size : size / largePage * largePage;
+        std::size_t const held = fromSystem();
+        if (held == 0) return firstPiece;
+        return std::clamp(held / pieceShare, largePage, mostPiece) / largePage * largePage;
     }
     bool refill() noexcept {
         std::size_t const size = pieceSize();
@@ -162,6 +180,7 @@ class Arena {
         fromSystem_.fetch_add(size, std::memory_order_relaxed);
         piece_ = static_cast<char*>(piece);
         left_ = size;
+        brought_ = size < largePage ? piece_ : piece_ + size;
         return true;
     }
 
@@ -169,6 +188,7 @@ class Arena {
     std::array<Chain, classes> spare_{};
     char* piece_ = nullptr;
     std::size_t left_ = 0;
+    char* brought_ = nullptr;  // up to here the piece's pages are there, or come as large ones
     std::atomic<std::size_t> fromSystem_{0};
 };
 

@@ -1,6 +1,6 @@
 // Pooled memory by size class. Small blocks come from a cache of the calling thread, the caches are
 // filled in batches from one arena that takes memory from the system in large pieces, of large
-// pages once there is much of it. A block may be given back on any thread. Pooled memory is kept
+// pages from the second one on. A block may be given back on any thread. Pooled memory is kept
 // for reuse and never returned to the system. Cost: a few loads and stores, no lock, on the way in
 // and out; a lock once a batch. Under the sanitizers every block is a plain allocation, so that
 // they see each one.

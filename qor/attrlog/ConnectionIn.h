@@ -104,6 +104,14 @@ class QOR_EXPORT In : public VFPtrInterface {
     }
     // `count` bytes as a string.
     String8 nextText(U32 count);
+    // The same where they lie, until the room is released; a null view, and nothing is read, where
+    // they don't lie in one piece.
+    std::string_view nextView(U32 count) noexcept {
+        if (static_cast<std::size_t>(pieceEnd_ - read_) < count) return {};
+        auto const* const start = reinterpret_cast<char const*>(read_);
+        read_ += count;
+        return {start, count};
+    }
 
     // Whether this is an attribute log's, NboAttrLog::In.
     bool isAttrLog() const noexcept { return isAttrLog_; }

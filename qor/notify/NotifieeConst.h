@@ -119,6 +119,11 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     void isRegisteredFlagIs(bool on) const noexcept { isRegisteredNotifiee_ = on; }
     /// Swaps the notifier, with a counted reference unless weak.
     void swapNotifier(PtrInterface const* notifier);
+    /// Its first notifier, held weakly. REQUIRES: it stands on that notifier's list
+    void weakNotifierIs(PtrInterface const& notifier) noexcept {
+        isWeakReference_ = true;
+        notifier_ = &notifier;
+    }
 
   private:
     bool onlyWatches() const noexcept;

@@ -56,6 +56,12 @@ class RootNotifiee : public Entity::NotifieeConst {
         }
     }
 
+    /// The same for good and weakly, of a notifiee that is registered and has had no notifier.
+    void attachWeaklyTo(E const& first) {
+        first.notifierList().link(*this);
+        weakNotifierIs(first);
+    }
+
   protected:
     E const* rawEntity() const noexcept { return static_cast<E const*>(qorNotifier()); }
 

@@ -24,28 +24,34 @@ Qor::Ptr<Dir::QorEntry> Dir::qorEntry(Name const& name) const {
 }
 
 void Dir::entryIs(Name const& name, Qor::Ptr<Entity> const& entity) {
-    Qor::Ptr<QorEntry> const present = qorEntry(name);
-    if (!entity) {
+    if (entity) {
+        qorEntryIs(name, qorEntry(name), entity);
+    } else {
         entryDel(name);
-        return;
     }
+}
+
+Qor::Ptr<Dir::QorEntry> Dir::qorEntryIs(Name const& name, Qor::Ptr<QorEntry> const& present,
+                                        Qor::Ptr<Entity> const& entity) {
     for (Entity const* at = this; at; at = at->qorParent()) {
         if (at == entity.ptr()) throwRangeException("a directory can't stand within itself");
     }
     if (present && present->entity_ == entity) {
-        return;
+        return present;
     }
+    Qor::Ptr<QorEntry> member = present;
     if (present) {
         present->entity_->parentIs(nullptr);
         present->entity_ = entity;
         present->state_ = EntryState::ready;
         present->placing_ = QorEntry::nextPlacing();
     } else {
-        newKeyed<EntryAttr>(*this, name, entity);
+        member = newKeyed<EntryAttr>(*this, name, entity);
     }
     entity->parentAttrIdIs(EntryAttr::id);
     entity->parentIs(Entity::Ptr(this));
     tellKeyed<EntryAttr>(*this, name);
+    return member;
 }
 
 Qor::Ptr<Entity> Dir::entryDel(Name const& name) {

@@ -56,6 +56,10 @@ class QOR_EXPORT Dir : public Entity {
     Qor::Ptr<Entity> entryDel(Name const& name);
     void entryDelAll();
     void entryNotify(Name const& name, Qor::Ptr<QorEntry> const& member);
+    /// entryIs() of an entity, by who has looked the name up: `present` is the member that holds it
+    /// now, or null. The member that holds the entity, whatever listeners have done to it.
+    Qor::Ptr<QorEntry> qorEntryIs(Name const& name, Qor::Ptr<QorEntry> const& present,
+                                  Qor::Ptr<Entity> const& entity);
     /// The member that holds the entry, or null.
     Qor::Ptr<QorEntry> qorEntry(Name const& name) const;
     /// Number of entries.

@@ -105,7 +105,8 @@ bool isSame(Entity& here, Entity& announced, Ptr<NboAttrLog::Out const> const& o
     return isOfOneClass && isBuiltAlike(here, announced);
 }
 
-void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, EntityId const& id) {
+void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Dir::QorEntry const& member,
+           Entity& entity, EntityId const& id) {
     auto const flags = AdapterState::ofChild(adapter.state());
     auto const child =
         entity.qorNboAttrLogSaIs(flags, 1, adapter.nboAttrLogOut(), adapter.msgChannel());
@@ -115,6 +116,7 @@ void enter(Adapter& adapter, NboAttrLog::Demuxer& demuxer, Entity& entity, Entit
         child->doEntityIdIs(id, Ptr<NboAttrLog::Demuxer>(&demuxer), true);
     }
     child->remounted();
+    child->placingIs(member.placing());
 }
 
 struct Announced {
@@ -124,10 +126,27 @@ struct Announced {
     Ptr<Entity> entity;  // null when its class is not known here
 };
 
+// The bytes of a text where they lie, which they do as long as its record is read; in `whole` where
+// they do not lie in one piece.
+std::string_view nextTextView(NboAttrLog::In& in, String8& whole) {
+    U64 const start = in.readPosition();
+    auto const bytes = in.nextView(in.nextU32());
+    if (bytes.data() != nullptr) return bytes;
+    in.readPositionIs(start);
+    whole = in.nextString();
+    return whole.view();
+}
+
+// A key that is the entity's name is one block with it.
+Name keyOf(std::string_view key, Ptr<Entity> const& entity) {
+    return entity && entity->name().view() == key ? entity->name() : Name(key);
+}
+
 Announced readEntry(Adapter& adapter, InboundRecord& record) {
     auto& in = record.in;
     Announced told;
-    told.key = Name(in.nextString());
+    String8 whole;
+    auto const key = nextTextView(in, whole);
     U8 const state = in.nextU8();
     if (state > static_cast<U8>(Dir::EntryState::released)) {
         throw AttrLogRecordException("an entry of an unknown state");
@@ -136,16 +155,11 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     told.id = in.nextEntityId();
     Name wanted;
     QorType* const type = nextKnownType(adapter.lastChain(), in, wanted);
-    if (type == nullptr) {
-        record.demuxer.unknownClass(wanted);
-        return told;
+    if (type != nullptr) {
+        told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
     }
-    told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
-    if (!told.entity) {
-        record.demuxer.unknownClass(wanted);
-    } else if (told.entity->name() == told.key) {
-        told.key = told.entity->name();  // both in one block
-    }
+    told.key = keyOf(key, told.entity);
+    if (!told.entity) record.demuxer.unknownClass(wanted);
     return told;
 }
 
@@ -177,8 +191,9 @@ void takeBack(Adapter& adapter, Name const& key, Entity& entity) {
 // removed may have been announced there again.
 void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
-    bool const isThere = static_cast<bool>(targetOf<EntryStream>(adapter).entry(key));
-    if (isThere || adapter.has(AdapterState::isCopy)) return forgive<EntryStream>(adapter, key);
+    bool const isSettled =
+        adapter.has(AdapterState::isCopy) || targetOf<EntryStream>(adapter).entry(key);
+    if (isSettled) return forgive<EntryStream>(adapter, key);
     if (record.hasCrossed) adapter.onEntry(key);
 }
 
@@ -199,9 +214,11 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) return adapter.onEntry(told.key);
     if (!told.entity || isOfTheGone(adapter, record.demuxer, told.id)) return;
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
-    Ptr<Entity> entity = dir.entry(told.key);
-    bool const isKnown = entity && entity->qorNboAttrLogSa(out) &&
-                         entity->qorNboAttrLogSa(out)->entityId() == told.id;
+    U32 const version = EntryStream::Attr::map(dir).version();
+    Ptr<Dir::QorEntry> present = dir.qorEntry(told.key);
+    Ptr<Entity> entity = present ? present->value() : nullptr;
+    auto const* const known = entity ? entity->qorNboAttrLogSa(out) : nullptr;
+    bool const isKnown = known && known->entityId() == told.id;
     bool const ownStays = !isKnown && !adapter.has(AdapterState::isCopy);
     if (ownStays && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) record.demuxer.needPeersId(told.id);
@@ -214,11 +231,12 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
         }
         entity = told.entity;
     }
-    dir.entryIs(told.key, entity);
+    // What ended meanwhile may have changed the directory.
+    if (EntryStream::Attr::map(dir).version() != version) present = dir.qorEntry(told.key);
+    Ptr<Dir::QorEntry> const member = dir.qorEntryIs(told.key, present, entity);
     adapter.flagIs(AdapterState::isActive, true);
-    dir.entryStateIs(told.key, told.state);
-    enter(adapter, record.demuxer, *entity, told.id);
-    entity->qorNboAttrLogSa(out)->placingIs(dir.qorEntry(told.key)->placing());
+    if (member->state() != told.state) dir.entryStateIs(told.key, told.state);
+    enter(adapter, record.demuxer, *member, *entity, told.id);
     settleEntry(adapter, record, told.key);
 }
 

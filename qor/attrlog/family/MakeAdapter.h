@@ -16,7 +16,7 @@ Ptr<Adapter> makeAdapter(AdapterState::Bits bits, Ptr<X> const& entity, U32 vers
     adapter->companionIs(std::move(companion));
     if (bits.bit(6)) adapter->isWeakReferenceIs(true);
     if (entity) {
-        hearing.attachTo(entity.ptr());
+        hearing.attachWeaklyTo(*entity);
         adapter->attachedTo(*entity);
     }
     adapter->syncModeIs(adapter->syncMode());

@@ -109,14 +109,13 @@ bool Demuxer::checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, Entity
 
 Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
     if (FlowIn* const known = flowIn(id)) return Qor::Ptr<FlowIn>(known);
-    auto fresh = make<FlowIn>(id);
-    flowsIn_.newMember(fresh, fresh->fwkHash());
+    Qor::Ptr<FlowIn> const fresh = flowsIn_.newFlow(id);
     if (auto* const here = adapter(id)) here->flagIs(AdapterState::mayHaveFlowIn, true);
     return fresh;
 }
 
 void Demuxer::flowInDel(EntityId const& id) {
-    Qor::Ptr<FlowIn> const gone = flowsIn_.memberDel(id);
+    Qor::Ptr<FlowIn> const gone = flowsIn_.flowDel(id);
     if (!gone) return;
     textDel(*gone);
     // What was held back for the sake of the text may go out now.
@@ -127,14 +126,13 @@ void Demuxer::flowInDel(EntityId const& id) {
 
 void Demuxer::flowsInDelAway() {
     Qor::Ptr<Out const> const reader(out_);
-    for (HashMap<FlowIn, EntityId>::IteratorConst at(&flowsIn_); at; ++at) {
-        EntityId const id = at.member()->fwkKey();
+    flowsIn_.forEachId([&](EntityId const& id) {
         auto* const here = adapter(id);
         Entity* top = here ? here->qorNotifierEntity() : nullptr;
         while (top && top->qorParent()) top = top->qorParent();
         auto const* const above = top ? top->qorNboAttrLogSa(reader) : nullptr;
         if (above && isAway(*above)) flowInDel(id);
-    }
+    });
 }
 
 void Demuxer::textDel(FlowIn& flowIn) {
@@ -175,7 +173,7 @@ void Demuxer::close() {
             adapter->out_ = nullptr;
         }
     }
-    flowsIn_.emptyAllBucketsG(HashMap<FlowIn, EntityId>::qorVTable());
+    flowsIn_.deleteAll();
     openText_ = 0;
 }
 

@@ -16,8 +16,8 @@
 
 #include <qor/attrlog/flow/DemuxerManager.h>
 #include <qor/attrlog/flow/EntityAdapter.h>
-#include <qor/attrlog/flow/FlowIn.h>
 #include <qor/attrlog/flow/FlowQueue.h>
+#include <qor/attrlog/flow/FlowsIn.h>
 
 #include <limits>
 
@@ -131,7 +131,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     void sendReceipt();
 
     // What is half received, by entity id.
-    FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.member(id); }
+    FlowIn* flowIn(EntityId const& id) const noexcept { return flowsIn_.flow(id); }
     FlowIn* flowIn(StreamAdapter const& adapter) const noexcept {
         bool const isEntered = adapter.hasUnifiedEntityId();
         if (isEntered && !adapter.has(AdapterState::mayHaveFlowIn)) [[likely]] {
@@ -224,7 +224,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     HashMap<StreamAdapter, EntityId> adapters_;
     // The one that was looked up last: records of an entity come in a row.
     mutable StreamAdapter* lastFound_ = nullptr;
-    HashMap<FlowIn, EntityId> flowsIn_;
+    FlowsIn flowsIn_;
     FlowQueue ready_;
     FlowQueue waiting_;  // for an id of an entity that a reference names
     U64 nextId_;

@@ -69,6 +69,9 @@ class QOR_EXPORT HashMapGeneric {
         return static_cast<U32>(U64{hash} * bucketCount >> 32);
     }
 
+    /// A member of that hash is to be looked for soon: where that begins comes meanwhile.
+    void expectHash(U32 hash) const noexcept { __builtin_prefetch(buckets() + bucketIndex(hash)); }
+
     /// With `current` and `key` null the first member. Otherwise the first member after `key` in
     /// the order, whether or not `current`, which bears that key, is still in the map. `bucket`
     /// receives its bucket, -1 at the end.

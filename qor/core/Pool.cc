@@ -262,8 +262,10 @@ __attribute__((noinline)) void spill(std::size_t cls) noexcept {
 
 }  // namespace
 
-void* memNewOrNull(std::size_t size) noexcept {
-    if (size > largest) {
+namespace {
+
+inline void* blockOrNull(std::size_t size) noexcept {
+    if (size > largest) [[unlikely]] {
         return withLargePages(::operator new(size, std::nothrow), size);
     }
     std::size_t const cls = classOf(size);
@@ -276,8 +278,12 @@ void* memNewOrNull(std::size_t size) noexcept {
     return fill(cls);
 }
 
+}  // namespace
+
+void* memNewOrNull(std::size_t size) noexcept { return blockOrNull(size); }
+
 void* memNew(std::size_t size) {
-    void* block = memNewOrNull(size);
+    void* block = blockOrNull(size);
     if (!block) [[unlikely]] {
         throw std::bad_alloc();
     }

@@ -36,6 +36,14 @@ void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, NotifieeKind cons
     notifiee.qorDeleteRef();
 }
 
+[[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, NotifieeKind const* kind,
+                               Tell tell, void const* key) {
+    SnapshotIterator<ListRawGeneric> snapshot(list);
+    for (Entity::NotifieeConst** at = snapshot.begin(); at; at = snapshot.pass(at)) {
+        tellOne(**at, id, kind, tell, key);
+    }
+}
+
 }  // namespace
 
 void dispatch(ListRawGeneric const& list, AttributeId id, NotifieeKind const* kind, Tell tell,
@@ -44,11 +52,8 @@ void dispatch(ListRawGeneric const& list, AttributeId id, NotifieeKind const* ki
     auto* const first = list.head();
     if (first && !ListRawGeneric::next(*first)) {
         tellOnly(*first, id, kind, tell, key);
-        return;
-    }
-    SnapshotIterator<ListRawGeneric> snapshot(list);
-    for (Entity::NotifieeConst** at = snapshot.begin(); at; at = snapshot.pass(at)) {
-        tellOne(**at, id, kind, tell, key);
+    } else {
+        tellAll(list, id, kind, tell, key);
     }
 }
 

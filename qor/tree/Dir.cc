@@ -10,7 +10,12 @@ constinit NotifieeKind const Dir::NotifieeConst::qorKind{NotifieeKind::Below{},
 // Directories of all threads draw from one.
 U64 Dir::QorEntry::nextPlacing() noexcept {
     static std::atomic<U64> last = 0;
-    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+    if (!isSingleThreaded()) [[unlikely]] {
+        return last.fetch_add(1, std::memory_order_relaxed) + 1;
+    }
+    U64 const next = last.load(std::memory_order_relaxed) + 1;
+    last.store(next, std::memory_order_relaxed);
+    return next;
 }
 
 Dir::Dir(Name name) : Entity(std::move(name)) {}

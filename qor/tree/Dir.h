@@ -101,7 +101,10 @@ class QOR_EXPORT Dir : public Entity {
 class QOR_EXPORT Dir::QorEntry : public VFPtrInterface {
   public:
     QorEntry(Name name, Qor::Ptr<Entity> entity)
-        : placing_(nextPlacing()), name_(std::move(name)), entity_(std::move(entity)) {}
+        : placing_(nextPlacing()),
+          hash_(rhash(name)),
+          name_(std::move(name)),
+          entity_(std::move(entity)) {}
 
     Name const& key() const noexcept { return name_; }
     Qor::Ptr<Entity> const& value() const noexcept { return entity_; }
@@ -110,7 +113,7 @@ class QOR_EXPORT Dir::QorEntry : public VFPtrInterface {
     U64 placing() const noexcept { return placing_; }
 
     Name const& fwkKey() const noexcept { return name_; }
-    U32 fwkHash() const noexcept { return rhash(name_); }
+    U32 fwkHash() const noexcept { return hash_; }
     QorEntry* fwkHmNext() const noexcept { return fwkHmNext_; }
     void fwkHmNextIs(QorEntry* next) noexcept { fwkHmNext_ = next; }
 
@@ -119,6 +122,7 @@ class QOR_EXPORT Dir::QorEntry : public VFPtrInterface {
     static U64 nextPlacing() noexcept;
 
     U64 placing_;
+    U32 const hash_;  // kept here, as walks and growth ask for it and not for the name
     EntryState state_ = EntryState::ready;
     Name name_;
     Qor::Ptr<Entity> entity_;

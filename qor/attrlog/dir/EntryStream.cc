@@ -153,6 +153,7 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     }
     told.state = static_cast<Dir::EntryState>(state);
     told.id = in.nextEntityId();
+    record.demuxer.expectAdapter(told.id);
     Name wanted;
     QorType* const type = nextKnownType(adapter.lastChain(), in, wanted);
     if (type != nullptr) {

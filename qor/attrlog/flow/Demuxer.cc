@@ -44,7 +44,11 @@ EntityId Demuxer::newEntityId() noexcept {
 
 void Demuxer::adapterIs(StreamAdapter& adapter) {
     ++announced_;
-    if (!adapter.hasUnifiedEntityId() || adapters_.contains(adapter)) return;
+    if (!adapter.hasUnifiedEntityId()) return;
+    U64& newest = newestEntered(adapter.entityId());
+    bool const isFresh = adapter.entityId().value() > newest;
+    if (isFresh) newest = adapter.entityId().value();
+    if (!isFresh && adapters_.contains(adapter)) return;
     adapters_.newMember(Qor::Ptr<StreamAdapter>(&adapter), adapter.fwkHash());
     lastFound_ = &adapter;
 }
@@ -69,7 +73,7 @@ void Demuxer::needPeersId(EntityId const& id) {
         throw AttrLogRecordException(format("the id %llx is not the peer's to give",
                                             static_cast<unsigned long long>(id.value())));
     }
-    auto* const known = adapter(id);
+    auto* const known = id.value() > newestEntered(id) ? nullptr : adapter(id);
     bool const makesRoom = known && isAway(*known);
     if (makesRoom) reactorDel(id);
     if (known && !makesRoom) {

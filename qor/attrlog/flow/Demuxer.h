@@ -19,6 +19,7 @@
 #include <qor/attrlog/flow/FlowQueue.h>
 #include <qor/attrlog/flow/FlowsIn.h>
 
+#include <array>
 #include <limits>
 
 namespace Qor {
@@ -112,6 +113,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Whether an id was drawn here for what has gone since: the peer is to hear of that, and what
     // it says of the entity meanwhile is skipped.
     bool hasGoneHere(EntityId const& id) const;
+    // An adapter is to be entered under that id soon: its place in the table comes meanwhile.
+    void expectAdapter(EntityId const& id) const noexcept {
+        adapters_.expectHash(HashMapKey<EntityId>::hash(id));
+    }
     // Notes that the peer announces that id, of a tree of which this end holds the copy or not.
     // Ids are announced in rising order for the first time: whether it is announced once more,
     // for what has gone here since.
@@ -139,7 +144,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         }
         return flowIn(adapter.entityId());
     }
-    bool hasFlowsIn() const noexcept { return flowsIn_.size() != 0; }
+    bool hasFlowsIn() const noexcept { return !flowsIn_.isEmpty(); }
     Qor::Ptr<FlowIn> flowInIs(EntityId const& id);
     Qor::Ptr<FlowIn> flowInIs(StreamAdapter& adapter) {
         adapter.flagIs(AdapterState::mayHaveFlowIn, true);
@@ -202,6 +207,9 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     static constexpr U64 noEnd = std::numeric_limits<U64>::max();
 
     StreamAdapter* find(EntityId const& id) const noexcept;
+    U64& newestEntered(EntityId const& id) noexcept {
+        return newestEntered_[(id.value() & peersHalf) != 0 ? 1 : 0];
+    }
     bool mayRetry() const noexcept { return !waiting_.isEmpty() && announced_ != waitingSince_; }
     void retryWaiting();
     void run(FlowOut& flow);
@@ -222,6 +230,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     Qor::Ptr<Out> out_;
     LinkHandler* link_ = nullptr;
     HashMap<StreamAdapter, EntityId> adapters_;
+    // The greatest ids that were entered, of each half: a greater one is nobody's.
+    std::array<U64, 2> newestEntered_{};
     // The one that was looked up last: records of an entity come in a row.
     mutable StreamAdapter* lastFound_ = nullptr;
     FlowsIn flowsIn_;

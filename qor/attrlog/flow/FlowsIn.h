@@ -11,7 +11,7 @@ namespace NboAttrLog {
 
 class FlowsIn {
   public:
-    U32 size() const noexcept { return others_.size() + (newest_ ? 1 : 0); }
+    bool isEmpty() const noexcept { return !newest_ && others_.size() == 0; }
     // Borrowed, or null.
     FlowIn* flow(EntityId const& id) const noexcept {
         if (isNewest(id)) return newest_.ptr();

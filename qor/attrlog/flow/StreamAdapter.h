@@ -158,13 +158,14 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
   private:
     friend class NboAttrLog::Demuxer;
 
-    EntityId entityId_;
     Qor::Ptr<NboAttrLog::Out> out_;
+    // Of the demuxer's table: its chains lead through these two, which lie in one line of memory.
+    EntityId entityId_;
+    StreamAdapter* fwkHmNext_ = nullptr;
     NboAttrLog::Demuxer* demuxer_ = nullptr;
     Entity const* entity_ = nullptr;
     Qor::Ptr<NboAttrLog::FlowOut> flowOut_;
     MsgChannel::Constrainer::QorEntry* msgChannel_ = nullptr;
-    StreamAdapter* fwkHmNext_ = nullptr;
     SyncMode syncMode_ = live;
     U32 version_;
     bool holdsEntity_ = true;

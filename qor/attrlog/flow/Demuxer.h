@@ -202,6 +202,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
 
   private:
     static constexpr U64 sliceBytes = 65536;
+    static constexpr U64 firstSliceBytes = 16384;
     static constexpr U64 peersHalf = U64{1} << 63;
     static constexpr U32 greatestDepth = 64;
     static constexpr U64 noEnd = std::numeric_limits<U64>::max();

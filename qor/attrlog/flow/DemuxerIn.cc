@@ -50,6 +50,8 @@ Ptr<Entity> In::nextEntity() {
 std::size_t Demuxer::serveFrames(std::size_t budget) {
     Ptr const held(this);
     std::size_t served = 0;
+    // What frames lead to goes out in turns as well: the peer is to get the first of it soon.
+    sliceEnd_ = out_->written() + firstSliceBytes;
     try {
         Frame frame;
         while (!hasFailed_ && served < budget && in_->nextFrame(frame)) {
@@ -63,6 +65,7 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     } catch (std::exception const& failure) {
         fail(failure.what());
     }
+    sliceEnd_ = noEnd;
     counters_.framesIn += served;
     return served;
 }

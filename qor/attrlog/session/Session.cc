@@ -25,6 +25,12 @@ void SessionListener::onTakenBack(MountId) {}
 void SessionListener::onWritten(Entity&, AttributeId) {}
 void SessionListener::onWantsWrite() {}
 
+namespace {
+
+constexpr U64 passBytes = U64{1} << 15;
+
+}  // namespace
+
 Session::Session(Config config, Transport& transport, Ptr<Entity> root)
     : config_(std::move(config)),
       transport_(transport),
@@ -135,6 +141,7 @@ Session::Counters Session::counters() const {
     return result;
 }
 
+// What flows bring goes out in pieces, so that the peer has something to do while more is written.
 void Session::service(U64 budget) {
     U64 const end = demuxer_->out()->sent() + budget;
     U64 const readEnd = demuxer_->in()->received() + budget;
@@ -142,7 +149,7 @@ void Session::service(U64 budget) {
     for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end && !wantsRead_;) {
         bool const hasRead = readAll(readEnd);
         describeTypes();
-        demuxer_->serveFlows(budget);
+        demuxer_->serveFlows(std::min(budget, passBytes));
         tellSynced();
         tellDigests();
         goesOn = writeAll() || hasRead;

@@ -42,7 +42,7 @@ class QOR_EXPORT AdapterLevel : public Base {
     using Base::Base;
 
     /// Takes the record if its attribute is this level's.
-    bool readOwn(InboundRecord& record);
+    [[gnu::always_inline]] bool readOwn(InboundRecord& record);
     /// Of this level and those below it; used by the levels above.
     bool readAny(InboundRecord& record);
     /// Local snapshots for a peer that sends no markers.
@@ -60,7 +60,8 @@ class QOR_EXPORT AdapterLevel : public Base {
     template <class S>
     void read(InboundRecord& record);
     void readAlias(InboundRecord& record);
-    void take(InboundRecord& record, StreamAdapter::DeserializationOptions options);
+    [[gnu::always_inline]] void take(InboundRecord& record,
+                                     StreamAdapter::DeserializationOptions options);
     static constexpr bool isFirstLevel = std::is_same_v<Base, Entity::QorNboAttrLogSa>;
 };
 

@@ -42,8 +42,8 @@ void AdapterLevel<X, Base>::handleAttrDeserialization(AttributeId id,
 }
 
 template <class X, class Base>
-void AdapterLevel<X, Base>::take(InboundRecord& record,
-                                 StreamAdapter::DeserializationOptions options) {
+inline void AdapterLevel<X, Base>::take(InboundRecord& record,
+                                        StreamAdapter::DeserializationOptions options) {
     readAlias(record);
     if (record.id == NboAttrLog::syncModeAttributeId) return readSyncMode(*this, record.in);
     if (!readAny(record)) {
@@ -79,7 +79,7 @@ bool AdapterLevel<X, Base>::readAny(InboundRecord& record) {
 }
 
 template <class X, class Base>
-bool AdapterLevel<X, Base>::readOwn(InboundRecord& record) {
+inline bool AdapterLevel<X, Base>::readOwn(InboundRecord& record) {
     AttributeId const wanted = withoutSign(record.id);
     return !Adapter::QorStreamed::whileTrue([&]<class S>() {
         constexpr bool canBeRemoved = S::isKeyed || S::kind == StreamKind::child;

@@ -10,7 +10,8 @@ namespace Qor {
 
 class OutboundGuard {
   public:
-    explicit OutboundGuard(Entity::QorNboAttrLogSa& adapter, AttributeId id, bool isChild = false)
+    [[gnu::always_inline]] explicit OutboundGuard(Entity::QorNboAttrLogSa& adapter, AttributeId id,
+                                                  bool isChild = false)
         : adapter_(adapter) {
         U32 const word = adapter.state().word();
         wasActive_ = (word & AdapterState::isActive) != 0;

@@ -119,9 +119,10 @@ Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
 }
 
 void Demuxer::flowInDel(EntityId const& id) {
-    Qor::Ptr<FlowIn> const gone = flowsIn_.flowDel(id);
+    Qor::Ptr<FlowIn> gone = flowsIn_.flowDel(id);
     if (!gone) return;
     textDel(*gone);
+    flowsIn_.giveBack(std::move(gone));
     // What was held back for the sake of the text may go out now.
     auto* const here = adapter(id);
     if (here) here->flagIs(AdapterState::mayHaveFlowIn, false);

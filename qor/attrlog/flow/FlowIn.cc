@@ -14,6 +14,16 @@ void FlowIn::idxDel() {
     if (idx_ != nullptr) idxFree_(std::exchange(idx_, nullptr));
 }
 
+void FlowIn::restart(EntityId const& id) noexcept {
+    idxDel();
+    textDel();
+    id_ = id;
+    heardAtBegin_ = 0;
+    aid_ = 0;
+    handlingTransaction_ = false;
+    heldBack_ = false;
+}
+
 String8::Iterator* qorFlowInIterator(FlowIn& rrc, AttributeId aid, bool peek) {
     if (rrc.iter() == nullptr && !peek) qorFlowInIteratorIs(rrc, aid, String8::Iterator());
     if (rrc.iter() != nullptr && (rrc.aid() != aid || rrc.idx() != nullptr)) {

@@ -44,6 +44,9 @@ class QOR_EXPORT FlowIn : public VFPtrInterface {
     U64 heardAtBegin() const noexcept { return heardAtBegin_; }
     void heardAtBeginIs(U64 frames) noexcept { heardAtBegin_ = frames; }
 
+    // As it was made, but for another entity.
+    void restart(EntityId const& id) noexcept;
+
     // Frees a text that was half received.
     void textDel() {
         if (!iter_) return;
@@ -58,7 +61,7 @@ class QOR_EXPORT FlowIn : public VFPtrInterface {
     void fwkHmNextIs(FlowIn* next) noexcept { fwkHmNext_ = next; }
 
   private:
-    EntityId const id_;
+    EntityId id_;
     U64 heardAtBegin_ = 0;
     AttributeId aid_ = 0;
     bool handlingTransaction_ = false;

@@ -1,5 +1,6 @@
 // What is half received on one connection, by entity id. The newest stands beside the table: nearly
-// all are snapshots that end before another begins, and need not be entered.
+// all are snapshots that end before another begins, and need not be entered. One that has ended is
+// kept for the next.
 #ifndef QOR_ATTRLOG_FLOW_FLOWSIN_H
 #define QOR_ATTRLOG_FLOW_FLOWSIN_H
 
@@ -20,8 +21,15 @@ class FlowsIn {
     // REQUIRES: there is none of that id
     FlowIn::Ptr const& newFlow(EntityId const& id) {
         if (newest_) others_.newMember(newest_, newest_->fwkHash());
-        newest_ = make<FlowIn>(id);
+        newest_ = spare_ ? std::move(spare_) : make<FlowIn>(id);
+        newest_->restart(id);
         return newest_;
+    }
+    // Done with what flowDel() handed over.
+    void giveBack(FlowIn::Ptr&& gone) noexcept {
+        if (gone->qorRefs() != 1) return;
+        gone->restart({});
+        spare_ = std::move(gone);
     }
     // Hands it over; null if there is none.
     FlowIn::Ptr flowDel(EntityId const& id) {
@@ -38,6 +46,7 @@ class FlowsIn {
     }
     void deleteAll() {
         newest_ = nullptr;
+        spare_ = nullptr;
         others_.emptyAllBucketsG(HashMap<FlowIn, EntityId>::qorVTable());
     }
 
@@ -45,6 +54,7 @@ class FlowsIn {
     bool isNewest(EntityId const& id) const noexcept { return newest_ && newest_->fwkKey() == id; }
 
     FlowIn::Ptr newest_;
+    FlowIn::Ptr spare_;
     HashMap<FlowIn, EntityId> others_;
 };
 

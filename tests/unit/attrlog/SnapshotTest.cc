@@ -52,6 +52,29 @@ TEST_F(Snapshot, RemovesWhatItDoesNotHoldAtItsEndOnly) {
     EXPECT_FALSE(peer.demuxer->hasFlowsIn());
 }
 
+TEST_F(Snapshot, ThoseOfSeveralEntitiesThatAreOpenAtOnceEndEachForItself) {
+    auto const one = make<Vgw::PhysicalSwitch>(Name("one"));
+    auto const other = make<Vgw::PhysicalSwitch>(Name("other"));
+    for (auto const& sw : {one, other}) {
+        sw->portIs("a", true);
+        sw->portIs("b", true);
+    }
+    auto const a = enter(one);
+    auto const b = enter(other, first + 2);
+    for (int round = 0; round < 2; ++round) {
+        feed(marker(first, 388, "00") + marker(first + 2, 388, "00"));
+        feed(record(first, 388, "000000016101") + record(first + 2, 388, "000000016201"));
+        feed(marker(first, 388, "02"));
+        EXPECT_EQ(one->ports(), 1U);
+        EXPECT_TRUE(peer.demuxer->hasFlowsIn());
+        feed(marker(first + 2, 388, "02"));
+        EXPECT_FALSE(peer.demuxer->hasFlowsIn());
+        EXPECT_TRUE(one->port("a"));
+        EXPECT_EQ(other->ports(), 1U);
+        EXPECT_TRUE(other->port("b"));
+    }
+}
+
 TEST_F(Snapshot, EmptyOneEmptiesTheCollection) {
     auto const port = make<Vgw::PhysicalPort>(Name("p"));
     port->vlanBindingIs(1, "x");

@@ -127,7 +127,6 @@ void StreamAdapter::notificationDisabledDueToMsgChannelIs(bool disabled) {
 }
 
 void StreamAdapter::remounted() {
-    flagIs(AdapterState::remountPending, false);
     if (flowOut_) flowOut_->owes();
 }
 

@@ -64,7 +64,8 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     bool isHeldUp() const noexcept {
         return has(AdapterState::remountPending | AdapterState::flowOutSuspended);
     }
-    // The peer has announced the entity again.
+    // The peer has announced the entity again, with which its flags were replaced: a flow that was
+    // held up goes on.
     void remounted();
     bool steadyState() const noexcept { return has(AdapterState::steadyState); }
     bool handlingScheduledFlowOut() const noexcept {

@@ -58,6 +58,25 @@ TEST(ConnectionIn, ManyLapsKeepCount) {
     EXPECT_EQ(in.readPosition(), 40000U);
 }
 
+TEST(ConnectionIn, GrownRingGoesOnAtItsPlaceInAnyLap) {
+    for (Qor::U32 before = 0; before <= 70; ++before) {
+        In in(16);
+        for (Qor::U32 passed = 0; passed < before; ++passed) {
+            in.receive("x");
+            in.nextU8();
+            in.releaseRead();
+        }
+        ASSERT_EQ(in.receive("0123456789abcdef"), 16U);
+        EXPECT_EQ(in.nextText(3), "012");
+        in.grow();
+        EXPECT_EQ(in.readPosition(), before + 3U);
+        ASSERT_EQ(in.receive("ghijklmnopqrstuv"), 16U);
+        EXPECT_EQ(in.nextText(29), "3456789abcdefghijklmnopqrstuv") << before;
+        in.readPositionIs(before);
+        EXPECT_EQ(in.nextText(4), "0123");
+    }
+}
+
 TEST(ConnectionIn, PositionCanBeNotedAndPutBack) {
     In in(16);
     in.receive("xxxxxxxxxxxx");

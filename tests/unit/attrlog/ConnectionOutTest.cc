@@ -83,6 +83,19 @@ TEST(ConnectionOut, SendingMakesRoom) {
     EXPECT_EQ(out.freeBytes(), 2 * blockSize);
 }
 
+TEST(ConnectionOut, SeveralBlocksSentAtOnceLeaveTheRestWhole) {
+    std::string bytes;
+    for (std::size_t i = 0; bytes.size() < 4 * blockSize; ++i) bytes += std::to_string(i) + ' ';
+    for (std::size_t const count : {blockSize * 2, blockSize * 2 + 7, blockSize * 3 - 1}) {
+        Out out(8);
+        out.putBytes(bytes);
+        out.sentInc(count);
+        EXPECT_EQ(out.written(), bytes.size());
+        EXPECT_EQ(out.freeBytes(), 8 * blockSize - bytes.size() + count / blockSize * blockSize);
+        EXPECT_EQ(takeAll(out), bytes.substr(count));
+    }
+}
+
 TEST(ConnectionOut, TakingBackAcrossBlocksLeavesWhatWasBefore) {
     for (std::size_t const kept :
          {std::size_t{0}, std::size_t{1}, blockSize - 1, blockSize, blockSize + 1, 2 * blockSize}) {

@@ -44,6 +44,12 @@ TEST(Simulation, NoFlowStaysOwedForATargetThatTheSourceTookAway) {
     EXPECT_EQ(runScript(Request{1887, 0, true}).violation, "");
 }
 
+// A copy removed a child, made another of its name and removed that as well; the source's word that
+// the first has gone settled what the copy owed, and the second stayed at the source.
+TEST(Simulation, NoChildStaysAtTheSourceThatItsCopyLetGo) {
+    EXPECT_EQ(runScript(Request{5011256, 0, true}).violation, "");
+}
+
 TEST(Simulation, OneSeedIsOneRun) {
     for (std::uint64_t seed = 7000; seed < 7010; ++seed) {
         auto const once = runScript(Request{seed, 150});

@@ -264,6 +264,9 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     if (record.id > 0) return takeEntry(adapter, record);
     Name const key(record.in.nextString());
     if (record.echoOnly) return adapter.onEntry(key);
+    // What a copy has let go since it announced it may be on its way: its own removal still goes.
+    bool const isGone = !targetOf<EntryStream>(adapter).entry(key);
+    if (isGone && adapter.has(AdapterState::isCopy)) return;
     if (isNewsToPeer(adapter, key)) return;
     takeDownEntry(adapter, key);
     settleEntry(adapter, record, key);

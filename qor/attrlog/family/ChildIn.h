@@ -174,6 +174,8 @@ void readChildRemoval(Adapter& adapter, InboundRecord& record) {
     Name key;
     if constexpr (S::isKeyed) key = Name(record.in.nextString());
     if (record.echoOnly) return childChanged<S>(adapter, key);
+    // What a copy has let go since it announced it may be on its way: its own removal still goes.
+    if (!childOf<S>(adapter, key) && adapter.has(AdapterState::isCopy)) return;
     if (isNewsToPeer<S>(adapter, key)) return;
     takeDownChild<S>(adapter, key);
     settleChild<S>(adapter, record, key);

@@ -137,14 +137,14 @@ std::string Link::audit() const {
 Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
     : settings_(settings), isHollow_(topology.processes) {
     for (unsigned i = 0; i < topology.processes; ++i) {
-        roots_.push_back(make<Qor::Dir>(Qor::Name("root")));
+        roots_.push_back(make<Qor::Dir>(Qor::Name("tree")));
     }
     trees_.reserve(topology.trees.size());
     for (Route const& route : topology.trees) {
         Tree& tree = trees_.emplace_back();
         tree.route = route;
         std::string const name = "t" + std::to_string(trees_.size() - 1);
-        tree.path = "/root/" + name;
+        tree.path = "/tree/" + name;
         tree.plan.isTraced = settings.isTraced;
         for (unsigned i = 0; i < topology.processes; ++i) {
             tree.tops.push_back(make<Qor::Dir>(Qor::Name(std::string_view(name))));

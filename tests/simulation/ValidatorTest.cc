@@ -189,7 +189,7 @@ TEST_F(PlanTest, RowThatMayBeLostTakesWhatIsBelowWithIt) {
 
 TEST(Owner, IsTheFirstNameThatDoesNotStay) {
     EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/s0"), Sim::shared);
-    EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/b1/root/s0"), 1U);
+    EXPECT_EQ(Sim::ownerOf("/entry/s0/ovsdb/b1/manager/s0"), 1U);
     EXPECT_EQ(Sim::ownerOf("/entry/a0"), 0U);
 }
 

@@ -177,13 +177,18 @@ void putRemoval(Adapter& adapter, Name const& key) {
     adapter.nboAttrLogOut() << Token::begin << String8(key) << Token::end;
 }
 
-// Of a copy: what it announced has to make room for the original's, which has not heard of it yet.
-// It may take it all the same, if its own has gone by then, and so hears that it went. What was
-// taken meanwhile is not told: this removal takes nothing else.
-void takeBack(Adapter& adapter, Name const& key, Entity& entity) {
+// Of a copy: what it announced has to make room for the original's, which has not heard of it yet,
+// or has gone here, which is still owed. The original may take it all the same, if its own has gone
+// by then, and so hears that it went. What was taken meanwhile is not told: this removal takes
+// nothing else.
+void takeBack(Adapter& adapter, Name const& key, Entity* entity) {
+    if (!adapter.has(AdapterState::isCopy)) return;
     auto const& out = adapter.nboAttrLogOut();
-    auto const* const known = entity.qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
-    if (!known || !known->isUnheardOf() || !adapter.has(AdapterState::isCopy)) return;
+    auto const* const known =
+        entity ? entity->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out)) : nullptr;
+    bool const mayBeOnItsWay =
+        (known && known->isUnheardOf()) || isMarked<EntryStream>(adapter, key);
+    if (!mayBeOnItsWay) return;
     out->nextHeaderIs({adapter.entityId(), -EntryStream::id});
     putRemoval(adapter, key);
 }
@@ -222,11 +227,13 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     bool const isKnown = known && known->entityId() == told.id;
     bool const ownStays = !isKnown && !adapter.has(AdapterState::isCopy);
     if (ownStays && isNewsToPeer(adapter, told.key)) return;
-    if (!isKnown) record.demuxer.needPeersId(told.id);
+    if (!isKnown) {
+        record.demuxer.needPeersId(told.id);
+        takeBack(adapter, told.key, entity.ptr());
+    }
     bool const replaces = entity && !isSame(*entity, *told.entity, out, told.id);
     if (!entity || replaces) {
         if (entity) {
-            takeBack(adapter, told.key, *entity);
             NboAttrLog::deleteAdapter(*entity, out);
             tellTargetGone(adapter);
         }

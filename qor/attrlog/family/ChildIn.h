@@ -83,17 +83,21 @@ bool isNewsToPeer(Adapter& adapter, Name const& key) {
     return known ? known->isUnheardOf() : isOwed<S>(adapter, key);
 }
 
-/// Of a copy: its own child has to make room for the original's, which has not heard of it yet. It
-/// may take it all the same, if its own has gone by then, and so hears that it went. What was taken
-/// meanwhile is not told: this removal takes nothing but that child.
+/// Of a copy: its own child has to make room for the original's, which has not heard of it yet, or
+/// has gone here, which is still owed. The original may take it all the same, if its own has gone
+/// by then, and so hears that it went. What was taken meanwhile is not told: this removal takes
+/// nothing but that child.
 template <class S, class Adapter>
 void takeBack(Adapter& adapter, Name const& key, EntityId const& id) {
     using Token = NboAttrLog::Out::TransactToken;
-    auto const child = childOf<S>(adapter, key);
-    if (!child || !adapter.has(AdapterState::isCopy)) return;
+    if (!adapter.has(AdapterState::isCopy)) return;
     auto const& out = adapter.nboAttrLogOut();
-    auto const* const known = child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out));
-    if (!known || known->entityId() == id || !known->isUnheardOf()) return;
+    auto const child = childOf<S>(adapter, key);
+    auto const* const known =
+        child ? child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(out)) : nullptr;
+    if (known && known->entityId() == id) return;
+    bool const mayBeOnItsWay = (known && known->isUnheardOf()) || isMarked<S>(adapter, key);
+    if (!mayBeOnItsWay) return;
     out->nextHeaderIs({adapter.entityId(), -S::id, S::isKeyed ? U8{1} : U8{0}});
     out << Token::begin;
     if constexpr (S::isKeyed) out << String8(key);
@@ -107,11 +111,7 @@ bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, Ent
     if (record.demuxer.checkEphemeralEntityDeletion(child, id, S::isKeyed)) return true;
     bool const isOwn = child && adapter.has(AdapterState::isCopy) &&
                        !child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    if constexpr (S::isKeyed) {
-        return isOwn && flowOf(adapter) && flowOf(adapter)->template dirtyKeys<S>().member(key);
-    } else {
-        return isOwn && isOwed<S>(adapter, key);
-    }
+    return isOwn && isMarked<S>(adapter, key);
 }
 
 /// Takes the child away, and what stands for it on this connection.

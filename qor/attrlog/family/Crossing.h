@@ -38,6 +38,17 @@ bool isOwed(Adapter& adapter, Key const& key) {
     }
 }
 
+/// Whether a change of the name waits to be sent, and not only as part of its collection.
+template <class S, class Adapter, class Key>
+bool isMarked(Adapter& adapter, Key const& key) {
+    if constexpr (S::isKeyed) {
+        auto* const flow = flowOf(adapter);
+        return flow && flow->template dirtyKeys<S>().member(key);
+    } else {
+        return isOwed<S>(adapter, key);
+    }
+}
+
 /// Whether what the peer announces has stood here and gone, which the peer is to hear of. What is
 /// only read may be announced again.
 template <class Adapter>

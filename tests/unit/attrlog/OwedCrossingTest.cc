@@ -1,0 +1,107 @@
+// What an end still owes, or has sent in part, when the other's word comes.
+#include "Peers.h"
+
+#include <qor/attrlog/dir/DirAdapter.h>
+#include <vgw/attrlog/HwVtepOvsdb.h>
+#include <vgw/attrlog/LogicalSwitch.h>
+#include <vgw/attrlog/Status.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Qor::Dir;
+using Qor::make;
+using Qor::Name;
+using Qor::String8;
+using Vgw::LogicalSwitch;
+
+// Two ends of which one is out of room when it is told so.
+template <class Top>
+class OwedCrossing : public testing::Test {
+  protected:
+    OwedCrossing() { peers.mount(original, copy); }
+
+    void copyHasRoomIs(bool has) { peers.reader.out().hasLiveBufferIs(has); }
+    // Nothing goes the other way meanwhile.
+    void copyHearsOfTheOriginals() { carry(peers.source, peers.reader); }
+    void settle() {
+        copyHasRoomIs(true);
+        peers.settle();
+        EXPECT_EQ(peers.source.failure + peers.reader.failure, String8());
+        EXPECT_EQ(peers.source.demuxer->adapters(), peers.reader.demuxer->adapters());
+        EXPECT_EQ(peers.source.demuxer->flows() + peers.reader.demuxer->flows(), 0U);
+    }
+
+    Peers peers;
+    Qor::Ptr<Top> original = make<Top>(Name("top"));
+    Qor::Ptr<Top> copy = make<Top>(Name("top"));
+};
+
+using OwedRow = OwedCrossing<Vgw::HwVtepOvsdb>;
+using OwedSingleChild = OwedCrossing<Vgw::Status>;
+using OwedEntry = OwedCrossing<Dir>;
+
+TEST_F(OwedRow, CopysRowDoesNotStayAtTheOriginalWhereAnotherOfItsNameHidItsRemoval) {
+    original->logicalSwitchIs(Name("a"));
+    original->logicalSwitchDel(Name("a"));
+    copy->logicalSwitchIs(Name("a"));
+    copyHasRoomIs(false);
+    copy->logicalSwitchDel(Name("a"));
+    copyHearsOfTheOriginals();
+    settle();
+    EXPECT_FALSE(original->logicalSwitch(Name("a")));
+    EXPECT_FALSE(copy->logicalSwitch(Name("a")));
+}
+
+// The same, with a row in its place that the copy never announced.
+TEST_F(OwedRow, RowThatWasReplacedBeforeItWasHeardOfDoesNotStayAtTheOriginal) {
+    original->logicalSwitchIs(Name("a"));
+    original->logicalSwitchDel(Name("a"));
+    copy->logicalSwitchIs(Name("a"));
+    copyHasRoomIs(false);
+    copy->logicalSwitchDel(Name("a"));
+    copy->logicalSwitchIs(Name("a"));
+    copyHearsOfTheOriginals();
+    settle();
+    EXPECT_FALSE(original->logicalSwitch(Name("a")));
+    EXPECT_FALSE(copy->logicalSwitch(Name("a")));
+}
+
+TEST_F(OwedRow, RemovalThatACopyOwesDoesNotTakeTheOriginalsRowOfThatName) {
+    original->logicalSwitchIs(Name("a"))->tunnelKeyIs(7);
+    copy->logicalSwitchIs(Name("a"));
+    copyHasRoomIs(false);
+    copy->logicalSwitchDel(Name("a"));
+    copyHearsOfTheOriginals();
+    settle();
+    ASSERT_TRUE(original->logicalSwitch(Name("a")));
+    ASSERT_TRUE(copy->logicalSwitch(Name("a")));
+    EXPECT_EQ(copy->logicalSwitch(Name("a"))->tunnelKey(), 7U);
+}
+
+TEST_F(OwedSingleChild, CopysChildDoesNotStayAtTheOriginalWhereAnotherHidItsRemoval) {
+    original->ovsdbIs(Name("db"));
+    original->ovsdbDel();
+    copy->ovsdbIs(Name("db"));
+    copyHasRoomIs(false);
+    copy->ovsdbDel();
+    copyHearsOfTheOriginals();
+    settle();
+    EXPECT_FALSE(original->ovsdb());
+    EXPECT_FALSE(copy->ovsdb());
+}
+
+TEST_F(OwedEntry, CopysEntryDoesNotStayAtTheOriginalWhereAnotherOfItsNameHidItsRemoval) {
+    original->entryIs(Name("a"), make<LogicalSwitch>(Name("row")));
+    original->entryDel(Name("a"));
+    copy->entryIs(Name("a"), make<LogicalSwitch>(Name("row")));
+    copyHasRoomIs(false);
+    copy->entryDel(Name("a"));
+    copyHearsOfTheOriginals();
+    settle();
+    EXPECT_FALSE(original->entry(Name("a")));
+    EXPECT_FALSE(copy->entry(Name("a")));
+}
+
+}  // namespace

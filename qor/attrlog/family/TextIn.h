@@ -17,10 +17,15 @@ inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size
     in >> text;
 }
 
-/// A text that has come whole, in however many pieces.
+/// A text that has come whole, in however many pieces. What was written here since the first of them
+/// and was held back goes after all where the peer's is not applied.
 template <class S, class Adapter>
-void takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole) {
-    if (isToBeReplaced<S>(adapter)) return;
+void takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole,
+              bool heldBack = false) {
+    if (isToBeReplaced<S>(adapter)) {
+        if (heldBack) sendAgain<S>(adapter, Unkeyed{});
+        return;
+    }
     S::set(targetOf<S>(adapter), whole);
     settle<S>(adapter, record);
 }
@@ -41,11 +46,12 @@ void readText(Adapter& adapter, InboundRecord& record) {
     if (record.size != 0) gatherChunk(record, text, record.size, flow != nullptr);
     if (text.index() == 0) {
         String8 const whole = text.text();
+        bool const heldBack = flow && flow->heldBack();
         if (flow) {
             demuxer.textDel(*flow);
             demuxer.flowInDel(adapter.entityId());
         }
-        takeText<S>(adapter, record, whole);
+        takeText<S>(adapter, record, whole, heldBack);
     } else if (!flow) {
         qorFlowInIteratorIs(*demuxer.flowInIs(adapter), record.id, text);
     }

@@ -146,6 +146,8 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
         }
         bool const isStuck = next == at && at != 0 && out_->written() == before;
         if (isStuck && adapter.continueFlowOut()) {
+            // A text that is held back for one of the peer's begins anew.
+            if (flow.valueIter()) flow.pendingAbortIs(flow.attrId(), true);
             adapter.freeResyncState(Qor::Ptr<FlowOut>(&flow));
             leadsNowhere = true;
             ++next;

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 namespace {
 
 using Qor::Dir;
@@ -102,6 +104,42 @@ TEST_F(OwedEntry, CopysEntryDoesNotStayAtTheOriginalWhereAnotherOfItsNameHidItsR
     settle();
     EXPECT_FALSE(original->entry(Name("a")));
     EXPECT_FALSE(copy->entry(Name("a")));
+}
+
+class TornText : public OwedCrossing<LogicalSwitch> {
+  protected:
+    static constexpr std::size_t chunk = 32800;  // one record of a long text, a little more
+    static String8 longText(char letter) { return String8(std::string(40000, letter)); }
+};
+
+TEST_F(TornText, TextIsNotTwoInOneWhereEachHadSentAPart) {
+    original->descIs(longText('a'));
+    copy->descIs(longText('b'));
+    while (!peers.reader.out().unsent().empty()) {
+        auto const bytes = takeBytes(peers.reader.out());
+        peers.source.demuxer->in()->receive(bytes);
+        peers.source.demuxer->serveFrames(~std::size_t{0});
+    }
+    peers.source.demuxer->serveFlows(~Qor::U64{0});
+    settle();
+    EXPECT_EQ(original->desc(), longText('b'));
+    EXPECT_EQ(copy->desc(), longText('b'));
+}
+
+TEST_F(TornText, TextThatIsWrittenBetweenTwoPiecesOfThePeersIsNotLost) {
+    original->descIs(longText('a'));
+    peers.source.demuxer->serveFlows(~Qor::U64{0});
+    copy->descIs(longText('b'));
+    auto const bytes = takeBytes(peers.source.out());
+    auto const& in = peers.reader.demuxer->in();
+    in->receive(std::string_view(bytes).substr(0, chunk));
+    peers.reader.demuxer->serveFrames(~std::size_t{0});
+    copy->descIs(longText('c'));
+    in->receive(std::string_view(bytes).substr(chunk));
+    peers.reader.demuxer->serveFrames(~std::size_t{0});
+    settle();
+    EXPECT_EQ(original->desc(), copy->desc());
+    EXPECT_EQ(copy->desc(), longText('c'));
 }
 
 }  // namespace

@@ -246,6 +246,9 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (member->state() != told.state) dir.entryStateIs(told.key, told.state);
     enter(adapter, record.demuxer, *member, *entity, told.id);
     settleEntry(adapter, record, told.key);
+    // An entry that is told again is its state, a value as others are.
+    bool const goesAgain = isKnown && record.hasCrossed && !adapter.has(AdapterState::isCopy);
+    if (goesAgain) adapter.onEntry(told.key);
 }
 
 }  // namespace

@@ -106,6 +106,26 @@ TEST_F(OwedEntry, CopysEntryDoesNotStayAtTheOriginalWhereAnotherOfItsNameHidItsR
     EXPECT_FALSE(copy->entry(Name("a")));
 }
 
+TEST_F(OwedEntry, StateThatBothChangeIsTheSameAtBoth) {
+    using State = Dir::EntryState;
+    original->entryIs(Name("a"), make<LogicalSwitch>(Name("row")));
+    peers.settle();
+    original->entryStateIs(Name("a"), State::stale);
+    original->entryStateIs(Name("a"), State::ready);
+    copy->entryStateIs(Name("a"), State::stale);
+    settle();
+    EXPECT_EQ(original->entryState(Name("a")), copy->entryState(Name("a")));
+}
+
+TEST_F(OwedEntry, StateThatCrossesNothingIsNotSentBack) {
+    original->entryIs(Name("a"), make<LogicalSwitch>(Name("row")));
+    peers.settle();
+    copy->entryStateIs(Name("a"), Dir::EntryState::stale);
+    carry(peers.reader, peers.source);
+    EXPECT_EQ(original->entryState(Name("a")), Dir::EntryState::stale);
+    EXPECT_TRUE(peers.source.out().unsent().empty());
+}
+
 class TornText : public OwedCrossing<LogicalSwitch> {
   protected:
     static constexpr std::size_t chunk = 32800;  // one record of a long text, a little more

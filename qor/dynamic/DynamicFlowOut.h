@@ -44,8 +44,8 @@ class DynamicFlowOut final : public EntityFlowOut {
         markKey(key, dirty);
     }
     template <class S>
-    void dirtyKeyDel(DynamicKey const& key) {
-        here().keys->memberDel(key);
+    bool dirtyKeyDel(DynamicKey const& key) {
+        return static_cast<bool>(here().keys->memberDel(key));
     }
     template <class S>
     void dirtyKeysDelAll() {

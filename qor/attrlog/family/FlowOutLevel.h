@@ -136,9 +136,10 @@ class FlowOutLevel : public Base {
         }
         this->owes();
     }
+    // Whether it was there.
     template <class S>
-    void dirtyKeyDel(typename S::Key const& key) {
-        if (dirtyKeys<S>().size() != 0) dirtyKeys<S>().memberDel(key);
+    bool dirtyKeyDel(typename S::Key const& key) {
+        return dirtyKeys<S>().size() != 0 && static_cast<bool>(dirtyKeys<S>().memberDel(key));
     }
     template <class S>
     void dirtyKeysDelAll() {

@@ -113,7 +113,8 @@ bool keyGoesNow(Adapter& adapter, NboAttrLog::Out const& out, typename S::Key co
         bool const goes =
             adapter.prepareImmediateTransmission(S::id, waitsForFlow<S>(adapter, *flow)) && hasRoom;
         if (goes) {
-            flow->template dirtyKeyDel<S>(key);
+            // A flow that waited for nothing else is over.
+            if (flow->template dirtyKeyDel<S>(key)) flow->owes();
         } else {
             markKey<S>(adapter, *flow, key);
         }

@@ -17,8 +17,8 @@ inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size
     in >> text;
 }
 
-/// A text that has come whole, in however many pieces. What was written here since the first of them
-/// and was held back goes after all where the peer's is not applied.
+/// A text that has come whole, in however many pieces. What was written here since the first of
+/// them and was held back goes after all where the peer's is not applied.
 template <class S, class Adapter>
 void takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole,
               bool heldBack = false) {

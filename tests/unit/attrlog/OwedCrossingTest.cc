@@ -4,6 +4,7 @@
 #include <qor/attrlog/dir/DirAdapter.h>
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>
+#include <vgw/attrlog/PhysicalSwitch.h>
 #include <vgw/attrlog/Status.h>
 
 #include <gtest/gtest.h>
@@ -160,6 +161,15 @@ TEST_F(TornText, TextThatIsWrittenBetweenTwoPiecesOfThePeersIsNotLost) {
     settle();
     EXPECT_EQ(original->desc(), copy->desc());
     EXPECT_EQ(copy->desc(), longText('c'));
+}
+
+TEST_F(OwedRow, FlowIsOverWhenTheReferenceThatItWaitedForIsRemoved) {
+    auto const outside = make<Vgw::PhysicalSwitch>(Name("outside"));
+    original->physicalSwitchIs("owed", outside);
+    peers.settle();
+    ASSERT_EQ(peers.source.demuxer->flows(), 1U);
+    original->physicalSwitchDel("owed");
+    settle();
 }
 
 }  // namespace

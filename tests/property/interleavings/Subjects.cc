@@ -349,7 +349,7 @@ std::vector<Sort> const& sorts() {
         {"LongLabel", 2, 3, true, &made<Label<40000>>},
         {"Scalar", 1, 0, true, &made<Scalar>},
         {"Text", 1, 0, true, &made<Text<1>>},
-        {"LongText", 1, 2, true, &made<Text<40000>>},
+        {"LongText", 1, 1, true, &made<Text<40000>>},
         {"Reference", 2, 1, true, &made<Reference>},
     };
     return all;

@@ -72,9 +72,9 @@ MUTANTS = [
     ("a text that is held back goes on from its start", FLOW + "DemuxerOut.cc",
      "if (flow.valueIter()) flow.pendingAbortIs(flow.attrId(), true);", "", ["attrlog_interleavings"]),
     ("a text that was held back is forgotten", FAMILY + "TextIn.h",
-     "if (heldBack) sendAgain<S>(adapter, Unkeyed{});", "static_cast<void>(heldBack);", ["attrlog_interleavings"]),
+     "if (!isApplied && heldBack) sendAgain<S>(adapter, Unkeyed{});", "static_cast<void>(isApplied && heldBack);", ["attrlog_interleavings"]),
     ("states of an entry that cross are exchanged", "qor/attrlog/dir/EntryStream.cc",
-     "if (goesAgain) adapter.onEntry(told.key);", "static_cast<void>(goesAgain);", ["attrlog_interleavings"]),
+     "if (isNewState && isKnown) settleState(adapter, record, told.key);", "static_cast<void>(settleState);", ["attrlog_interleavings"]),
     ("a flow outlives what it waited for", FAMILY + "OutboundRoom.h",
      "if (flow->template dirtyKeyDel<S>(key)) flow->owes();", "flow->template dirtyKeyDel<S>(key);", ["attrlog_interleavings"]),
     # What comes in.

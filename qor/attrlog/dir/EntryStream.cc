@@ -203,6 +203,11 @@ void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key)
     if (record.hasCrossed) adapter.onEntry(key);
 }
 
+// The original sends the state that it holds, where the peer's has crossed what it sent.
+void settleState(Adapter& adapter, InboundRecord const& record, Name const& key) {
+    if (record.hasCrossed && !adapter.has(AdapterState::isCopy)) adapter.onEntry(key);
+}
+
 void takeDownEntry(Adapter& adapter, Name const& key) {
     auto& dir = targetOf<EntryStream>(adapter);
     if (auto const entity = dir.entry(key)) {
@@ -229,7 +234,7 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (ownStays && isNewsToPeer(adapter, told.key)) return;
     if (!isKnown) {
         record.demuxer.needPeersId(told.id);
-        takeBack(adapter, told.key, entity.ptr());
+        if (entity || adapter.StreamAdapter::flowOut()) takeBack(adapter, told.key, entity.ptr());
     }
     bool const replaces = entity && !isSame(*entity, *told.entity, out, told.id);
     if (!entity || replaces) {
@@ -243,12 +248,14 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (EntryStream::Attr::map(dir).version() != version) present = dir.qorEntry(told.key);
     Ptr<Dir::QorEntry> const member = dir.qorEntryIs(told.key, present, entity);
     adapter.flagIs(AdapterState::isActive, true);
-    if (member->state() != told.state) dir.entryStateIs(told.key, told.state);
+    bool const isNewState = member->state() != told.state;
+    if (isNewState) [[unlikely]] {
+        dir.entryStateIs(told.key, told.state);
+    }
     enter(adapter, record.demuxer, *member, *entity, told.id);
     settleEntry(adapter, record, told.key);
-    // An entry that is told again is its state, a value as others are.
-    bool const goesAgain = isKnown && record.hasCrossed && !adapter.has(AdapterState::isCopy);
-    if (goesAgain) adapter.onEntry(told.key);
+    // Of what is known the state alone was told, a value as others are.
+    if (isNewState && isKnown) settleState(adapter, record, told.key);
 }
 
 }  // namespace

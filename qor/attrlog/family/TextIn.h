@@ -17,17 +17,13 @@ inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size
     in >> text;
 }
 
-/// A text that has come whole, in however many pieces. What was written here since the first of
-/// them and was held back goes after all where the peer's is not applied.
+/// A text that has come whole, in however many pieces. Whether it was applied.
 template <class S, class Adapter>
-void takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole,
-              bool heldBack = false) {
-    if (isToBeReplaced<S>(adapter)) {
-        if (heldBack) sendAgain<S>(adapter, Unkeyed{});
-        return;
-    }
+bool takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole) {
+    if (isToBeReplaced<S>(adapter)) return false;
     S::set(targetOf<S>(adapter), whole);
     settle<S>(adapter, record);
+    return true;
 }
 
 template <class S, class Adapter>
@@ -37,7 +33,8 @@ void readText(Adapter& adapter, InboundRecord& record) {
     auto& demuxer = record.demuxer;
     Ptr<NboAttrLog::FlowIn> const flow(demuxer.flowIn(adapter));
     if (!flow && !record.in.moreChunks()) [[likely]] {
-        return takeText<S>(adapter, record, record.in.nextText(record.size));
+        takeText<S>(adapter, record, record.in.nextText(record.size));
+        return;
     }
     String8::Iterator fresh;
     String8::Iterator& text =
@@ -51,7 +48,9 @@ void readText(Adapter& adapter, InboundRecord& record) {
             demuxer.textDel(*flow);
             demuxer.flowInDel(adapter.entityId());
         }
-        takeText<S>(adapter, record, whole, heldBack);
+        // What was written here meanwhile goes after all.
+        bool const isApplied = takeText<S>(adapter, record, whole);
+        if (!isApplied && heldBack) sendAgain<S>(adapter, Unkeyed{});
     } else if (!flow) {
         qorFlowInIteratorIs(*demuxer.flowInIs(adapter), record.id, text);
     }

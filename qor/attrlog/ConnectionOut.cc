@@ -3,10 +3,8 @@
 #include <qor/core/Assert.h>
 #include <qor/core/Exception.h>
 #include <qor/core/Format.h>
-#include <qor/core/Pool.h>
 
 #include <algorithm>
-#include <utility>
 
 namespace Qor {
 
@@ -25,8 +23,7 @@ Out::Out(U32 maxBlocks) : maxBlocks_(maxBlocks) {
 }
 
 Out::~Out() {
-    for (auto* const block : blocks_) memDel(block, blockSize);
-    memDel(spare_, blockSize);
+    for (auto* const block : blocks_) giveRingBlock(block);
 }
 
 void Out::putChunk(String8::IteratorConst& position) {
@@ -54,8 +51,7 @@ void Out::nextBlock(std::size_t wanted) {
                    wanted, static_cast<unsigned long long>(written()), maxBlocks_, blockSize));
     }
     blocks_.reserve(blocks_.size() + 1);
-    auto* const block = spare_ != nullptr ? std::exchange(spare_, nullptr)
-                                          : static_cast<unsigned char*>(memNew(blockSize));
+    auto* const block = takeRingBlock();
     blocks_.push_back(block);
     writeAt(block, 0);
 }
@@ -71,7 +67,7 @@ void Out::writtenIs(U64 offset) {
             __LINE__, "writtenIs");
     if (offset == written()) return;
     auto const kept = static_cast<std::size_t>((offset - base_) / blockSize + 1);
-    for (; blocks_.size() > kept; blocks_.pop_back()) giveBack(blocks_.back());
+    for (; blocks_.size() > kept; blocks_.pop_back()) giveRingBlock(blocks_.back());
     writeAt(blocks_.back(), static_cast<std::size_t>((offset - base_) % blockSize));
 }
 
@@ -115,7 +111,7 @@ void Out::dropSentBlocks() noexcept {
     if (blocks_.empty()) return;
     if (sent_ == written()) {
         // All is out: the next byte starts a block, so that pieces stay long.
-        for (auto* const block : blocks_) giveBack(block);
+        for (auto* const block : blocks_) giveRingBlock(block);
         blocks_.clear();
         base_ = sent_;
         lead_ = sent_;
@@ -124,17 +120,9 @@ void Out::dropSentBlocks() noexcept {
         return;
     }
     auto const full = static_cast<std::ptrdiff_t>((sent_ - base_) / blockSize);
-    std::for_each_n(blocks_.begin(), full, [this](unsigned char* block) { giveBack(block); });
+    std::for_each_n(blocks_.begin(), full, giveRingBlock);
     blocks_.erase(blocks_.begin(), blocks_.begin() + full);
     base_ += static_cast<U64>(full) * blockSize;
-}
-
-void Out::giveBack(unsigned char* block) noexcept {
-    if (spare_ == nullptr) {
-        spare_ = block;
-    } else {
-        memDel(block, blockSize);
-    }
 }
 
 }  // namespace Connection

@@ -1,6 +1,6 @@
 // The outgoing side of a connection: bytes are put at one end and fetched by the transport at the
 // other. They lie in blocks of 49152 bytes; further blocks are taken as needed, up to a cap, and
-// one that was sent is kept for the next need. Nothing is taken before the first byte.
+// given back once they are sent. Nothing is taken before the first byte.
 //
 // Places in the stream are offsets: bytes put since the stream began. What is not sent yet may be
 // overwritten or taken back, so that a record that can't be finished leaves nothing behind.
@@ -11,6 +11,7 @@
 
 #include <qor/attrlog/Declarations.h>
 #include <qor/attrlog/NetworkOrder.h>
+#include <qor/attrlog/RingBlocks.h>
 #include <qor/core/Export.h>
 #include <qor/core/Ptr.h>
 #include <qor/core/String8.h>
@@ -30,7 +31,7 @@ namespace Connection {
 
 class QOR_EXPORT Out : public VFPtrInterface {
   public:
-    static constexpr U32 blockSize = 49152;
+    static constexpr U32 blockSize = ringBlockSize;
     static constexpr U32 defaultBlocks = 8;
     // A record is at most 32768 bytes, of which header and tokens take 29.
     static constexpr U32 defaultChunkLimit = 32768 - 29;
@@ -119,7 +120,6 @@ class QOR_EXPORT Out : public VFPtrInterface {
     void writeAt(unsigned char* block, std::size_t filled) noexcept;
     void putAcrossBlocks(unsigned char const* bytes, std::size_t count);
     void nextBlock(std::size_t wanted);
-    void giveBack(unsigned char* block) noexcept;
     void dropSentBlocks() noexcept;
     unsigned char* at(U64 offset) const noexcept;
 
@@ -127,8 +127,7 @@ class QOR_EXPORT Out : public VFPtrInterface {
     unsigned char* write_ = nullptr;
     unsigned char* blockEnd_ = nullptr;
     std::vector<unsigned char*> blocks_;  // all are full but the last
-    unsigned char* spare_ = nullptr;
-    U64 base_ = 0;  // offset of the first block's first byte
+    U64 base_ = 0;                        // offset of the first block's first byte
     U64 sent_ = 0;
     U32 const maxBlocks_;
     U32 chunkLimit_ = defaultChunkLimit;

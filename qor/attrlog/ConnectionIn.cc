@@ -95,10 +95,25 @@ void In::readPositionIs(U64 offset) {
                                             static_cast<unsigned long long>(released_),
                                             static_cast<unsigned long long>(received_)));
     }
-    // Most steps stay within the lap, and need no division.
+    enterLap(offset);
+}
+
+// Most steps stay within the lap, and need no division.
+void In::enterLap(U64 offset) noexcept {
     if (offset - lap_ >= capacity_) lap_ = offset - offset % capacity_;
     read_ = ring_ + (offset - lap_);
     findPieceEnd();
+}
+
+void In::findPieceEnd() noexcept {
+    if (ring_ == nullptr) return;
+    if (read_ == ring_ + capacity_) {
+        lap_ += capacity_;
+        read_ = ring_;
+    }
+    auto const left = static_cast<U64>(ring_ + capacity_ - read_);
+    arrivedEnd_ = read_ + std::min(received_ - readPosition(), left);
+    pieceEnd_ = read_ + std::min(available(), left);
 }
 
 void In::need(U64 count) const {

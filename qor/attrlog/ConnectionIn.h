@@ -120,43 +120,41 @@ class QOR_EXPORT In : public VFPtrInterface {
     void isAttrLogIs(bool isAttrLog) noexcept { isAttrLog_ = isAttrLog; }
     // What can be read in one piece.
     std::span<unsigned char const> piece() const noexcept { return {read_, pieceEnd_}; }
-    // Passes over bytes of the piece, and limits reading to those that follow them.
-    // REQUIRES: passed + limited <= piece().size()
-    void enterPiece(std::size_t passed, std::size_t limited) noexcept {
+    // Passes over bytes of the piece, and limits reading to those that follow them, up to the
+    // offset `limit`. REQUIRES: passed + limited <= piece().size(), readPosition() + passed +
+    // limited == limit
+    void enterPiece(std::size_t passed, std::size_t limited, U64 limit) noexcept {
         read_ += passed;
         pieceEnd_ = read_ + limited;
-        limit_ = readPosition() + limited;
+        limit_ = limit;
     }
     // Goes to what has arrived, lifts the limit and releases what stands before.
     // REQUIRES: readPosition() <= offset && offset <= received()
     void passTo(U64 offset) noexcept {
         limit_ = noLimit;
-        if (offset - lap_ >= capacity_) [[unlikely]] {
-            lap_ = offset - offset % capacity_;
-        }
-        read_ = ring_ + (offset - lap_);
         released_ = offset;
-        findPieceEnd();
+        U64 const ahead = offset - lap_;
+        if (ahead < static_cast<U64>(arrivedEnd_ - ring_)) [[likely]] {
+            read_ = ring_ + ahead;
+            pieceEnd_ = arrivedEnd_;
+        } else {
+            enterLap(offset);
+        }
     }
 
   private:
     void need(U64 count) const;
     void nextBytes(unsigned char* out, std::size_t count);
+    // Goes to an offset, in whichever lap.
+    void enterLap(U64 offset) noexcept;
     // At the end of the ring with more to read, the reader's next lap begins.
-    void findPieceEnd() noexcept {
-        if (ring_ == nullptr) return;
-        if (read_ == ring_ + capacity_) {
-            lap_ += capacity_;
-            read_ = ring_;
-        }
-        auto const left = static_cast<U64>(ring_ + capacity_ - read_);
-        pieceEnd_ = read_ + std::min(available(), left);
-    }
+    void findPieceEnd() noexcept;
 
     unsigned char* ring_ = nullptr;
     unsigned char* read_ = nullptr;
-    unsigned char* pieceEnd_ = nullptr;  // what can be read lies in one piece up to here
-    U64 lap_ = 0;                        // offset of the byte that the reader's lap has at ring_
+    unsigned char* pieceEnd_ = nullptr;    // what can be read lies in one piece up to here
+    unsigned char* arrivedEnd_ = nullptr;  // the same, were there no limit
+    U64 lap_ = 0;                          // offset of the byte that the reader's lap has at ring_
     U64 received_ = 0;
     U64 released_ = 0;
     U64 limit_ = noLimit;

@@ -8,6 +8,7 @@
 #define QOR_ATTRLOG_MSGHEADER_H
 
 #include <qor/attrlog/EntityId.h>
+#include <qor/attrlog/NetworkOrder.h>
 
 namespace Qor {
 
@@ -40,6 +41,25 @@ inline constexpr U32 frameHeadSize = 4 + 1 + MsgHeader::wireSize;
 inline constexpr U32 frameOverhead = frameHeadSize + 2;
 // What `size` is when there is no payload.
 inline constexpr U32 leastFrameSize = frameOverhead - 4;
+
+// The header's bytes, at any address.
+inline MsgHeader loadHeader(unsigned char const* at) noexcept {
+    return {EntityId(loadNetworkOrder<U64>(at)),
+            static_cast<AttributeId>(loadNetworkOrder<U32>(at + 8)),
+            at[12],
+            loadNetworkOrder<U32>(at + 13),
+            loadNetworkOrder<U32>(at + 17),
+            at[21]};
+}
+inline void storeHeader(unsigned char* at, MsgHeader const& header) noexcept {
+    storeNetworkOrder(at, header.entityId.value());
+    storeNetworkOrder(at + 8, static_cast<U32>(header.attributeId));
+    at[12] = header.headerTag;
+    storeNetworkOrder(at + 13, header.headerWordA);
+    storeNetworkOrder(at + 17, header.headerWordB);
+    at[21] = header.headerTail;
+}
+
 // What a connection takes unless both ends say otherwise.
 inline constexpr U32 defaultGreatestFrame = 1U << 20;
 // No record of a text is longer than this.

@@ -1,6 +1,5 @@
 #include <qor/attrlog/NboAttrLogIn.h>
 
-#include <qor/attrlog/ConnectionOut.h>
 #include <qor/core/Format.h>
 
 namespace Qor {
@@ -39,44 +38,9 @@ void readHeader(In& in, MsgHeader& header) {
     header.headerTail = in.nextU8();
 }
 
-void loadHeader(unsigned char const* at, MsgHeader& header) {
-    header.entityId = EntityId(loadNetworkOrder<U64>(at));
-    header.attributeId = static_cast<AttributeId>(loadNetworkOrder<U32>(at + 8));
-    header.headerTag = at[12];
-    header.headerWordA = loadNetworkOrder<U32>(at + 13);
-    header.headerWordB = loadNetworkOrder<U32>(at + 17);
-    header.headerTail = at[21];
-}
-
 }  // namespace
 
 In::~In() = default;
-
-// Of a frame that lies in one piece, as nearly all do, and is as it should be.
-bool In::nextFrame(Frame& frame) {
-    using Token = Connection::Out::TransactToken;
-    auto const bytes = piece();
-    if (bytes.size() < frameOverhead) return nextFrameInPieces(frame);
-    auto const* const at = bytes.data();
-    auto const size = loadNetworkOrder<U32>(at);
-    U8 const kind = at[4];
-    bool const fits =
-        size >= leastFrameSize && size <= std::min<std::size_t>(greatestFrame_, bytes.size() - 4);
-    bool const isPlain = fits && kind <= static_cast<U8>(FrameKind::receipt) &&
-                         at[frameHeadSize] == static_cast<U8>(Token::begin) &&
-                         at[size + 3] == static_cast<U8>(Token::end);
-    if (!isPlain) [[unlikely]] {
-        return nextFrameInPieces(frame);
-    }
-    frame.end = readPosition() + sizeof(U32) + size;
-    frame.payloadSize = size - leastFrameSize;
-    frame.kind = static_cast<FrameKind>(kind);
-    frame.moreChunks = false;
-    loadHeader(at + 5, frame.header);
-    enterPiece(frameHeadSize + 1, frame.payloadSize);
-    moreChunksIs(false);
-    return true;
-}
 
 bool In::nextFrameInPieces(Frame& frame) {
     if (available() < sizeof(U32)) return false;
@@ -108,11 +72,6 @@ void In::needTokens(U64 payload, U64 end) const {
     if (close != static_cast<U8>(Token::end)) {
         throw AttrLogRecordException(format("token %u where a frame ends", U32{close}));
     }
-}
-
-void In::frameDone(Frame const& frame) {
-    moreChunksIs(false);
-    passTo(frame.end);
 }
 
 void throwWrongEntityType() { throw AttrLogEntityException("Entity is the wrong type"); }

@@ -4,6 +4,7 @@
 #define QOR_ATTRLOG_NBOATTRLOGIN_H
 
 #include <qor/attrlog/ByteConnectionIn.h>
+#include <qor/attrlog/ConnectionOut.h>
 #include <qor/attrlog/Declarations.h>
 #include <qor/attrlog/MsgHeader.h>
 #include <qor/core/Exception.h>
@@ -41,7 +42,10 @@ class QOR_EXPORT In : public ByteConnection::In {
     // tokens; the stream can't be read on from there.
     bool nextFrame(Frame& frame);
     // Ends reading it, whatever was read of the payload, and gives its room back.
-    void frameDone(Frame const& frame);
+    void frameDone(Frame const& frame) {
+        moreChunksIs(false);
+        passTo(frame.end);
+    }
     // The most that `size` of a frame may be.
     U32 greatestFrame() const noexcept { return greatestFrame_; }
     void greatestFrameIs(U32 bytes) noexcept { greatestFrame_ = bytes; }
@@ -57,6 +61,34 @@ class QOR_EXPORT In : public ByteConnection::In {
     Demuxer* demuxer_ = nullptr;
     U32 greatestFrame_ = defaultGreatestFrame;
 };
+
+// Of a frame that lies in one piece, as nearly all do, and is as it should be.
+inline bool In::nextFrame(Frame& frame) {
+    using Token = Connection::Out::TransactToken;
+    auto const bytes = piece();
+    if (bytes.size() < frameOverhead) [[unlikely]] {
+        return nextFrameInPieces(frame);
+    }
+    auto const* const at = bytes.data();
+    auto const size = loadNetworkOrder<U32>(at);
+    U8 const kind = at[4];
+    bool const fits =
+        size >= leastFrameSize && size <= greatestFrame_ && size <= bytes.size() - sizeof size;
+    bool const isPlain = fits && kind <= static_cast<U8>(FrameKind::receipt) &&
+                         at[frameHeadSize] == static_cast<U8>(Token::begin) &&
+                         at[size + 3] == static_cast<U8>(Token::end);
+    if (!isPlain) [[unlikely]] {
+        return nextFrameInPieces(frame);
+    }
+    frame.end = readPosition() + sizeof size + size;
+    frame.payloadSize = size - leastFrameSize;
+    frame.kind = static_cast<FrameKind>(kind);
+    frame.moreChunks = false;
+    frame.header = loadHeader(at + 5);
+    enterPiece(frameHeadSize + 1, frame.payloadSize, frame.end - 1);
+    moreChunksIs(false);
+    return true;
+}
 
 // A connection's incoming side as an attribute log's; null if it is none.
 inline In* attrLogIn(Connection::In* in) noexcept {

@@ -4,44 +4,21 @@
 #include <qor/core/Exception.h>
 #include <qor/core/Format.h>
 
+#include <utility>
+
 namespace Qor {
 
 namespace NboAttrLog {
-
-namespace {
-
-void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header) {
-    storeNetworkOrder(at, U32{0});
-    at[4] = static_cast<unsigned char>(kind);
-    storeNetworkOrder(at + 5, header.entityId.value());
-    storeNetworkOrder(at + 13, static_cast<U32>(header.attributeId));
-    at[17] = header.headerTag;
-    storeNetworkOrder(at + 18, header.headerWordA);
-    storeNetworkOrder(at + 22, header.headerWordB);
-    at[26] = header.headerTail;
-}
-
-}  // namespace
 
 OutWaker::~OutWaker() = default;
 
 Out::~Out() = default;
 
-void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
-    dropOpenFrame();
-    if (waker_ != nullptr && written() == sent()) waker_->onFirstFrame();
-    frameStart_ = written();
-    sectionStart_ = noFrame;
-    moreChunksIs(false);
-    mayPassCapIs(true);
-    frameHead_ = claim(frameHeadSize);
-    if (frameHead_ != nullptr) [[likely]] {
-        storeHead(frameHead_, kind, header);
-    } else {
-        unsigned char head[frameHeadSize];
-        storeHead(head, kind, header);
-        putBytes({reinterpret_cast<char const*>(head), frameHeadSize});
-    }
+// Of a frame whose head goes over into the next block.
+void Out::putHead(FrameKind kind, MsgHeader const& header) {
+    unsigned char head[frameHeadSize] = {};
+    storeHead(head, kind, header);
+    putBytes({reinterpret_cast<char const*>(head), frameHeadSize});
 }
 
 void Out::takeBackFrame() {
@@ -64,27 +41,36 @@ void Out::endSection(U64 end) {
 }
 
 void Out::endFrame() {
-    if (!hasOpenFrame()) [[unlikely]] {
+    put(static_cast<U8>(TransactToken::end));
+    U64 const start = frameStart_;
+    U64 const size = written() - start - sizeof(U32);
+    bool const isPlain = start != noFrame && size <= greatestFrame_ && sectionStart_ == noFrame &&
+                         frameHead_ != nullptr && start >= sent() && !moreChunks();
+    if (!isPlain) [[unlikely]] {
+        return endOddFrame();
+    }
+    frameStart_ = noFrame;
+    mayPassCapIs(false);
+    storeNetworkOrder(frameHead_, static_cast<U32>(size));
+    ++frames_;
+}
+
+// Of any other frame than one that lies in one piece and is the whole of its record.
+void Out::endOddFrame() {
+    if (!hasOpenFrame()) {
         writtenIs(written() - 1);
         throw AttrLogRecordException(
             "the record was taken back by another that began before its end");
     }
-    auto const size = static_cast<U32>(written() - frameStart_ - sizeof(U32));
+    U64 const start = std::exchange(frameStart_, noFrame);
+    auto const size = static_cast<U32>(written() - start - sizeof(U32));
     mayPassCapIs(false);
-    U64 const start = frameStart_;
-    frameStart_ = noFrame;
-    if (size > greatestFrame_) [[unlikely]] {
+    if (size > greatestFrame_) {
         writtenIs(start);
         throw FrameTooLongException(size, greatestFrame_);
     }
-    if (sectionStart_ != noFrame) [[unlikely]] {
-        endSection(written() - 1);
-    }
-    if (frameHead_ != nullptr && start >= sent()) [[likely]] {
-        storeNetworkOrder(frameHead_, size);
-    } else {
-        u32AtIs(start, size);
-    }
+    endSection(written() - 1);
+    u32AtIs(start, size);
     if (moreChunks()) u8AtOr(start + sizeof(U32), moreChunksBit);
     ++frames_;
 }

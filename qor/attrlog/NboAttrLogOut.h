@@ -56,8 +56,8 @@ class QOR_EXPORT Out : public Connection::Out {
     void currentPayloadSectionIs(PayloadSection section);
     // Opens the payload, or closes the frame.
     void tokenIs(TransactToken token) {
+        if (token == TransactToken::end) return endFrame();
         put(static_cast<U8>(token));
-        if (token == TransactToken::end) endFrame();
     }
     bool hasOpenFrame() const noexcept { return frameStart_ != noFrame; }
     // Takes back what was begun and not closed, as an exception leaves it.
@@ -75,8 +75,10 @@ class QOR_EXPORT Out : public Connection::Out {
   private:
     static constexpr U64 noFrame = ~U64{0};
 
+    void putHead(FrameKind kind, MsgHeader const& header);
     void takeBackFrame();
     void endFrame();
+    void endOddFrame();
     void endSection(U64 end);
 
     U64 frameStart_ = noFrame;
@@ -86,6 +88,27 @@ class QOR_EXPORT Out : public Connection::Out {
     OutWaker* waker_ = nullptr;
     U32 greatestFrame_ = defaultGreatestFrame;
 };
+
+// The frame's head but its size, which is stored when it ends.
+inline void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header) noexcept {
+    at[4] = static_cast<unsigned char>(kind);
+    storeHeader(at + 5, header);
+}
+
+inline void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
+    dropOpenFrame();
+    if (waker_ != nullptr && written() == sent()) waker_->onFirstFrame();
+    frameStart_ = written();
+    sectionStart_ = noFrame;
+    moreChunksIs(false);
+    mayPassCapIs(true);
+    frameHead_ = claim(frameHeadSize);
+    if (frameHead_ != nullptr) [[likely]] {
+        storeHead(frameHead_, kind, header);
+    } else {
+        putHead(kind, header);
+    }
+}
 
 // A number of its own width; a truth value is one byte, 0 or 1. A template, so that nothing turns
 // into a number or a truth value on the way here.

@@ -3,7 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <memory>
+#include <set>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -93,6 +98,49 @@ TEST(ConnectionOut, SeveralBlocksSentAtOnceLeaveTheRestWhole) {
         EXPECT_EQ(out.written(), bytes.size());
         EXPECT_EQ(out.freeBytes(), 8 * blockSize - bytes.size() + count / blockSize * blockSize);
         EXPECT_EQ(takeAll(out), bytes.substr(count));
+    }
+}
+
+#ifndef QOR_PLAIN_NEW  // under the sanitizers every block is an allocation of its own
+// Where the pieces lie that come out of a ring of so many full blocks.
+std::set<void const*> fillAndEmpty(std::size_t blocks) {
+    Out out(static_cast<Qor::U32>(blocks));
+    out.putBytes(std::string(blocks * blockSize, 'x'));
+    std::set<void const*> places;
+    while (!out.unsent().empty()) {
+        places.insert(out.unsent().data());
+        out.sentInc(out.unsent().size());
+    }
+    return places;
+}
+
+// How many blocks of a second ring are a first one's, when somebody else takes all the memory that
+// was given back.
+std::size_t takenAgain(std::size_t first, std::size_t second) {
+    auto const before = fillAndEmpty(first);
+    std::vector<std::unique_ptr<unsigned char[]>> others;
+    while (others.size() < 64) others.push_back(std::make_unique<unsigned char[]>(blockSize));
+    auto const after = fillAndEmpty(second);
+    return static_cast<std::size_t>(std::count_if(
+        after.begin(), after.end(), [&](void const* place) { return before.count(place) != 0; }));
+}
+
+TEST(ConnectionOut, BlocksThatWereSentServeTheNextConnection) { EXPECT_EQ(takenAgain(8, 8), 8U); }
+
+TEST(ConnectionOut, NoMoreThanEightBlocksAreKept) { EXPECT_EQ(takenAgain(20, 20), 8U); }
+#endif
+
+TEST(ConnectionOut, BlocksMayBeGivenBackOnAnotherThread) {
+    for (int round = 0; round < 3; ++round) {
+        auto out = std::make_unique<Out>();
+        std::string const bytes(3 * blockSize + 1, 'x');
+        out->putBytes(bytes);
+        std::string taken;
+        std::thread([&] {
+            taken = takeAll(*out);
+            out = nullptr;
+        }).join();
+        EXPECT_EQ(taken, bytes);
     }
 }
 

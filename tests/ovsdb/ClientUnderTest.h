@@ -82,7 +82,7 @@ class Database {
     std::string transaction = zero;
     json rows = {{"Logical_Switch", {{first, {{"initial", {{"name", "red"}}}}}}}};
     json wholeRows = {{"Logical_Switch", {{first, {{"new", {{"name", "red"}}}}}}}};
-    json transacted = {json::object()};
+    json transacted = json::array({json::object()});
     json monitor;
 };
 

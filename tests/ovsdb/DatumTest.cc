@@ -13,7 +13,7 @@
 namespace Ovsdb {
 namespace {
 
-constexpr ColumnType text{Shape::one, AtomType::string, AtomType::string};
+constexpr ColumnType oneText{Shape::one, AtomType::string, AtomType::string};
 constexpr ColumnType integer{Shape::one, AtomType::integer, AtomType::string};
 constexpr ColumnType maybeInteger{Shape::optional, AtomType::integer, AtomType::string};
 constexpr ColumnType texts{Shape::set, AtomType::string, AtomType::string};
@@ -72,12 +72,12 @@ TEST(Datum, IntegersKeepAllSixtyFourBits) {
 }
 
 TEST(Datum, StringsKeepEscapesAndSurrogatePairs) {
-    EXPECT_EQ(datum(text, R"("Geb\u00e4ude \"1\" \ud83d\udca1\n")"),
+    EXPECT_EQ(datum(oneText, R"("Geb\u00e4ude \"1\" \ud83d\udca1\n")"),
               "Geb\xc3\xa4ude \"1\" \xf0\x9f\x92\xa1\n");
 }
 
 TEST(Datum, WhatIsOfAnotherTypeIsRefusedByName) {
-    EXPECT_EQ(refusal(text, "17"), "expected string, got 17");
+    EXPECT_EQ(refusal(oneText, "17"), "expected string, got 17");
     EXPECT_EQ(refusal(uuids, R"(["uuid","junk"])"), R"(expected set of uuid, got ["uuid","junk"])");
     EXPECT_EQ(refusal(uuids, R"(["set",["x"]])"), R"(expected set of uuid, got ["set",["x"]])");
     EXPECT_EQ(refusal(maybeInteger, R"(["set",[1,2]])"),

@@ -8,10 +8,10 @@
 
 namespace {
 
-using Qor::ByteConnection::In;
+using ByteIn = Qor::ByteConnection::In;
 
 TEST(ConnectionIn, NewOneHasNothingToRead) {
-    In in;
+    ByteIn in;
     EXPECT_EQ(in.available(), 0U);
     EXPECT_EQ(in.readPosition(), 0U);
     EXPECT_THROW(in.nextU8(), Qor::AttrLogRecordException);
@@ -20,7 +20,7 @@ TEST(ConnectionIn, NewOneHasNothingToRead) {
 }
 
 TEST(ConnectionIn, FullRingTakesNothingUntilReadBytesAreReleased) {
-    In in(8);
+    ByteIn in(8);
     EXPECT_EQ(in.receive("0123456789"), 8U);
     EXPECT_TRUE(in.room().empty());
     EXPECT_EQ(in.nextText(3), "012");
@@ -32,7 +32,7 @@ TEST(ConnectionIn, FullRingTakesNothingUntilReadBytesAreReleased) {
 
 TEST(ConnectionIn, ValuesAcrossTheWrapComeWhole) {
     for (Qor::U32 before = 9; before <= 16; ++before) {
-        In in(16);
+        ByteIn in(16);
         in.receive(std::string(before, 'x'));
         in.nextText(before);
         in.releaseRead();
@@ -46,7 +46,7 @@ TEST(ConnectionIn, ValuesAcrossTheWrapComeWhole) {
 }
 
 TEST(ConnectionIn, ManyLapsKeepCount) {
-    In in(7);
+    ByteIn in(7);
     Qor::U32 number = 0;
     for (int i = 0; i < 10000; ++i) {
         char const bytes[] = {0, 0, static_cast<char>(i >> 8), static_cast<char>(i)};
@@ -60,7 +60,7 @@ TEST(ConnectionIn, ManyLapsKeepCount) {
 
 TEST(ConnectionIn, GrownRingGoesOnAtItsPlaceInAnyLap) {
     for (Qor::U32 before = 0; before <= 70; ++before) {
-        In in(16);
+        ByteIn in(16);
         for (Qor::U32 passed = 0; passed < before; ++passed) {
             in.receive("x");
             in.nextU8();
@@ -78,7 +78,7 @@ TEST(ConnectionIn, GrownRingGoesOnAtItsPlaceInAnyLap) {
 }
 
 TEST(ConnectionIn, PositionCanBeNotedAndPutBack) {
-    In in(16);
+    ByteIn in(16);
     in.receive("xxxxxxxxxxxx");
     in.nextText(12);
     in.releaseRead();
@@ -92,7 +92,7 @@ TEST(ConnectionIn, PositionCanBeNotedAndPutBack) {
 }
 
 TEST(ConnectionIn, PositionOutsideOfWhatIsKeptIsRefused) {
-    In in(16);
+    ByteIn in(16);
     in.receive("0123456789");
     in.nextText(4);
     in.releaseRead();
@@ -145,7 +145,7 @@ TEST(ConnectionIn, AnchorOverWhatIsStillToComeReadsOnWhenItHasCome) {
 }
 
 TEST(ConnectionIn, LimitBeforeThePositionLeavesNothing) {
-    In in(16);
+    ByteIn in(16);
     in.receive("0123456789");
     in.nextText(5);
     in.limitIs(2);
@@ -156,7 +156,7 @@ TEST(ConnectionIn, LimitBeforeThePositionLeavesNothing) {
 }
 
 TEST(ConnectionIn, PassesOverBytesOnlyIfTheyComeNext) {
-    In in(8);
+    ByteIn in(8);
     in.receive("abcdef");
     EXPECT_FALSE(in.skipIf("abd"));
     EXPECT_EQ(in.readPosition(), 0U);
@@ -174,7 +174,7 @@ TEST(ConnectionIn, PassesOverBytesOnlyIfTheyComeNext) {
 }
 
 TEST(ConnectionInDeathTest, MoreThanTheRoomStops) {
-    In in(8);
+    ByteIn in(8);
     EXPECT_DEATH(in.receivedInc(9), "Assertion 'count <= room\\(\\).size\\(\\)' failed");
 }
 

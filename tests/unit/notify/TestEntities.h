@@ -64,7 +64,7 @@ class Row : public Qor::Entity, Live<Row> {
         }
     }
     Qor::String8 attributeString(Qor::AttributeId id) const override;
-    bool qorIsCollection(Qor::AttributeId id) const override { return QorAttributes::isKeyed(id); }
+    bool qorIsCollection(Qor::AttributeId id) const override;
     Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; }
 
     std::function<void()> onEnd;  // what the test does while the end is told
@@ -113,6 +113,7 @@ struct Row::LabelAttr : Qor::ValueMapAttribute<Row, 260, Qor::U16, Qor::String8>
     }
 };
 
+inline bool Row::qorIsCollection(Qor::AttributeId id) const { return QorAttributes::isKeyed(id); }
 inline void Row::modeIs(Qor::U32 mode) { Qor::setScalar<ModeAttr>(*this, mode); }
 inline bool Row::mark(Qor::String8 const& key) const {
     return Qor::keyedValue<MarkAttr>(*this, key);
@@ -220,7 +221,7 @@ class Device : public Qor::Entity, Live<Device> {
     }
     void zeroReferencesIs(bool) override { Qor::tellZeroReferences(*this); }
     Qor::String8 attributeString(Qor::AttributeId id) const override;
-    bool qorIsCollection(Qor::AttributeId id) const override { return QorAttributes::isKeyed(id); }
+    bool qorIsCollection(Qor::AttributeId id) const override;
     Qor::ListRaw<NotifieeConst>& notifierList() const noexcept { return notifierList_; }
 
   private:
@@ -265,6 +266,9 @@ struct Device::MainAttr : Qor::ChildAttribute<Device, 260, Port> {
     static void tell(NotifieeConst& notifiee) { notifiee.onMain(); }
 };
 
+inline bool Device::qorIsCollection(Qor::AttributeId id) const {
+    return QorAttributes::isKeyed(id);
+}
 inline Port::Ptr Device::port(Qor::Name const& name) const {
     return Qor::ownedEntity<PortAttr>(*this, name);
 }

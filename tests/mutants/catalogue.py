@@ -117,7 +117,7 @@ MUTANTS = [
     ("a notifiee that ended is told", "qor/notify/SnapshotIterator.h",
      "if ((*served)->qorRefs() != 1) {", "if ((*served)->qorRefs() != 0) {", ["framework_notifiee_model", "framework_notifier_end"]),
     ("what a notifiee throws ends the telling", "qor/notify/Dispatch.cc",
-     "            reportException(notifiee, id);\n", "            reportException(notifiee, id);\n            return;\n",
+     "        reportException(notifiee, id);\n", "        reportException(notifiee, id);\n        throw;\n",
      ["framework_dispatch", "framework_notifiee_model"]),
     ("what notifiees of an exception throw gets out", "qor/notify/Dispatch.cc",
      "    } catch (...) {\n    }\n}", "    } catch (int) {\n    }\n}", ["framework_dispatch", "framework_notifiee_model"]),

@@ -78,8 +78,9 @@ MUTANTS = [
     ("a flow outlives what it waited for", FAMILY + "OutboundRoom.h",
      "if (flow->template dirtyKeyDel<S>(key)) flow->owes();", "flow->template dirtyKeyDel<S>(key);", ["attrlog_interleavings"]),
     # What comes in.
-    ("a length beyond the frame is believed", "qor/attrlog/NboAttrLogIn.cc",
-     "enterPiece(frameHeadSize + 1, frame.payloadSize);", "enterPiece(frameHeadSize + 1, bytes.size() - frameHeadSize - 1);",
+    ("a length beyond the frame is believed", "qor/attrlog/NboAttrLogIn.h",
+     "enterPiece(frameHeadSize + 1, frame.payloadSize, frame.end - 1);",
+     "enterPiece(frameHeadSize + 1, static_cast<U32>(bytes.size()) - frameHeadSize - 1, frame.end - 1);",
      ["attrlog_session", "attrlog_codec", "dynamic_property"]),
     ("the greatest frame is not asked for", "qor/attrlog/NboAttrLogIn.cc",
      "    if (size > greatest) {\n", "    if (size > greatest && size == 0) {\n", ["attrlog_session", "attrlog_codec"]),

@@ -141,8 +141,8 @@ endfunction()
 
 # vgw_model_library(<name> MODEL <file>... [LINKS <target>...] [UNOPTIMISED])
 #
-# In the project's own tree: an object library of what is made of the descriptions, compiled like the rest of the project, or,
-# where little of it runs, like its tests.
+# In the project's own tree: an object library of what is made of the descriptions beside the product's own, compiled like what
+# seldom runs, or, where next to nothing of it runs, like tests.
 function(vgw_model_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "UNOPTIMISED" "" "MODEL;LINKS")
     qor_model_sources(${name}_model MODEL ${arg_MODEL})
@@ -150,10 +150,15 @@ function(vgw_model_library name)
                            ${${name}_model_ADAPTERS})
     add_dependencies(${name} ${name}_model)
     vgw_target_settings(${name})
+    if(VGW_UNITY)
+        # Thin files that instantiate the same templates.
+        set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE 12)
+    endif()
     if(arg_UNOPTIMISED)
         vgw_test_settings(${name})
     else()
         vgw_reuse_headers(${name})
+        vgw_less_optimised(${name})
     endif()
     target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
     target_link_libraries(${name} PUBLIC qor_generic qor_attrlog_family ${arg_LINKS})

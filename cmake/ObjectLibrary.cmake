@@ -24,8 +24,17 @@ function(vgw_object_library name)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
     vgw_reuse_headers(${name} ${arg_HEADERS})
-    if(arg_SELDOM_RUN AND CMAKE_BUILD_TYPE STREQUAL "Release")
-        target_compile_options(${name} PRIVATE -O1)
+    if(arg_SELDOM_RUN)
+        vgw_less_optimised(${name})
+    endif()
+endfunction()
+
+# vgw_less_optimised(<target>)
+#
+# What takes longer to optimise than all its runs take.
+function(vgw_less_optimised target)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${target} PRIVATE -O1)
     endif()
 endfunction()
 

@@ -11,7 +11,7 @@ wanted="g++ cmake ninja-build pkgconf python3-minimal python3
  libasio-dev libsimdjson-dev nlohmann-json3-dev libcli11-dev libspdlog-dev libssl-dev
  libssl3 libcap-ng0 libnuma1 libxdp1 libbpf1 libunbound8"
 if [ "${1:-build}" = test ]; then
-    wanted="$wanted libgtest-dev libgmock-dev clang-format-14 clang-14 libclang-rt-14-dev llvm-14 openssl zsh"
+    wanted="$wanted libgtest-dev libgmock-dev clang-format-14 clang-14 libclang-rt-14-dev lld-14 llvm-14 openssl zsh"
 fi
 
 is_installed() {

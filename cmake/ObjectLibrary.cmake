@@ -104,7 +104,7 @@ function(vgw_target_settings target)
         TARGET_DIRECTORY ${target}
         PROPERTIES COMPILE_OPTIONS -O0 SKIP_PRECOMPILE_HEADERS ON SKIP_UNITY_BUILD_INCLUSION ON)
     if(VGW_UNITY)
-        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 6)
+        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 10)
         set_source_files_properties(
             ${VGW_COMPILED_ALONE} TARGET_DIRECTORY ${target} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
     endif()

@@ -85,7 +85,8 @@ set(VGW_COMPILED_ALONE_FILES
     qor/core/StrepNumber.cc qor/generic/FrameworkTypes.cc tests/ovsdb/RpcErrorTest.cc tests/ovsdb/UpdateReaderTest.cc
     tests/property/attrlog/TwoWritersTest.cc
     tests/property/framework/MapTiesModelTest.cc tests/unit/attrlog/ConnectionOutTest.cc
-    tests/unit/attrlog/MountRefusalTest.cc tests/unit/dynamic/DynamicCopyTest.cc tests/unit/kelp/EthAddrTest.cc
+    tests/unit/attrlog/MountRefusalTest.cc tests/unit/attrlog/WholeStateTest.cc
+    tests/unit/dynamic/DynamicCopyTest.cc tests/unit/kelp/EthAddrTest.cc
     tests/unit/vgw/ClearTest.cc tests/unit/vgw/CloneMacRowTest.cc tests/unit/vgw/PhysicalLocatorKeyTest.cc)
 list(TRANSFORM VGW_COMPILED_ALONE_FILES PREPEND "${CMAKE_SOURCE_DIR}/" OUTPUT_VARIABLE VGW_COMPILED_ALONE)
 

@@ -38,10 +38,10 @@ void printRows(Context& context, Rows const& rows) {
         tables.try_emplace(name, headingsOf(type)).first->second.rowInc(rowOf(*row));
     }
     bool isFirst = true;
-    for (auto const& [name, table] : tables) {
+    for (auto const& [name, ofType] : tables) {
         if (!isFirst) context.out() << '\n';
         isFirst = false;
-        table.print(context.out(), context.options().style);
+        ofType.print(context.out(), context.options().style);
     }
 }
 

@@ -58,7 +58,7 @@ TEST_P(Interleavings, BothEndsHoldTheSameInTheEnd) {
 
 TEST_P(Interleavings, BothEndsHoldTheSameAfterACut) {
     Limits limits;
-    limits.steps = share(Settings::volume(5, 4, 3));
+    limits.steps = share(Settings::volume(5, 3, 3));
     limits.cuts = 1;
     goThrough(GetParam(), limits);
 }
@@ -66,7 +66,7 @@ TEST_P(Interleavings, BothEndsHoldTheSameAfterACut) {
 TEST_P(Interleavings, AllOfThreeHoldTheSameInTheEnd) {
     Limits limits;
     limits.ends = 3;
-    limits.steps = share(Settings::volume(5, 4, 3));
+    limits.steps = share(Settings::volume(5, 3, 3));
     goThrough(GetParam(), limits);
 }
 

@@ -34,8 +34,8 @@ add_library(vgw_build_settings INTERFACE)
 target_compile_options(
     vgw_build_settings
     INTERFACE -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
-              # Clang counts changes of sign among conversions, g++ doesn't.
-              $<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion>)
+              # Clang counts changes of sign among conversions, and sees shadows among files that are compiled at a time.
+              "$<$<CXX_COMPILER_ID:Clang>:-Wno-sign-conversion;-Wno-shadow>")
 
 if(VGW_SANITIZE STREQUAL "address")
     set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)

@@ -7,8 +7,6 @@
 #include <qor/core/Exception.h>
 #include <qor/dynamic/DynamicEntity.h>
 
-#include <tests/support/Settings.h>
-
 #include <gtest/gtest.h>
 
 #include <typeinfo>
@@ -94,7 +92,6 @@ class WrapperMatrix : public testing::TestWithParam<char const*> {
         auto const values = argumentsFor(valueType, random);
         for (Pair const& key : argumentsFor(keyType, random)) {
             for (Pair const& argument : values) {
-                if (tried++ % share != 0) continue;
                 ASSERT_EQ(outcome(at.described, op, key.described, argument.described),
                           outcome(at.compiled, op, key.compiled, argument.compiled))
                     << GetParam() << " attribute " << op.attributeId << " operation " << op.opId;
@@ -104,9 +101,6 @@ class WrapperMatrix : public testing::TestWithParam<char const*> {
     }
 
     Tree::Random random{7};
-    // Under the sanitizers one pair of so many.
-    unsigned const share = static_cast<unsigned>(Settings::volume(1, 3, 5));
-    unsigned tried = 0;
     unsigned compared = 0;
     static constexpr unsigned operations[] = {0, 1, 2, 3, 127, 128, 129, 200, 256, 257, 262, 300};
 };
@@ -133,7 +127,7 @@ TEST_P(WrapperMatrix, DoesAndRefusesWhatTheCompiledOneDoes) {
         compare(noEntity(type()), nullptr, nullptr, op);
         compare(noEntity(type()), nullptr, nullptr, {6, op.opId});
     }
-    EXPECT_GT(compared, 3000U / share);
+    EXPECT_GT(compared, 3000U);
 }
 
 TEST_P(WrapperMatrix, NamesAttributesAlike) {

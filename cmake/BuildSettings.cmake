@@ -56,7 +56,7 @@ if(VGW_FUZZ)
         message(FATAL_ERROR "VGW_FUZZ needs clang, the compiler is ${CMAKE_CXX_COMPILER_ID}")
     endif()
     if(VGW_TESTS)
-        # What leads a fuzzer to new blocks. Watching each comparison too would make every test twice as slow.
+        # What leads a fuzzer to new blocks. Watching each comparison too would make every test slower.
         list(APPEND sanitizers -fsanitize-coverage=inline-8bit-counters,pc-table)
     else()
         list(APPEND sanitizers -fsanitize=fuzzer-no-link)

@@ -41,7 +41,7 @@ MUTANTS = [
     ("a walk ends when it pauses", FAMILY + "CollectionOut.h",
      "        if (at) {\n            NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());\n            return false;\n        }\n", "        static_cast<void>(at);\n"),
     ("a removed key's text is finished and stays", FAMILY + "CollectionOut.h",
-     "if (done && map_.member(key)) {", "if (done) {"),
+     "if (done && map_.member(key)) {", "if (done) {", ["attrlog_flow"]),
     ("a key that failed is not dirty", FAMILY + "CollectionOut.h",
      "if (!done || flow_->retryLater()) break;", "static_cast<void>(done);\n            if (flow_->retryLater()) break;"),
     ("a flow ends with something owed", FLOW + "DemuxerOut.cc",

@@ -172,4 +172,14 @@ TEST_F(OwedRow, FlowIsOverWhenTheReferenceThatItWaitedForIsRemoved) {
     settle();
 }
 
+TEST_F(OwedRow, FlowIsOverWhenTheReferenceThatItWaitedForMeansWhatThePeerKnows) {
+    auto const known = original->physicalSwitchRawIs(Name("known"));
+    original->physicalSwitchIs("owed", make<Vgw::PhysicalSwitch>(Name("outside")));
+    peers.settle();
+    ASSERT_EQ(peers.source.demuxer->flows(), 1U);
+    original->physicalSwitchIs("owed", known);
+    settle();
+    EXPECT_TRUE(copy->physicalSwitch("owed"));
+}
+
 }  // namespace

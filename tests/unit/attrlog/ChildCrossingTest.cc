@@ -202,6 +202,22 @@ TEST_F(ChildCrossing, KeyThatACopyOwesOutlivesTheSnapshotOfTheOriginal) {
     EXPECT_TRUE(original->physicalPort(Name("p"))->fault("owed"));
 }
 
+TEST_F(ChildCrossing, WhatACopyWritesToARowThatASnapshotHoldsUpGivesWayToTheOriginals) {
+    auto const here = original->logicalSwitchIs(Name("a"));
+    here->tunnelKeyIs(1);
+    peers.settle();
+    auto const there = copy->logicalSwitch(Name("a"));
+    peers.source.adapter(original)->doThis();
+    while (!peers.reader.adapter(there)->isHeldUp()) {
+        ASSERT_EQ(carry(peers.source, peers.reader, 1), 1U);
+    }
+    there->tunnelKeyIs(2);
+    EXPECT_EQ(peers.reader.demuxer->flows(), 0U);
+    needEqual();
+    EXPECT_EQ(there->tunnelKey(), 1U);
+    EXPECT_EQ(copy->logicalSwitch(Name("a")), there);
+}
+
 class EntryCrossing : public testing::Test {
   protected:
     EntryCrossing() {

@@ -1,13 +1,14 @@
 # vgw_object_library(<name> FOLDER <dir> [SOURCES <more>...] [LINKS <target>...] [DEPENDS <target>...] [NEEDS <target>...]
-#                    [HEADERS <target>] [SELDOM_RUN])
+#                    [HEADERS <target>] [SELDOM_RUN | OFTEN_RUN])
 #
 # One object library of all *.cc in <dir> (not below it), which is relative to the calling folder or to the tree's root.
 # LINKS are passed on. NEEDS are objects whose headers it doesn't include, but whose functions its tables of virtuals name.
 # Objects are passed on only by vgw_test and vgw_shared_library, which collect them.
 # HEADERS: a target of vgw_headers, for sources that read more heavy headers than the standard library's.
 # SELDOM_RUN: what a program does once, or a person asks for, is less optimised: the compiler would take longer than all runs.
+# OFTEN_RUN: what nearly every test goes through is optimised under the sanitizers too, whose preset is not.
 function(vgw_object_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "SELDOM_RUN" "FOLDER;HEADERS" "SOURCES;LINKS;DEPENDS;NEEDS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "SELDOM_RUN;OFTEN_RUN" "FOLDER;HEADERS" "SOURCES;LINKS;DEPENDS;NEEDS")
     vgw_source_folder(folder "${arg_FOLDER}")
     file(GLOB sources CONFIGURE_DEPENDS "${folder}/*.cc")
     if(NOT sources AND NOT arg_SOURCES)
@@ -23,7 +24,11 @@ function(vgw_object_library name)
     if(arg_DEPENDS)
         add_dependencies(${name} ${arg_DEPENDS})
     endif()
-    vgw_reuse_headers(${name} ${arg_HEADERS})
+    if(arg_OFTEN_RUN)
+        vgw_reuse_headers_often_run(${name})
+    else()
+        vgw_reuse_headers(${name} ${arg_HEADERS})
+    endif()
     if(arg_SELDOM_RUN)
         vgw_less_optimised(${name})
     endif()
@@ -59,17 +64,41 @@ function(vgw_reuse_headers target)
         set(headers ${ARGN})
         if(NOT headers)
             set(headers vgw_standard_headers)
-            if(NOT TARGET ${headers})
-                vgw_headers(
-                    ${headers}
-                    HEADERS <algorithm> <array> <atomic> <functional> <map> <memory> <optional> <string> <string_view> <vector>)
-            endif()
+            vgw_standard_headers(${headers})
         endif()
         target_precompile_headers(${target} REUSE_FROM ${headers})
         # So that ccache sees which headers it stands for.
         target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
         vgw_blind_in_strings(${target})
     endif()
+endfunction()
+
+# vgw_standard_headers(<target>)
+#
+# The standard library's, of the settings that the caller gives the target.
+function(vgw_standard_headers target)
+    if(NOT TARGET ${target})
+        vgw_headers(
+            ${target}
+            HEADERS <algorithm> <array> <atomic> <functional> <map> <memory> <optional> <string> <string_view> <vector>)
+    endif()
+endfunction()
+
+# vgw_reuse_headers_often_run(<target>)
+#
+# The standard library's, and, under a sanitizer, both they and the target optimised.
+function(vgw_reuse_headers_often_run target)
+    if(NOT VGW_SANITIZE)
+        vgw_reuse_headers(${target})
+        return()
+    endif()
+    set(headers vgw_standard_headers_often_run)
+    if(NOT TARGET ${headers})
+        vgw_standard_headers(${headers})
+        target_compile_options(${headers} PRIVATE -O1)
+    endif()
+    target_compile_options(${target} PRIVATE -O1)
+    vgw_reuse_headers(${target} ${headers})
 endfunction()
 
 # This compiler's optimiser sees copies out of bounds inside the standard library's own strings, and tells it where their

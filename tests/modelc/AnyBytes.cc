@@ -103,7 +103,7 @@ double secondsFor(std::size_t classes) {
 }
 
 TEST(AnyBytes, TwiceTheClassesTakeTwiceTheTime) {
-    constexpr std::size_t classes = Settings::volume(300, 100, 60);
+    constexpr std::size_t classes = Settings::volume(300, 50, 40);
     double best = 1e9;
     for (int round = 0; round < 5; ++round) {
         double const one = secondsFor(classes);

@@ -6,7 +6,7 @@ from pathlib import Path
 
 import serve_case
 from support import attrlog
-from support.agent import SLOWNESS
+from support.agent import SLOWNESS, volume
 from support.churn import Churn
 
 READERS = 190
@@ -42,11 +42,11 @@ class ReadersTest(serve_case.ServeCase):
             client.pause()
         churn = Churn(generator, db.read())
         with db.client() as client:
-            self.churn_for(client, churn, 100)
+            self.churn_for(client, churn, volume(100, 35))
             begin = time.monotonic()
             self.await_rows(readers, db.read())
             self.assertLess(time.monotonic() - begin, 5 * SLOWNESS)
-            self.churn_for(client, churn, 50)
+            self.churn_for(client, churn, volume(50, 15))
         for client in stopped:
             client.resume()
         tables = db.read()

@@ -1,7 +1,7 @@
 """A server that is killed at any moment under writes and started again: the mirror is equal again, soon, and with it the
 copies of all that read: a library peer, one behind a relay, and `vgwctl watch`, which tells real differences only.
 
-VGW_CYCLES=n repeats it n times (20 unless told).
+VGW_CYCLES=n repeats it n times (20 unless told, 8 under a sanitizer).
 """
 import os
 import random
@@ -9,12 +9,12 @@ import threading
 import time
 
 import chain_case
-from support.agent import SLOWNESS, Agent
+from support.agent import SLOWNESS, Agent, volume
 from support.churn import Churn
 from support.generator import Generator
 from support.rpc import RpcError
 
-CYCLES = int(os.environ.get("VGW_CYCLES", "20"))
+CYCLES = int(os.environ.get("VGW_CYCLES", volume(20, 8)))
 
 # After a restart: the wait before a reconnect, at most 1 s after one short loss, and a second for all the rest.
 LONGEST = 2.0
@@ -106,7 +106,7 @@ class RestartTest(chain_case.ChainCase):
             self.assertEqual(self.watch.faults(), [])
             if cycle % 5 == 0:
                 self.kill_at_rest(server, f"cycle {cycle}")
-            if cycle % 15 == 14:
+            if cycle % 15 == 7:
                 self.swap_database(server, cycle)
         self.tell(took)
         self.assertLess(max(mirror for mirror, _ in took), LONGEST * SLOWNESS)

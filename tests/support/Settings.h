@@ -22,7 +22,7 @@ inline std::string seedText() { return "VGW_TEST_SEED=" + std::to_string(seed())
 constexpr std::uint64_t volume([[maybe_unused]] std::uint64_t plain,
                                [[maybe_unused]] std::uint64_t address,
                                [[maybe_unused]] std::uint64_t thread) {
-#if defined(__SANITIZE_THREAD__)
+#if defined(VGW_UNDER_THREAD_SANITIZER)
     return thread;
 #elif defined(QOR_PLAIN_NEW)
     return address;

@@ -79,6 +79,24 @@ class QOR_EXPORT PtrInterface {
             handleZeroRef();
         }
     }
+    /// Gives up a reference while the process has one thread and the object is unmarked and held
+    /// by others too, as is most often so; else false, and nothing is done.
+    bool qorDeleteRefOfMany() const noexcept {
+        U32 const now = word();
+        if (now - 2 >= leastMarked - 2) [[unlikely]] {
+            return false;
+        }
+        if (!isSingleThreaded()) [[unlikely]] {
+            return false;
+        }
+        word_.store(now - 1, std::memory_order_relaxed);
+        return true;
+    }
+    /// Whether one reference is held now, and no more.
+    bool qorIsHeldOnce() const noexcept {
+        U32 const now = word();
+        return (now & (refsMask - 1)) == 0 && (now & 1) != 0;
+    }
     /// The references that are held now.
     U32 qorRefs() const noexcept { return word() & refsMask; }
     /// The whole count word, for tests and diagnosis.

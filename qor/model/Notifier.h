@@ -18,8 +18,8 @@ void changeNondestructing(E& entity, bool isNondestructing) {
         return;
     }
     entity.PtrInterface::isNondestructingIs(isNondestructing);
-    dispatch(
-        entity.notifierList(), isNondestructingId, nullptr,
+    dispatch<EveryHearer>(
+        entity.notifierList(), isNondestructingId,
         [](Entity::NotifieeConst& notifiee, void const*) {
             static_cast<typename E::NotifieeConst&>(notifiee).onIsNondestructing();
         },
@@ -29,8 +29,8 @@ void changeNondestructing(E& entity, bool isNondestructing) {
 /// Tells that the last reference has gone.
 template <class E>
 void tellZeroReferences(E& entity) {
-    dispatch(
-        entity.notifierList(), zeroReferencesId, nullptr,
+    dispatch<EveryHearer>(
+        entity.notifierList(), zeroReferencesId,
         [](Entity::NotifieeConst& notifiee, void const*) { notifiee.onZeroReferences(); }, nullptr);
 }
 

@@ -12,19 +12,21 @@ namespace Qor {
 /// The notifiees that have handlers of class E: those of its own NotifieeConst. At the root of a
 /// tree that is every one on the list, and nothing is asked.
 template <class E>
-NotifieeKind const* kindToTell() noexcept {
-    if constexpr (std::is_same_v<E, typename E::NotifierRoot>) {
-        return nullptr;
-    } else {
-        return &E::NotifieeConst::qorKind;
+struct HearersOf {
+    static bool has(Entity::NotifieeConst const& notifiee) noexcept {
+        return notifiee.kind().is(E::NotifieeConst::qorKind);
     }
-}
+};
+template <class E>
+requires std::is_same_v<E, typename E::NotifierRoot>
+struct HearersOf<E> : EveryHearer {
+};
 
 /// Tells that a scalar or a single child has changed.
 template <class A>
 [[gnu::noinline]] void tellScalar(typename A::Entity& entity) {
-    dispatch(
-        entity.notifierList(), A::id, kindToTell<typename A::Entity>(),
+    dispatch<HearersOf<typename A::Entity>>(
+        entity.notifierList(), A::id,
         [](Entity::NotifieeConst& notifiee, void const*) {
             A::tell(static_cast<typename A::Entity::NotifieeConst&>(notifiee));
         },
@@ -37,8 +39,8 @@ void tellKeyed(typename A::Entity& entity, typename A::Key const& key) {
     if (entity.notifierList().count() == 0) {
         return;
     }
-    dispatch(
-        entity.notifierList(), A::id, kindToTell<typename A::Entity>(),
+    dispatch<HearersOf<typename A::Entity>>(
+        entity.notifierList(), A::id,
         [](Entity::NotifieeConst& notifiee, void const* k) {
             A::tell(static_cast<typename A::Entity::NotifieeConst&>(notifiee),
                     *static_cast<typename A::Key const*>(k));

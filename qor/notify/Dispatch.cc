@@ -1,7 +1,6 @@
 #include <qor/notify/Dispatch.h>
 
 #include <qor/core/Expect.h>
-#include <qor/notify/SnapshotIterator.h>
 
 namespace Qor {
 
@@ -15,45 +14,47 @@ void reportException(Entity::NotifieeConst& notifiee, AttributeId id) noexcept {
     }
 }
 
-void tellOne(Entity::NotifieeConst& notifiee, AttributeId id, NotifieeKind const* kind, Tell tell,
-             void const* key) {
-    try {
-        if (!kind || notifiee.kind().is(*kind)) {
-            tell(notifiee, key);
-        }
-    } catch (...) {
-        reportException(notifiee, id);
-    }
-}
-
-// The list is a companion's alone, as that of most copies: no walk is needed.
-void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, NotifieeKind const* kind, Tell tell,
+// The list is a companion's alone, as that of most copies: no snapshot is needed.
+void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, Telling const& telling,
               void const* key) {
     if (!notifiee.qorNewRefUnlessEnding(isSingleThreaded())) {
         return;
     }
-    tellOne(notifiee, id, kind, tell, key);
+    try {
+        telling.one(notifiee, key);
+    } catch (...) {
+        reportException(notifiee, id);
+    }
     notifiee.qorDeleteRef();
 }
 
-[[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, NotifieeKind const* kind,
-                               Tell tell, void const* key) {
+// The walk ends where a handler throws, and goes on behind it.
+[[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, Telling const& telling,
+                               void const* key) {
     SnapshotIterator<ListRawGeneric> snapshot(list);
-    for (Entity::NotifieeConst** at = snapshot.begin(); at; at = snapshot.pass(at)) {
-        tellOne(**at, id, kind, tell, key);
+    while (snapshot) {
+        try {
+            telling.rest(snapshot, key);
+        } catch (...) {
+            if (snapshot.isEnding()) {
+                throw;  // no handler's: it comes from the end of one that was told
+            }
+            reportException(*snapshot, id);
+            ++snapshot;
+        }
     }
 }
 
 }  // namespace
 
-void dispatch(ListRawGeneric const& list, AttributeId id, NotifieeKind const* kind, Tell tell,
-              void const* key) {
+void dispatchBy(ListRawGeneric const& list, AttributeId id, Telling const& telling,
+                void const* key) {
     Expect const expect(Exception::Id{0});
     auto* const first = list.head();
     if (first && !ListRawGeneric::next(*first)) {
-        tellOnly(*first, id, kind, tell, key);
+        tellOnly(*first, id, telling, key);
     } else {
-        tellAll(list, id, kind, tell, key);
+        tellAll(list, id, telling, key);
     }
 }
 

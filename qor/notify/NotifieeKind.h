@@ -20,14 +20,14 @@ class NotifieeKind {
 
     /// Whether this is `other` or below it. Most often it is `other` itself.
     bool is(NotifieeKind const& other) const noexcept {
-        if (this == &other) [[likely]] {
-            return true;
-        }
-        NotifieeKind const* at = base_;
-        while (at && at != &other) {
+        NotifieeKind const* at = this;
+        do {
+            if (at == &other) [[likely]] {
+                return true;
+            }
             at = at->base_;
-        }
-        return at != nullptr;
+        } while (at);
+        return false;
     }
 
   private:

@@ -11,70 +11,105 @@
 
 namespace Qor {
 
+/// The part of a snapshot that is still to be served. Each of its notifiees is held by a reference,
+/// which goes when the notifiee is passed; what is left is the owner's to release.
+template <class T>
+class SnapshotRest {
+  public:
+    SnapshotRest(T** begin, T** end) noexcept : at_(begin), end_(end) {}
+    SnapshotRest(SnapshotRest const&) = delete;
+    SnapshotRest& operator=(SnapshotRest const&) = delete;
+
+    explicit operator bool() const noexcept { return at_ != end_; }
+    /// The notifiee whose turn it is. REQUIRES: not at the end.
+    T& operator*() const noexcept { return **at_; }
+
+    // The walk with the position and the notifiee in the caller's hands, and so in registers: from
+    // at() by pass(), which gives the next position, to null.
+    T** at() const noexcept { return at_; }
+    /// REQUIRES: `served` is what `at` points to
+    T** pass(T** at, T& served) {
+        release(at, served);
+        if (++at == end_) {
+            return nullptr;
+        }
+        return (*at)->qorIsHeldOnce() ? passOver(at) : at;
+    }
+    /// Whether the end of a notifiee that was passed is under way, or has thrown.
+    bool isEnding() const noexcept { return isEnding_; }
+
+  protected:
+    SnapshotRest() noexcept : at_(nullptr), end_(nullptr) {}
+    // Past it before it goes: its end may run any code.
+    void release(T** at, T& served) {
+        at_ = at + 1;
+        if (!served.qorDeleteRefOfMany()) [[unlikely]] {
+            releaseLast(served);
+        }
+    }
+
+    T** at_;
+    T** end_;
+
+  private:
+    // The rare ways out of a step, out of line.
+    [[gnu::noinline, gnu::cold]] T** passOver(T** left) { return pass(left, **left); }
+    [[gnu::noinline, gnu::cold]] void releaseLast(T& notifiee) {
+        isEnding_ = true;
+        notifiee.qorDeleteRef();
+        isEnding_ = false;
+    }
+
+    bool isEnding_ = false;
+};
+
 template <class List>
-class SnapshotIterator {
+class SnapshotIterator : public SnapshotRest<typename List::Member> {
   public:
     using T = typename List::Member;
 
     explicit SnapshotIterator(List const& list) {
+        at_ = near_.data();
         if (list.count() > near_.size()) [[unlikely]] {
             far_ = std::make_unique_for_overwrite<T*[]>(list.count());
             at_ = far_.get();
         }
-        // The count is never less than what is on the list. A notifiee that ends is on it until its
-        // destructor takes it off, and hears nothing any more.
-        bool const isAlone = isSingleThreaded();
-        T** end = at_;
-        for (T* node = list.head(); node; node = List::next(*node)) {
-            *end = node;
-            end += node->qorNewRefUnlessEnding(isAlone) ? 1 : 0;
-        }
-        end_ = end;
+        end_ = isSingleThreaded() ? fill<true>(list) : fill<false>(list);
     }
-    SnapshotIterator(SnapshotIterator const&) = delete;
-    SnapshotIterator& operator=(SnapshotIterator const&) = delete;
     ~SnapshotIterator() {
         while (at_ != end_) {
-            release(at_);
+            this->release(at_, **at_);
         }
     }
 
-    explicit operator bool() const noexcept { return at_ != end_; }
-    /// The notifiee whose turn it is. REQUIRES: not at the end.
-    T& operator*() noexcept { return **at_; }
     SnapshotIterator& operator++() {
         if (at_ != end_) {
-            pass(at_);
+            this->pass(at_, **at_);
         }
         return *this;
     }
 
-    // The walk with the position in the caller's hands, and so in a register: from begin() by
-    // pass(), which gives the next position, to null.
-    T** begin() const noexcept { return at_ != end_ ? at_ : nullptr; }
-    T** pass(T** served) {
-        for (;;) {
-            release(served);
-            if (++served == end_) {
-                return nullptr;
-            }
-            if ((*served)->qorRefs() != 1) {
-                return served;
+  private:
+    using Rest = SnapshotRest<T>;
+    using Rest::at_;
+    using Rest::end_;
+
+    // The count is never less than what is on the list. A notifiee that ends is on it until its
+    // destructor takes it off, and hears nothing any more.
+    template <bool isAlone>
+    T** fill(List const& list) const noexcept {
+        T** end = at_;
+        for (T* node = list.head(); node; node = List::next(*node)) {
+            *end = node;
+            if (node->qorNewRefUnlessEnding(isAlone)) [[likely]] {
+                ++end;
             }
         }
+        return end;
     }
 
-  private:
-    // Past it before it goes: its end may run any code.
-    void release(T** served) {
-        at_ = served + 1;
-        (*served)->qorDeleteRef();
-    }
-
-    std::array<T*, 16> near_;  // as it comes: only what lies between the two below is meant
+    std::array<T*, 16> near_;  // as it comes: only what lies between at_ and end_ is meant
     std::unique_ptr<T*[]> far_;
-    T** at_ = near_.data();
-    T** end_;
 };
 
 }  // namespace Qor

@@ -101,6 +101,28 @@ TEST_F(DispatchException, OfAHandlerThatDroppedItsNotifieeIsReportedToIt) {
     EXPECT_EQ(PortListener::living(), 1);
 }
 
+// Drops the last reference on itself, and its end does not come to one.
+struct BadEnd : Port::NotifieeConst {
+    Qor::Ptr<BadEnd> self{this};
+    void onSpeed() override { self = nullptr; }
+    void zeroReferencesIs(bool) override { throw std::runtime_error("no end"); }
+};
+
+TEST_F(DispatchException, OfANotifieesEndIsNotTakenForTheNextOnesHandlers) {
+    b->notifierIs(nullptr);
+    auto* const bad = new BadEnd;
+    bad->notifierIs(port);
+    bad->qorDeleteRef();
+    b->notifierIs(port);
+    EXPECT_THROW(port->speedIs(10), std::runtime_error);
+    EXPECT_EQ(log, (Log{"a:speed"}));
+    EXPECT_EQ(b->qorRefs(), 1U);
+    delete bad;
+    log.clear();
+    port->speedIs(20);
+    EXPECT_EQ(log, (Log{"a:speed", "b:speed"}));
+}
+
 TEST_F(DispatchException, LeavesTheExpectationsOfTheCaller) {
     Qor::Expect const outer(Qor::Exception::rangeId);
     bool within = false;

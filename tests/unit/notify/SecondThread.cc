@@ -1,0 +1,39 @@
+// Linked to a test, gives its process a second thread from the beginning to the end.
+#include <qor/core/SingleThread.h>
+
+#include <gtest/gtest.h>
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+class SecondThread {
+  public:
+    ~SecondThread() {
+        {
+            std::lock_guard const lock(mutex_);
+            isOver_ = true;
+        }
+        over_.notify_one();
+        thread_.join();
+    }
+
+  private:
+    void wait() {
+        std::unique_lock lock(mutex_);
+        over_.wait(lock, [this] { return isOver_; });
+    }
+
+    std::mutex mutex_;
+    std::condition_variable over_;
+    bool isOver_ = false;
+    std::thread thread_{[this] { wait(); }};
+};
+
+SecondThread const secondThread;
+
+TEST(SecondThread, IsThere) { EXPECT_FALSE(Qor::isSingleThreaded()); }
+
+}  // namespace

@@ -80,6 +80,16 @@ void PtrInterface::deleteRefOfMarked() const {
     }
 }
 
+bool PtrInterface::deleteRefOfManyAmongThreads(U32 now) const noexcept {
+    while (now - 2 < leastMarked - 2) {
+        if (word_.compare_exchange_weak(now, now - 1, std::memory_order_acq_rel,
+                                        std::memory_order_relaxed)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void PtrInterface::zeroReferencesIs(bool) {}
 
 // The ending bit keeps the count away from zero while the end is told and while destructors run, so

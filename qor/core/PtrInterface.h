@@ -79,15 +79,14 @@ class QOR_EXPORT PtrInterface {
             handleZeroRef();
         }
     }
-    /// Gives up a reference while the process has one thread and the object is unmarked and held
-    /// by others too, as is most often so; else false, and nothing is done.
+    /// Gives up a reference, unless it is the last or the object bears marks; whether it did.
     bool qorDeleteRefOfMany() const noexcept {
         U32 const now = word();
         if (now - 2 >= leastMarked - 2) [[unlikely]] {
             return false;
         }
         if (!isSingleThreaded()) [[unlikely]] {
-            return false;
+            return deleteRefOfManyAmongThreads(now);
         }
         word_.store(now - 1, std::memory_order_relaxed);
         return true;
@@ -137,6 +136,7 @@ class QOR_EXPORT PtrInterface {
     bool newRefOfMarkedUnlessEnding() const noexcept;
     // Also of the last reference.
     void deleteRefOfMarked() const;
+    bool deleteRefOfManyAmongThreads(U32 now) const noexcept;
     void handleZeroRef() const;
     void tellWeakWatchers() const noexcept;
     U32 afterSaving() const noexcept;

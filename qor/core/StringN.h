@@ -258,12 +258,6 @@ inline void StringN<unsigned char>::Data::give() noexcept {
 inline bool StringN<unsigned char>::Data::operator==(Data const& other) const noexcept {
     if (length_ != other.length_) return false;
     return std::memcmp(bytes(), other.bytes(), length_) == 0;
-    // Most strings that differ do so at once: that is settled without a call.
-    std::uint64_t mine;
-    std::uint64_t its;
-    std::memcpy(&mine, bytes(), sizeof mine);
-    std::memcpy(&its, other.bytes(), sizeof its);
-    return mine == its && std::memcmp(bytes(), other.bytes(), length_) == 0;
 }
 
 inline std::uint32_t StringN<unsigned char>::hashOf(Data const& data) noexcept {

@@ -71,6 +71,28 @@ TEST_F(CountThreads, LastReferenceEndsTheObjectOnceOnWhateverThread) {
     EXPECT_EQ(Shared::destructions, objects);
 }
 
+TEST_F(CountThreads, OneOfManyReferencesIsNeverGivenUpAsTheLast) {
+    constexpr int objects = 5000;
+    std::vector<Shared*> all;
+    for (int i = 0; i < objects; ++i) {
+        all.push_back(new Shared);
+        for (int j = 1; j < threads; ++j) {
+            all.back()->qorNewRef();
+        }
+    }
+    std::atomic<int> last{0};
+    onAllThreads([&](int) {
+        for (Shared* object : all) {
+            if (!object->qorDeleteRefOfMany()) {
+                ++last;
+                object->qorDeleteRef();
+            }
+        }
+    });
+    EXPECT_EQ(last, objects);
+    EXPECT_EQ(Shared::destructions, objects);
+}
+
 // Its destructor reads what other threads wrote before they gave up their references.
 class Summing : public Shared {
   public:

@@ -72,6 +72,29 @@ TEST(CountWord, ZeroMaskLeavesOutTheTwoMarks) {
     EXPECT_EQ(PtrInterface::zeroMask & PtrInterface::weaklyWatchedBit, 0U);
 }
 
+TEST(CountWord, OneOfManyReferencesIsGivenUpAndTheLastIsNot) {
+    auto const object = Qor::make<Counted>();
+    EXPECT_TRUE(object->qorIsHeldOnce());
+    EXPECT_FALSE(object->qorDeleteRefOfMany());
+    EXPECT_EQ(object->qorRefWord(), 1U);
+    object->qorNewRef();
+    EXPECT_FALSE(object->qorIsHeldOnce());
+    EXPECT_TRUE(object->qorDeleteRefOfMany());
+    EXPECT_EQ(object->qorRefWord(), 1U);
+}
+
+TEST(CountWord, ReferenceOnAnObjectWithMarksIsNotGivenUpAsOneOfMany) {
+    auto const object = Qor::make<Counted>();
+    object->qorNewRef();
+    object->qorWeaklyWatchedIs(true);
+    EXPECT_FALSE(object->qorIsHeldOnce());
+    EXPECT_FALSE(object->qorDeleteRefOfMany());
+    EXPECT_EQ(object->qorRefs(), 2U);
+    object->qorDeleteRef();
+    EXPECT_TRUE(object->qorIsHeldOnce());
+    object->qorWeaklyWatchedIs(false);
+}
+
 TEST(CountWord, NondestructingObjectHasTheByte1FAndIsNotCounted) {
     auto* const object = new Counted;
     object->isNondestructingIs(true);

@@ -24,6 +24,7 @@ struct Telling {
     void (*rest)(Hearers& hearers, void const* key);
 };
 
+/// What dispatch() does, for handlers of any kind.
 QOR_EXPORT void dispatchBy(ListRawGeneric const& list, AttributeId id, Telling const& telling,
                            void const* key);
 

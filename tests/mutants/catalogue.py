@@ -116,7 +116,7 @@ MUTANTS = [
     ("only the first walker hears of a member that leaves", "qor/collections/MapWalker.cc",
      "            at->hold();\n", "            at->hold();\n            return;\n", ["framework_map_iterators", "framework_map_model"]),
     ("a notifiee that ended is told", "qor/notify/SnapshotIterator.h",
-     "return (*at)->qorIsHeldOnce() ? passOver(at) : at;", "return at;", ["framework_notifiee_model", "framework_notifier_end"]),
+     "return (*at)->qorIsHeldOnce() ? passOver(at) : at;", "return at;", ["framework_dispatch", "framework_notifiee_model", "framework_notifier_end"]),
     ("what a notifiee throws ends the telling", "qor/notify/Dispatch.cc",
      "            reportException(*snapshot, id);\n", "            reportException(*snapshot, id);\n            throw;\n",
      ["framework_dispatch", "framework_notifiee_model"]),

@@ -6,6 +6,7 @@
 #ifndef MODELC_EMIT_HOLES_H
 #define MODELC_EMIT_HOLES_H
 
+#include <functional>
 #include <map>
 #include <string>
 #include <string_view>

@@ -9,6 +9,7 @@
 
 #include <simdjson.h>
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>

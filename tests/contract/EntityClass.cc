@@ -8,26 +8,27 @@
 namespace Contract {
 namespace {
 
+// A plain pointer: an owning one of each class would take the compiler as long as the class.
 template <class A>
-std::unique_ptr<Attribute> bare() {
+Attribute* bare() {
     if constexpr (A::kind == Kind::scalar) {
-        return std::make_unique<AccessedScalar<A>>(A::id, A::name, A::kind);
+        return new AccessedScalar<A>(A::id, A::name, A::kind);
     } else if constexpr (A::kind == Kind::constField) {
-        return std::make_unique<AccessedConstField<A>>(A::id, A::name, A::kind);
+        return new AccessedConstField<A>(A::id, A::name, A::kind);
     } else if constexpr (A::kind == Kind::valueMap || A::kind == Kind::refMap) {
-        return std::make_unique<AccessedMap<A>>(A::id, A::name, A::kind);
+        return new AccessedMap<A>(A::id, A::name, A::kind);
     } else if constexpr (A::kind == Kind::childMap) {
-        return std::make_unique<AccessedOwnedMap<A>>(A::id, A::name, A::kind);
+        return new AccessedOwnedMap<A>(A::id, A::name, A::kind);
     } else if constexpr (A::kind == Kind::child) {
-        return std::make_unique<AccessedChild<A>>(A::id, A::name, A::kind);
+        return new AccessedChild<A>(A::id, A::name, A::kind);
     } else {
-        return std::make_unique<Attribute>(A::id, A::name, A::kind);
+        return new Attribute(A::id, A::name, A::kind);
     }
 }
 
 template <class A>
 std::unique_ptr<Attribute const> accessed() {
-    auto attribute = bare<A>();
+    std::unique_ptr<Attribute> attribute(bare<A>());
     attribute->ownerName = A::Entity::qorTypeName;
     if constexpr (A::kind == Kind::refMap || A::kind == Kind::childMap || A::kind == Kind::child) {
         attribute->valueType = A::Target::qorTypeName;

@@ -16,6 +16,7 @@
 
 #include <sys/types.h>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>

@@ -5,7 +5,8 @@ import subprocess
 import time
 
 import serve_case
-from support.agent import program
+from support.agent import Agent, program
+from support.proxy import Proxy
 
 
 class ServeTest(serve_case.ServeCase):
@@ -29,6 +30,38 @@ class ServeTest(serve_case.ServeCase):
         self.await_rows(client, self.db.read())
         self.churn(self.db, generator, 200)
         self.await_rows(client, self.db.read())
+
+    def agent_without_answer(self, name):
+        """An agent whose database says nothing until the proxy's gate is open."""
+        proxy = Proxy(self.directory / f"{name}.sock", self.db.socket)
+        self.addCleanup(proxy.close)
+        proxy.gate.clear()
+        agent = Agent(self.directory / name, proxy.remote)
+        self.addCleanup(agent.stop)
+        return agent.start(), proxy
+
+    def test_a_reader_that_comes_amid_the_first_copy_gets_all_of_it_at_once(self):
+        self.network(self.db, remote_macs=50)
+        expected = serve_case.rows_text(self.db.read())
+        for turn in range(3):
+            begin = time.monotonic()
+            agent, proxy = self.agent_without_answer(f"agent{turn}")
+            client = self.client(agent, "/vgw")
+            time.sleep(0.2)
+            proxy.gate.set()
+            took = time.monotonic() - begin
+            client.await_told("synced /vgw")
+            if took < 4:  # else nobody waited for it any longer
+                return self.assertEqual(client.dump(self.directory / "client.json"), expected)
+        self.fail("never was the agent started and asked within 4 s")
+
+    def test_a_reader_waits_some_seconds_for_a_database_that_says_nothing(self):
+        agent, proxy = self.agent_without_answer("agent")
+        client = self.client(agent, "/vgw")
+        client.await_told("synced /vgw", timeout=8)
+        self.assertEqual(client.ask("get", "/vgw/database", "inStep"), "false")
+        proxy.gate.set()
+        client.await_value("true", "get", "/vgw/database", "inStep")
 
     def test_a_reader_that_comes_before_the_database_gets_it_when_it_comes(self):
         self.db.stop()

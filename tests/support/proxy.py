@@ -8,7 +8,7 @@ class Proxy:
     """Forwards each connection to its path to the server's socket.
 
     `limit`: connections made while it is set are cut after so many bytes of the server's, and `at_limit` is called before that.
-    `heard` has what the server has sent on the connection made last.
+    While `gate` is not set, nothing of the server's goes on. `heard` has what the server has sent on the connection made last.
     """
 
     def __init__(self, path, target):
@@ -18,6 +18,8 @@ class Proxy:
         self.cuts = 0  # by the limit
         self.limit = None
         self.at_limit = lambda: None
+        self.gate = threading.Event()
+        self.gate.set()
         self.heard = b""
         self._open = set()
         self._dead = set()
@@ -40,6 +42,7 @@ class Proxy:
             self._dead |= self._open
 
     def close(self):
+        self.gate.set()
         _close((self._listener,))
         self.cut()
         self.path.unlink(missing_ok=True)
@@ -79,6 +82,7 @@ class Proxy:
                 if pair in self._dead:
                     continue
                 if source is pair[1]:
+                    self.gate.wait()
                     self.heard += data
                 sink.sendall(data)
                 left = None if left is None else left - len(data)

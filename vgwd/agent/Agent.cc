@@ -7,6 +7,7 @@
 #include <asio/post.hpp>
 
 #include <unistd.h>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
@@ -15,6 +16,14 @@
 namespace Vgwd {
 
 using Ovsdb::LogLevel;
+
+namespace {
+
+// While a first copy is on its way peers wait: a copy of theirs, from before a restart, would be
+// emptied and filled again. A server that works on its answer is as silent as one that is stopped.
+constexpr std::chrono::seconds longestAdmission{5};
+
+}  // namespace
 
 Agent::Agent(asio::io_context& loop, Options options, LogOutputs& logs)
     : loop_(loop),
@@ -108,6 +117,7 @@ void Agent::serve() {
     if (!lock_.isHeld() && options_.listen.empty())
         return log_(LogLevel::warning, "nobody can connect without the run directory");
     ServeOptions serve = serveOptionsOf(options_);
+    if (!options_.disabled) serve.admission = longestAdmission;
     if (madeRunDirectory_) letThroughRunDirectory(options_.runDirectory, serve.access);
     served_.start(std::move(serve));
 }
@@ -165,6 +175,7 @@ void Agent::onStep() {
 }
 
 void Agent::onInStep() {
+    served_.admit();
     if (!options_.once) return;
     std::string const text = reportOf(options_.format, *tree_.status(), session_.mirror());
     bool const written =
@@ -177,8 +188,11 @@ void Agent::onListening() {
     if (std::exchange(starting_, false)) handleReady();
 }
 
+void Agent::onOff() { served_.admit(); }
+
 void Agent::onFailed(std::string const& reason) {
     lastReason_ = reason;
+    served_.admit();
     bool const giveUp = options_.once && options_.timeout <= 0;
     if (!giveUp && !starting_) return;
     logs_.logFatal(reason);

@@ -50,6 +50,7 @@ class Agent final : private SessionListener {
     void onInStep() override;
     void onFailed(std::string const& reason) override;
     void onListening() override;
+    void onOff() override;
 
     void addWatcher();
     void prepareRunDirectory();

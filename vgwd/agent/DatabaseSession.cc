@@ -80,6 +80,7 @@ void DatabaseSession::handleLeft() {
     books_.close();
     if (server_) server_->wantedIs(false);
     listener_.onStep();
+    listener_.onOff();
     if (std::exchange(enabled_, false)) enabledIs(true);
 }
 

@@ -36,6 +36,8 @@ class SessionListener {
     virtual void onFailed(std::string const& reason) = 0;
     /// The server of our own listens.
     virtual void onListening() = 0;
+    /// The OVSDB side is off.
+    virtual void onOff() = 0;
 };
 
 class DatabaseSession final : private Ovsdb::ClientListener, private WriteListener {

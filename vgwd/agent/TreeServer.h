@@ -22,6 +22,8 @@ class TreeServer final : private ServerListener {
 
     /// Raises std::runtime_error, which names what can't be listened on.
     void start(ServeOptions options);
+    /// Nobody waits to be let in any longer.
+    void admit() { server_.admit(); }
     void stop(std::string const& reason) {
         server_.stop(reason);
         books_.stop();

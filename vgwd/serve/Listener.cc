@@ -92,12 +92,14 @@ Listener::Listener(asio::io_context& loop, ListenAddress address, ServeOptions c
       socket_(loop, listenAt(address_, options)),
       pause_(loop),
       accept_(std::move(accept)),
-      log_(std::move(log)) {
-    await();
-}
+      log_(std::move(log)) {}
 
 Listener::~Listener() {
     if (address_.kind == Kind::unixSocket) ::unlink(address_.path.c_str());
+}
+
+void Listener::admit() {
+    if (!std::exchange(admits_, true)) await();
 }
 
 void Listener::await() {

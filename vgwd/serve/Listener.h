@@ -21,7 +21,8 @@ class Listener {
     /// Takes over a connected socket that does not block.
     using Accept = std::function<void(int socket, ListenAddress::Kind kind)>;
 
-    /// Listens. Raises std::runtime_error, which names the address and what is wrong with it.
+    /// Listens, and takes nobody before admit(). Raises std::runtime_error, which names the address
+    /// and what is wrong with it.
     Listener(asio::io_context& loop, ListenAddress address, ServeOptions const& options,
              Accept accept, Ovsdb::LogSink log);
     /// A socket in the file system goes.
@@ -29,6 +30,8 @@ class Listener {
     Listener(Listener const&) = delete;
     Listener& operator=(Listener const&) = delete;
 
+    /// Takes connections from now on, also those that came before.
+    void admit();
     /// Where it really listens: a free port is told.
     ListenAddress const& address() const { return address_; }
 
@@ -44,6 +47,7 @@ class Listener {
     Accept accept_;
     Ovsdb::LogSink log_;
     bool isShort_ = false;  // of descriptors, and said so
+    bool admits_ = false;
 };
 
 }  // namespace Vgwd

@@ -32,6 +32,8 @@ struct ServeOptions {
     Ovsdb::TlsFiles tls;
     PeerTimes times;
     QuotaLimits quotas;
+    /// Who connects waits until Server::admit(), but no longer than this.
+    std::chrono::milliseconds admission{0};
 };
 
 }  // namespace Vgwd

@@ -25,7 +25,11 @@ void raiseDescriptorLimit() {
 
 Server::Server(asio::io_context& loop, Qor::Ptr<Qor::Entity> root, ServerListener& listener,
                Ovsdb::LogSink log)
-    : loop_(loop), root_(std::move(root)), listener_(listener), log_(std::move(log)) {}
+    : loop_(loop),
+      root_(std::move(root)),
+      listener_(listener),
+      log_(std::move(log)),
+      admission_(loop) {}
 
 Server::~Server() { stop("the agent ends"); }
 
@@ -40,9 +44,20 @@ void Server::start(ServeOptions options) {
             [this](int socket, ListenAddress::Kind kind) { accept(socket, kind); }, log_));
         log_(LogLevel::info, "listening on " + listeners_.back()->address().text());
     }
+    if (options_.admission.count() == 0) return admit();
+    admission_.expires_after(options_.admission);
+    admission_.async_wait([this](std::error_code error) {
+        if (!error) admit();
+    });
+}
+
+void Server::admit() {
+    admission_.cancel();
+    for (auto const& listener : listeners_) listener->admit();
 }
 
 void Server::stop(std::string const& reason) {
+    admission_.cancel();
     listeners_.clear();
     for (auto const& peer : std::vector(peers_)) peer->close(reason);
     peers_.clear();

@@ -9,6 +9,9 @@
 #include <vgwd/serve/PeerHost.h>
 #include <vgwd/serve/TlsContext.h>
 
+#include <asio/io_context.hpp>
+#include <asio/steady_timer.hpp>
+
 #include <functional>
 #include <memory>
 #include <optional>
@@ -35,9 +38,11 @@ class Server final : private PeerHost {
            Ovsdb::LogSink log);
     ~Server() override;
 
-    /// Begins to listen. Raises std::runtime_error, which names the address or file and what is
-    /// wrong with it.
+    /// Begins to listen, and to take connections, if the options don't say to wait. Raises
+    /// std::runtime_error, which names the address or file and what is wrong with it.
     void start(ServeOptions options);
+    /// Who has connected and waits is taken, as is everyone from now on.
+    void admit();
     /// Ends everything; the peers are told why.
     void stop(std::string const& reason);
     /// The certificates are read again, for connections from now on; files that are no good are
@@ -69,6 +74,7 @@ class Server final : private PeerHost {
     ServeOptions options_;
     std::optional<Quotas> quotas_;
     std::optional<TlsContext> tls_;
+    asio::steady_timer admission_;
     std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<std::shared_ptr<Peer>> peers_;
     std::uint64_t made_ = 0;  // peers so far: each has a name of its own

@@ -55,7 +55,7 @@ class ServeTest(serve_case.ServeCase):
                 return self.assertEqual(client.dump(self.directory / "client.json"), expected)
         self.fail("never was the agent started and asked within 4 s")
 
-    def test_a_reader_waits_some_seconds_for_a_database_that_says_nothing(self):
+    def test_a_reader_is_let_in_although_the_database_says_nothing(self):
         agent, proxy = self.agent_without_answer("agent")
         client = self.client(agent, "/vgw")
         client.await_told("synced /vgw", timeout=8)

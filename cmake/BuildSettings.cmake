@@ -14,6 +14,9 @@ endif()
 # The measurements are stated for -O2. Assertions are the library's own and stay in every build.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2")
 
+# Nobody is to replace a library's function by another of that name, so the compiler may look into its own.
+add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+
 include(GNUInstallDirs)
 set(CMAKE_INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 

@@ -9,11 +9,6 @@
 namespace Modelc {
 namespace {
 
-std::string const& nameOf(Member const& member) {
-    if (auto const* attribute = std::get_if<Attribute>(&member)) return attribute->name;
-    return std::get<Operation>(member).name;
-}
-
 std::vector<std::string> accessorsOf(Attribute const& attribute) {
     Spelling const spelling(attribute.name);
     switch (attribute.kind) {

@@ -11,11 +11,6 @@ namespace {
 constexpr std::string_view frameworkEntity = "Qor::Entity";
 constexpr std::string_view baseExpected = "Qor::Entity or an entity declared above";
 
-std::string const& nameOf(Member const& member) {
-    if (auto const* attribute = std::get_if<Attribute>(&member)) return attribute->name;
-    return std::get<Operation>(member).name;
-}
-
 Member const* findOwnMember(Entity const& entity, std::string const& name) {
     auto const found = std::find_if(entity.members.begin(), entity.members.end(),
                                     [&](Member const& m) { return nameOf(m) == name; });

@@ -12,6 +12,11 @@ std::string Type::shortName() const {
     return at == std::string::npos ? fullName : fullName.substr(at + 2);
 }
 
+std::string const& nameOf(Member const& member) {
+    if (auto const* attribute = std::get_if<Attribute>(&member)) return attribute->name;
+    return std::get<Operation>(member).name;
+}
+
 Entity const& Entity::root() const {
     Entity const* at = this;
     while (at->base != nullptr) at = at->base;

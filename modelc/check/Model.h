@@ -133,6 +133,8 @@ struct Operation {
 
 using Member = std::variant<Attribute, Operation>;
 
+std::string const& nameOf(Member const& member);
+
 // The attribute of a base that tells the kinds of its derived classes apart, and this class's
 // enumerator of it.
 struct KindMark {

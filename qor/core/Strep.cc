@@ -17,10 +17,6 @@ using Position = String8::IteratorConst;
 
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-void advance(Position& position, std::size_t count) {
-    position.indexIs(position.index() + static_cast<U32>(count));
-}
-
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
@@ -93,7 +89,7 @@ void skipBlanks(Position& position, Position const& end) {
     auto const rest = position.rest(end);
     std::size_t count = 0;
     while (count < rest.size() && isBlank(rest[count])) ++count;
-    advance(position, count);
+    skipBytes(position, count);
 }
 
 void needString(Position& position, Position const& end, char const* pattern) {
@@ -106,7 +102,7 @@ void needString(Position& position, Position const& end, char const* pattern) {
         if (rest.empty() || rest.front() != *wanted) {
             throwExpected(format("\"%s\"", pattern).charPtr(), position);
         }
-        advance(position, 1);
+        skipBytes(position, 1);
     }
 }
 
@@ -133,7 +129,7 @@ String8 valueToStrep(String8 const& value) {
 String8 sequenceToValue(Position& position, Position const& end, String8*) {
     skipBlanks(position, end);
     if (position.rest(end).substr(0, 1) != "'") throwExpected("a quoted string", position);
-    advance(position, 1);
+    skipBytes(position, 1);
     std::string out;
     auto rest = position.rest(end);
     for (;;) {
@@ -143,12 +139,12 @@ String8 sequenceToValue(Position& position, Position const& end, String8*) {
             throwExpected("the closing quote", position);
         }
         out += rest.substr(0, plain);
-        advance(position, plain + 1);
+        skipBytes(position, plain + 1);
         if (rest[plain] == '\'') return String8(std::string_view(out));
         rest.remove_prefix(plain + 1);
         auto const escape = readEscape(rest, out);
         if (escape == 0) throwExpected("one of ' \\ n r t xNN behind the backslash", position);
-        advance(position, escape);
+        skipBytes(position, escape);
         rest.remove_prefix(escape);
     }
 }

@@ -27,6 +27,11 @@ namespace Qor {
 QOR_EXPORT void needString(String8::IteratorConst& position, String8::IteratorConst const& end,
                            char const* pattern);
 
+// Goes over that many bytes.
+inline void skipBytes(String8::IteratorConst& position, std::size_t count) {
+    position.indexIs(position.index() + static_cast<U32>(count));
+}
+
 // Goes over white space.
 QOR_EXPORT void skipBlanks(String8::IteratorConst& position, String8::IteratorConst const& end);
 

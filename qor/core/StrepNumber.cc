@@ -30,10 +30,6 @@ std::string_view runOf(std::string_view text, char const* characters) {
     return text.substr(0, std::min(text.find_first_not_of(characters), text.size()));
 }
 
-void advance(Position& position, std::size_t count) {
-    position.indexIs(position.index() + static_cast<U32>(count));
-}
-
 // The digits of a number without sign.
 std::string_view digitsOf(std::string_view text, Position const& position) {
     auto const digits = runOf(text, "0123456789");
@@ -46,7 +42,7 @@ std::string_view digitsOf(std::string_view text, Position const& position) {
 
 bool goOver(Position& position, Position const& end, std::string_view word) {
     if (!startOf(position, end).starts_with(word)) return false;
-    advance(position, word.size());
+    skipBytes(position, word.size());
     return true;
 }
 
@@ -66,7 +62,7 @@ U64 unsignedFromText(Position& position, Position const& end, U64 greatest) {
             format("a number from 0 to %llu", static_cast<unsigned long long>(greatest)).charPtr(),
             position);
     }
-    advance(position, digits.size());
+    skipBytes(position, digits.size());
     return value;
 }
 
@@ -84,7 +80,7 @@ I64 signedFromText(Position& position, Position const& end, I64 least, I64 great
                           .charPtr(),
                       position);
     }
-    advance(position, size);
+    skipBytes(position, size);
     return value;
 }
 
@@ -102,7 +98,7 @@ double doubleFromText(Position& position, Position const& end) {
     double value = 0;
     auto const result = std::from_chars(text.data(), text.data() + text.size(), value);
     if (result.ec != std::errc()) throwExpected("a number", position);
-    advance(position, static_cast<std::size_t>(result.ptr - text.data()));
+    skipBytes(position, static_cast<std::size_t>(result.ptr - text.data()));
     return value;
 }
 

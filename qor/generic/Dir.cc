@@ -13,21 +13,21 @@ constexpr AttributeRow rows[] = {
 };
 constexpr ArgumentRow arguments[] = {{"name", "Qor::Name"}};
 
-constinit TypeRecord record{.fullName = Dir::qorTypeName,
-                            .sort = TypeSort::entity,
-                            .size = sizeof(Dir),
-                            .self = &Dir::_fwkType,
-                            .base = &Entity::_fwkType,
-                            .make = &makeType<Dir::_Type>,
-                            .constructorArguments = arguments,
-                            .attributes = rows};
-constinit TypeRecord* const records[] = {&record};
-constinit TypeUnit unit("Qor", records, {});
-TypeUnitLoader const loader(unit);
+constinit TypeRecord dirRecord{.fullName = Dir::qorTypeName,
+                               .sort = TypeSort::entity,
+                               .size = sizeof(Dir),
+                               .self = &Dir::_fwkType,
+                               .base = &Entity::_fwkType,
+                               .make = &makeType<Dir::_Type>,
+                               .constructorArguments = arguments,
+                               .attributes = rows};
+constinit TypeRecord* const dirRecords[] = {&dirRecord};
+constinit TypeUnit dirUnit("Qor", dirRecords, {});
+TypeUnitLoader const dirLoader(dirUnit);
 
 }  // namespace
 
-QorType* Dir::_fwkType() { return unit.typeOf(record); }
+QorType* Dir::_fwkType() { return dirUnit.typeOf(dirRecord); }
 QorType* Dir::fwkType() const { return _fwkType(); }
 
 Qor::Ptr<Entity> Dir::_Type::newEntity(Name const& name, Dir*) { return validPtr(make<Dir>(name)); }

@@ -9,53 +9,53 @@ namespace Ovsdb {
 namespace {
 
 TEST(RpcError, AStringIsTheErrorItself) {
-    JsonText const json(R"("unknown method")");
-    std::optional<RpcError> const error = replyError(json.root());
+    JsonText const told(R"("unknown method")");
+    std::optional<RpcError> const error = replyError(told.root());
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, RpcError::Kind::refused);
     EXPECT_EQ(error->text(), "unknown method");
 }
 
 TEST(RpcError, AnObjectHasErrorAndDetails) {
-    JsonText const json(
+    JsonText const told(
         R"({"details":"get_schema request specifies unknown database x","error":"unknown database","syntax":"[]"})");
-    EXPECT_EQ(replyError(json.root())->text(),
+    EXPECT_EQ(replyError(told.root())->text(),
               "unknown database: get_schema request specifies unknown database x");
 }
 
 TEST(RpcError, NullIsNone) {
-    JsonText const json("null");
-    EXPECT_FALSE(replyError(json.root()));
+    JsonText const told("null");
+    EXPECT_FALSE(replyError(told.root()));
 }
 
 TEST(RpcError, AnyOtherShapeStillIsAnError) {
-    JsonText const json("[1,2]");
-    EXPECT_EQ(replyError(json.root())->text(), "an error of unknown shape: [1,2]");
+    JsonText const told("[1,2]");
+    EXPECT_EQ(replyError(told.root())->text(), "an error of unknown shape: [1,2]");
 }
 
 TEST(RpcError, AFailedOperationIsCounted) {
-    JsonText const json(R"([{"count":0},{"error":"constraint violation","details":"why"},null])");
-    std::optional<RpcError> const error = transactError(json.root(), 3);
+    JsonText const told(R"([{"count":0},{"error":"constraint violation","details":"why"},null])");
+    std::optional<RpcError> const error = transactError(told.root(), 3);
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, RpcError::Kind::operation);
     EXPECT_EQ(error->text(), "constraint violation: why (operation 1)");
 }
 
 TEST(RpcError, AFailedCommitIsOneElementBeyondTheOperations) {
-    JsonText const json(R"([{},{},{"error":"referential integrity violation"}])");
-    std::optional<RpcError> const error = transactError(json.root(), 2);
+    JsonText const told(R"([{},{},{"error":"referential integrity violation"}])");
+    std::optional<RpcError> const error = transactError(told.root(), 2);
     ASSERT_TRUE(error);
     EXPECT_EQ(error->kind, RpcError::Kind::commit);
 }
 
 TEST(RpcError, CountZeroIsSuccess) {
-    JsonText const json(R"([{"count":0}])");
-    EXPECT_FALSE(transactError(json.root(), 1));
+    JsonText const told(R"([{"count":0}])");
+    EXPECT_FALSE(transactError(told.root(), 1));
 }
 
 TEST(RpcError, AResultThatIsNoArrayIsRefused) {
-    JsonText const json("{}");
-    EXPECT_THROW(static_cast<void>(transactError(json.root(), 1)), ProtocolError);
+    JsonText const told("{}");
+    EXPECT_THROW(static_cast<void>(transactError(told.root(), 1)), ProtocolError);
 }
 
 }  // namespace

@@ -10,19 +10,19 @@
 namespace Ovsdb {
 namespace {
 
-constexpr std::string_view first = "00000000-0000-4000-8000-000000000001";
-constexpr std::string_view second = "00000000-0000-4000-8000-000000000002";
+constexpr std::string_view firstRow = "00000000-0000-4000-8000-000000000001";
+constexpr std::string_view secondRow = "00000000-0000-4000-8000-000000000002";
 
 class UpdateReaderTest : public testing::Test {
   protected:
     std::vector<RowChange> apply(std::string text, UpdateForm form = UpdateForm::differences,
                                  bool whole = false) {
-        for (auto const& [name, uuid] : {std::pair("$1", first), std::pair("$2", second)})
+        for (auto const& [name, uuid] : {std::pair("$1", firstRow), std::pair("$2", secondRow)})
             for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name))
                 text.replace(at, 2, uuid);
-        JsonText const json(text);
+        JsonText const parsed(text);
         RowStore::Staging staging(store_);
-        UpdateReader(plan_, staging).read(json.root(), form);
+        UpdateReader(plan_, staging).read(parsed.root(), form);
         return staging.commit(whole);
     }
 
@@ -48,12 +48,12 @@ TEST_F(UpdateReaderTest, AnInsertLeavesOutDefaults) {
         apply(R"({"Logical_Switch":{"$1":{"insert":{"name":"red"}},"$2":{"insert":{}}}})");
     ASSERT_EQ(changes.size(), 2U);
     EXPECT_FALSE(changes[0].before);
-    ASSERT_NE(logicalSwitch(first), nullptr);
-    EXPECT_EQ(logicalSwitch(first)->column(LogicalSwitchColumn::name), "red");
-    EXPECT_EQ(logicalSwitch(first)->column(LogicalSwitchColumn::description), "");
-    EXPECT_EQ(optionalIntegerOf(logicalSwitch(first)->column(LogicalSwitchColumn::tunnelKey)),
+    ASSERT_NE(logicalSwitch(firstRow), nullptr);
+    EXPECT_EQ(logicalSwitch(firstRow)->column(LogicalSwitchColumn::name), "red");
+    EXPECT_EQ(logicalSwitch(firstRow)->column(LogicalSwitchColumn::description), "");
+    EXPECT_EQ(optionalIntegerOf(logicalSwitch(firstRow)->column(LogicalSwitchColumn::tunnelKey)),
               std::nullopt);
-    EXPECT_NE(logicalSwitch(second), nullptr);
+    EXPECT_NE(logicalSwitch(secondRow), nullptr);
 }
 
 TEST_F(UpdateReaderTest, AModifyLeavesOtherColumnsAlone) {
@@ -80,9 +80,10 @@ TEST_F(UpdateReaderTest, TheWholeRowFormReplacesAndDeletes) {
     apply(
         R"({"Logical_Switch":{"$1":{"new":{"name":"red","tunnel_key":2},"old":{"tunnel_key":1}}}})",
         UpdateForm::whole);
-    EXPECT_EQ(optionalIntegerOf(logicalSwitch(first)->column(LogicalSwitchColumn::tunnelKey)), 2);
+    EXPECT_EQ(optionalIntegerOf(logicalSwitch(firstRow)->column(LogicalSwitchColumn::tunnelKey)),
+              2);
     apply(R"({"Logical_Switch":{"$1":{"old":{"name":"red","tunnel_key":2}}}})", UpdateForm::whole);
-    EXPECT_EQ(logicalSwitch(first), nullptr);
+    EXPECT_EQ(logicalSwitch(firstRow), nullptr);
 }
 
 TEST_F(UpdateReaderTest, AWholeCopyTellsDifferencesOnly) {
@@ -96,16 +97,17 @@ TEST_F(UpdateReaderTest, AWholeCopyTellsDifferencesOnly) {
     std::vector<RowChange> const changes = apply(
         R"({"Logical_Switch":{"$2":{"initial":{"name":"blue"}}}})", UpdateForm::differences, true);
     ASSERT_EQ(changes.size(), 1U);
-    EXPECT_EQ(changes[0].uuid.text(), first);
+    EXPECT_EQ(changes[0].uuid.text(), firstRow);
     EXPECT_EQ(changes[0].after, nullptr);
 }
 
 TEST_F(UpdateReaderTest, AnUpdateWithAnErrorInItsLastRowChangesNothing) {
     apply(R"({"Logical_Switch":{"$1":{"insert":{"name":"red"}}}})");
-    EXPECT_EQ(refusal(R"({"Logical_Switch":{"$1":{"delete":null},"$2":{"insert":{"name":17}}}})"),
-              "row " + std::string(second) + " of table Logical_Switch: expected string, got 17");
+    EXPECT_EQ(
+        refusal(R"({"Logical_Switch":{"$1":{"delete":null},"$2":{"insert":{"name":17}}}})"),
+        "row " + std::string(secondRow) + " of table Logical_Switch: expected string, got 17");
     EXPECT_EQ(store_.size(), 1U);
-    EXPECT_EQ(logicalSwitch(first)->column(LogicalSwitchColumn::name), "red");
+    EXPECT_EQ(logicalSwitch(firstRow)->column(LogicalSwitchColumn::name), "red");
     EXPECT_EQ(apply(R"({"Logical_Switch":{"$1":{"delete":null},"$2":{"insert":{}}}})").size(), 2U);
 }
 
@@ -115,18 +117,19 @@ TEST_F(UpdateReaderTest, WhatMakesNoSenseIsRefusedByName) {
               "the update of table Logical_Switch is no object");
     EXPECT_EQ(refusal(R"({"Logical_Switch":{"junk":{}}})"),
               "\"junk\" is no uuid, in the update of table Logical_Switch");
-    EXPECT_EQ(refusal(R"({"Logical_Switch":{"$1":{"modify":{"name":"x"}}}})"),
-              "row " + std::string(first) + " of table Logical_Switch: modified, but never seen");
+    EXPECT_EQ(
+        refusal(R"({"Logical_Switch":{"$1":{"modify":{"name":"x"}}}})"),
+        "row " + std::string(firstRow) + " of table Logical_Switch: modified, but never seen");
     EXPECT_EQ(
         refusal(R"({"Logical_Switch":{"$1":{"changed":{}}}})"),
-        "row " + std::string(first) +
+        "row " + std::string(firstRow) +
             " of table Logical_Switch: none of \"initial\", \"insert\", \"modify\", \"delete\"");
     EXPECT_EQ(
         refusal(R"({"Logical_Switch":{"$1":{}}})", UpdateForm::whole),
-        "row " + std::string(first) + " of table Logical_Switch: neither \"new\" nor \"old\"");
+        "row " + std::string(firstRow) + " of table Logical_Switch: neither \"new\" nor \"old\"");
     EXPECT_EQ(refusal(R"({"Logical_Switch":{"$1":{"insert":{}},"$1":{"delete":null}}})"),
-              "row " + std::string(first) + " of table Logical_Switch: row " + std::string(first) +
-                  " of table Logical_Switch stands twice in one update");
+              "row " + std::string(firstRow) + " of table Logical_Switch: row " +
+                  std::string(firstRow) + " of table Logical_Switch stands twice in one update");
     EXPECT_EQ(store_.size(), 0U);
 }
 
@@ -139,7 +142,7 @@ TEST_F(UpdateReaderTest, UnknownTablesAndColumnsArePassedOver) {
     std::vector<RowChange> const changes = apply(
         R"({"ACL":{"$1":{"insert":{"acl_name":"x"}}},"Logical_Switch":{"$2":{"insert":{"name":"red","_version":["uuid","x"]}}}})");
     ASSERT_EQ(changes.size(), 1U);
-    EXPECT_EQ(changes[0].uuid.text(), second);
+    EXPECT_EQ(changes[0].uuid.text(), secondRow);
 }
 
 TEST_F(UpdateReaderTest, AModifyThatChangesNothingTellsNothing) {

@@ -102,11 +102,10 @@ class EveryWrapper : public EveryClass {
     }
 };
 
-/// What a call raised: the sort of the failure and the name in it, or "nothing".
-template <class Call>
-std::string raised(Call&& call) {
+/// What a call of what stands at an address raised.
+inline std::string raisedBy(void (*call)(void const*), void const* called) {
     try {
-        call();
+        call(called);
     } catch (Qor::ConstException const& e) {
         return "const " + std::string(e.subject().view());
     } catch (Qor::TypeException const& e) {
@@ -123,6 +122,12 @@ std::string raised(Call&& call) {
         return "range " + std::string(e.what());
     }
     return "nothing";
+}
+
+/// What a call raised: the sort of the failure and the name in it, or "nothing".
+template <class Call>
+std::string raised(Call const& call) {
+    return raisedBy([](void const* called) { (*static_cast<Call const*>(called))(); }, &call);
 }
 
 }  // namespace Contract

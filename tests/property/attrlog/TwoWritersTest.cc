@@ -35,8 +35,8 @@ struct Node {
 };
 
 // One node's tree is mounted by the next.
-struct Link {
-    Link(Node const& source, Node const& copy, Qor::U32 blocks) {
+struct WritersLink {
+    WritersLink(Node const& source, Node const& copy, Qor::U32 blocks) {
         MemoryTransport::connect(near, far);
         Session::Config gives;
         gives.side = Side::accepting;
@@ -73,7 +73,7 @@ class Chain {
         }
         auto const blocks = static_cast<Qor::U32>(1 + below(8));
         for (std::size_t i = 1; i < length; ++i) {
-            links_.push_back(std::make_unique<Link>(*nodes_[i - 1], *nodes_[i], blocks));
+            links_.push_back(std::make_unique<WritersLink>(*nodes_[i - 1], *nodes_[i], blocks));
         }
     }
 
@@ -109,10 +109,10 @@ class Chain {
     void turn() {
         constexpr std::size_t rooms[] = {0, 1, 60, 500, 5000, 40000, 1U << 20};
         for (std::uint64_t i = below(6); i > 0; --i) nodes_[below(nodes_.size())]->tree.step();
-        Link& link = *links_[below(links_.size())];
+        WritersLink& link = *links_[below(links_.size())];
         link.roomIs(rooms[below(std::size(rooms))], rooms[below(std::size(rooms))]);
         for (std::uint64_t i = below(3); i > 0; --i) {
-            Link& served = *links_[below(links_.size())];
+            WritersLink& served = *links_[below(links_.size())];
             (below(2) == 0 ? served.given : served.taken)->service();
         }
     }
@@ -147,11 +147,11 @@ class Chain {
 
     std::mt19937_64 random_;
     std::vector<std::unique_ptr<Node>> nodes_;
-    std::vector<std::unique_ptr<Link>> links_;
+    std::vector<std::unique_ptr<WritersLink>> links_;
 };
 
 // VGW_SEEDS=n runs so many, from VGW_SEED on.
-void manySeeds(std::uint64_t count, std::size_t length) {
+void manyWriters(std::uint64_t count, std::size_t length) {
     std::uint64_t const from = Settings::number("VGW_SEED", 1);
     std::uint64_t const many = Settings::number("VGW_SEEDS", std::getenv("VGW_SEED") ? 1 : count);
     for (std::uint64_t seed = from; seed < from + many; ++seed) {
@@ -165,8 +165,8 @@ void manySeeds(std::uint64_t count, std::size_t length) {
     }
 }
 
-TEST(TwoWriters, BothEndsHoldTheSameAtRest) { manySeeds(Settings::volume(600, 200, 60), 2); }
+TEST(TwoWriters, BothEndsHoldTheSameAtRest) { manyWriters(Settings::volume(600, 200, 60), 2); }
 
-TEST(TwoWriters, AllOfAChainHoldTheSameAtRest) { manySeeds(Settings::volume(300, 100, 30), 3); }
+TEST(TwoWriters, AllOfAChainHoldTheSameAtRest) { manyWriters(Settings::volume(300, 100, 30), 3); }
 
 }  // namespace

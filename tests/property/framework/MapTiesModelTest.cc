@@ -13,9 +13,8 @@ using namespace Sample;
 
 namespace {
 
-using Node = SmallNode<true>;
-using Map = Node::Map;
-using Key = Node::Key;
+using TiedNode = SmallNode<true>;
+using TiedMap = TiedNode::Map;
 
 // What one walk has met, and what it has to meet.
 struct Audit {
@@ -29,7 +28,7 @@ class TiesWorld {
     explicit TiesWorld(std::uint64_t seed) : random_(seed) {}
     ~TiesWorld() {
         for (auto& walk : walks_) {
-            walk.real = Map::Iterator();
+            walk.real = TiedMap::Iterator();
         }
     }
 
@@ -53,7 +52,7 @@ class TiesWorld {
 
   private:
     struct Walk {
-        Map::Iterator real;
+        TiedMap::Iterator real;
         Audit audit;
         bool deleted = false;
         bool placed = false;
@@ -64,7 +63,8 @@ class TiesWorld {
             return;
         }
         U32 const number = ++numbers_;
-        auto const node = Qor::make<Node>(Key{random_.below(3) * 0x50000000, number}, number);
+        auto const node =
+            Qor::make<TiedNode>(TiedNode::Key{random_.below(3) * 0x50000000, number}, number);
         map_.newMember(node, node->fwkHash());
         members_.push_back(node);
         ASSERT_EQ(map_.size(), members_.size());
@@ -83,7 +83,7 @@ class TiesWorld {
         }
         members_.erase(members_.begin() + static_cast<std::ptrdiff_t>(index));
     }
-    std::size_t indexOf(Node const* node) const {
+    std::size_t indexOf(TiedNode const* node) const {
         std::size_t i = 0;
         while (i < members_.size() && members_[i].ptr() != node) {
             ++i;
@@ -111,7 +111,7 @@ class TiesWorld {
         if (walk.placed && random_.oneIn(2)) {
             walk.real.reset();
         } else {
-            walk.real = Map::Iterator(&map_);
+            walk.real = TiedMap::Iterator(&map_);
         }
         walk.placed = true;
         walk.deleted = false;
@@ -135,7 +135,7 @@ class TiesWorld {
     }
     void meet(Walk& walk) {
         if (walk.real) {
-            Node const& node = *walk.real.member();
+            TiedNode const& node = *walk.real.member();
             ASSERT_EQ(++walk.audit.met[node.number], 1) << "member " << node.number;
             ASSERT_GE(node.fwkHash(), walk.audit.lastPlace);
             walk.audit.lastPlace = node.fwkHash();
@@ -144,8 +144,8 @@ class TiesWorld {
 
     Random random_;
     U32 numbers_ = 0;
-    Map map_;
-    std::vector<Qor::Ptr<Node>> members_;
+    TiedMap map_;
+    std::vector<Qor::Ptr<TiedNode>> members_;
     std::array<Walk, 3> walks_;
 };
 
@@ -162,7 +162,7 @@ TEST(MapTiesModel, EachThatStaysIsMetOnceUnderAnyInterleaving) {
             }
         }
     }
-    EXPECT_EQ(Node::living, 0);
+    EXPECT_EQ(TiedNode::living, 0);
 }
 
 }  // namespace

@@ -1,3 +1,5 @@
+#include "Sent.h"
+
 #include <qor/attrlog/ConnectionOut.h>
 #include <qor/core/Exception.h>
 
@@ -15,16 +17,6 @@ namespace {
 using Qor::Connection::Out;
 
 constexpr std::size_t blockSize = Out::blockSize;
-
-std::string takeAll(Out& out) {
-    std::string bytes;
-    while (!out.unsent().empty()) {
-        auto const piece = out.unsent();
-        bytes += piece;
-        out.sentInc(piece.size());
-    }
-    return bytes;
-}
 
 TEST(ConnectionOut, NewOneHasNothingToSend) {
     Out const out(2);

@@ -17,7 +17,7 @@ using Qor::String8;
 using Qor::NboAttrLog::MountId;
 using Qor::NboAttrLog::Session;
 
-struct Heard : Qor::NboAttrLog::SessionListener {
+struct HeardRefusal : Qor::NboAttrLog::SessionListener {
     void onMounted(MountId, Qor::Ptr<Qor::Entity> const& entity) override { mounted = entity; }
     void onRefused(MountId mount, String8 const& why) override {
         refused = mount;
@@ -62,7 +62,7 @@ class Refusal : public testing::Test {
 
     Qor::NboAttrLog::MemoryTransport near;
     Qor::NboAttrLog::MemoryTransport far;
-    Heard heard;
+    HeardRefusal heard;
     std::unique_ptr<Session> reader;
 };
 

@@ -1,3 +1,5 @@
+#include "Sent.h"
+
 #include <qor/attrlog/ConnectionSizeAnchor.h>
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
@@ -19,17 +21,6 @@ using In = Qor::NboAttrLog::In;
 using Out = Qor::NboAttrLog::Out;
 using OutPtr = Qor::Ptr<Out>;
 using Qor::String8;
-
-// All bytes that were put, fetched piece by piece.
-std::string takeAll(Out& out) {
-    std::string bytes;
-    while (!out.unsent().empty()) {
-        auto const piece = out.unsent();
-        bytes += piece;
-        out.sentInc(piece.size());
-    }
-    return bytes;
-}
 
 template <class Value>
 std::string wireOf(Value const& value) {

@@ -14,7 +14,7 @@ using Qor::make;
 using Qor::Name;
 using Qor::String8;
 
-String8 text(std::size_t length) { return String8(std::string(length, 'x')); }
+String8 textOf(std::size_t length) { return String8(std::string(length, 'x')); }
 
 class WholeState : public testing::Test {
   protected:
@@ -66,7 +66,7 @@ TEST_F(WholeState, LeavesKeysThatAreThereAndWhatFollowsToAFlow) {
 
 TEST_F(WholeState, LeavesATextOfSeveralChunksToAFlow) {
     auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
-    row->descIs(text(40000));
+    row->descIs(textOf(40000));
     row->tunnelKeyIs(7);
     auto const a = peer.attach(row);
     auto const whole = throughFlow(a);

@@ -296,10 +296,10 @@ TEST_F(DynamicCopy, CopyThatMayOnlyBeReadRefusesChanges) {
 TEST_F(DynamicCopy, ReferenceToAnotherClassEndsTheConnection) {
     mount();
     auto const& out = peers.source.outPtr();
-    using Token = Peer::Out::TransactToken;
+    using Mark = Peer::Out::TransactToken;
     auto const ls = peers.source.adapter(db().logicalSwitch(Name("ls")));
     out->nextHeaderIs({peers.source.adapter(status->ovsdb())->entityId(), 260});
-    out << Token::begin << Qor::String8("leaf") << ls->entityId().value() << Token::end;
+    out << Mark::begin << Qor::String8("leaf") << ls->entityId().value() << Mark::end;
     peers.settle();
     EXPECT_EQ(peers.reader.failure, "Entity is the wrong type");
     EXPECT_TRUE(at({"ovsdb", "logicalSwitch", "ls"}));

@@ -2,6 +2,7 @@
 
 #include <kelp/EthAddr.h>
 #include <qor/core/Strep.h>
+#include <tests/support/Refusal.h>
 
 #include <gtest/gtest.h>
 
@@ -12,15 +13,6 @@ namespace {
 
 using Kelp::EthAddr;
 using namespace std::string_view_literals;
-
-std::string messageOf(std::string_view text) {
-    try {
-        EthAddr const address(text);
-        return "no exception";
-    } catch (Qor::RangeException const& exception) {
-        return exception.what();
-    }
-}
 
 TEST(EthAddr, DefaultIsAllZero) {
     EXPECT_EQ(EthAddr().stringValue(), "00:00:00:00:00:00");
@@ -61,10 +53,10 @@ TEST(EthAddr, OtherTextsAreRefused) {
 }
 
 TEST(EthAddr, RefusalTellsWhatWhereAndWhatWasExpected) {
-    EXPECT_EQ(messageOf("00:00:5e:00:53:0g"),
+    EXPECT_EQ(textRefusal<EthAddr>("00:00:5e:00:53:0g"),
               "EthAddr '00:00:5e:00:53:0g': expected a hexadecimal digit at column 16");
-    EXPECT_EQ(messageOf("00-00"), "EthAddr '00-00': expected a colon at column 2");
-    EXPECT_EQ(messageOf("00:00:5e:00:53:01 "),
+    EXPECT_EQ(textRefusal<EthAddr>("00-00"), "EthAddr '00-00': expected a colon at column 2");
+    EXPECT_EQ(textRefusal<EthAddr>("00:00:5e:00:53:01 "),
               "EthAddr '00:00:5e:00:53:01 ': expected the end of the text at column 17");
 }
 

@@ -2,6 +2,7 @@
 
 #include <kelp/IpAddr.h>
 #include <qor/core/Strep.h>
+#include <tests/support/Refusal.h>
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,6 @@ namespace {
 
 using Kelp::IpAddr;
 using namespace std::string_view_literals;
-
-std::string messageOf(std::string_view text) {
-    try {
-        IpAddr const address(text);
-        return "no exception";
-    } catch (Qor::RangeException const& exception) {
-        return exception.what();
-    }
-}
 
 TEST(IpAddr, DefaultIsAllZero) {
     EXPECT_EQ(IpAddr().networkOrder(), 0U);
@@ -73,7 +65,7 @@ TEST(IpAddr, RefusalAgreesWithTheSystemsParser) {
                                    "1.2.3.256", "1.2.3.4.", "1.2.3.0004", "255.255.255.255"}) {
         in_addr system{};
         bool const isTaken = inet_pton(AF_INET, text, &system) == 1;
-        EXPECT_EQ(messageOf(text) == "no exception", isTaken) << text;
+        EXPECT_EQ(textRefusal<IpAddr>(text) == "not refused", isTaken) << text;
         if (isTaken) {
             EXPECT_EQ(IpAddr(std::string_view(text)).networkOrder(), system.s_addr);
         }
@@ -82,10 +74,10 @@ TEST(IpAddr, RefusalAgreesWithTheSystemsParser) {
 
 TEST(IpAddr, RefusalTellsWhatWhereAndWhatWasExpected) {
     EXPECT_EQ(
-        messageOf("192.0.2.256"),
+        textRefusal<IpAddr>("192.0.2.256"),
         "IpAddr '192.0.2.256': expected an octet from 0 to 255 without leading zero at column 8");
-    EXPECT_EQ(messageOf("192.0.2"), "IpAddr '192.0.2': expected a dot at column 7");
-    EXPECT_EQ(messageOf("192.0.2.1x"),
+    EXPECT_EQ(textRefusal<IpAddr>("192.0.2"), "IpAddr '192.0.2': expected a dot at column 7");
+    EXPECT_EQ(textRefusal<IpAddr>("192.0.2.1x"),
               "IpAddr '192.0.2.1x': expected the end of the text at column 9");
 }
 

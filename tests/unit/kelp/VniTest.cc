@@ -2,6 +2,7 @@
 
 #include <kelp/Vni.h>
 #include <qor/core/Strep.h>
+#include <tests/support/Refusal.h>
 
 #include <gtest/gtest.h>
 
@@ -14,24 +15,14 @@ using namespace std::string_view_literals;
 
 constexpr char outOfRange[] = "Vni::value < Vni::min or > Vni::max not allowed";
 
-template <class Action>
-std::string messageOf(Action action) {
-    try {
-        action();
-    } catch (Qor::RangeException const& exception) {
-        return exception.what();
-    }
-    return "no exception";
-}
-
 TEST(Vni, DefaultIsZero) { EXPECT_EQ(Vni().value(), 0U); }
 
 TEST(Vni, BoundsAreThoseOf24Bits) {
     EXPECT_EQ(Vni::min, 0U);
     EXPECT_EQ(Vni::max, 0xFFFFFFU);
     EXPECT_EQ(Vni(0xFFFFFF).value(), 0xFFFFFFU);
-    EXPECT_EQ(messageOf([] { Vni{0x1000000}; }), outOfRange);
-    EXPECT_EQ(messageOf([] { Vni{0xFFFFFFFF}; }), outOfRange);
+    EXPECT_EQ(refusal([] { Vni{0x1000000}; }), outOfRange);
+    EXPECT_EQ(refusal([] { Vni{0xFFFFFFFF}; }), outOfRange);
 }
 
 TEST(Vni, IsKnownAtCompileTime) {
@@ -57,7 +48,7 @@ TEST(Vni, OtherStrepsAreRefused) {
          {"", "'5000'", "-1", "0x10", "05", "16777216", "99999999999999999999", "5 "}) {
         EXPECT_THROW(Qor::strepToValue<Vni>(text), Qor::RangeException) << text;
     }
-    EXPECT_EQ(messageOf([] { Qor::strepToValue<Vni>("16777216"); }),
+    EXPECT_EQ(refusal([] { Qor::strepToValue<Vni>("16777216"); }),
               "expected a number from 0 to 16777215 at column 0 deserializing 16777216");
 }
 
@@ -83,7 +74,7 @@ TEST(Vni, NumberOver24BitsOnTheWireIsRefused) {
     auto const greatest = reading("\x00\xFF\xFF\xFF"sv);
     EXPECT_EQ(Vni(greatest.ptr(), Qor::StreamBogon()).value(), 0xFFFFFFU);
     auto const tooGreat = reading("\x01\x00\x00\x00"sv);
-    EXPECT_EQ(messageOf([&] { Vni(tooGreat.ptr(), Qor::StreamBogon()); }), outOfRange);
+    EXPECT_EQ(refusal([&] { Vni(tooGreat.ptr(), Qor::StreamBogon()); }), outOfRange);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "Accessors.h"
+#include "SampleValues.h"
 #include "TraceLog.h"
 
 namespace {
@@ -12,8 +13,6 @@ using Contract::Recorder;
 using Kelp::IpAddr;
 using Vgw::HwVtepOvsdb;
 using Vgw::PhysicalLocatorKey;
-
-constexpr auto vxlan = Vgw::EncapsulationType::vxlan_over_ipv4;
 
 /// Two members in every collection.
 void fill(HwVtepOvsdb& db) {

@@ -4,9 +4,8 @@
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <tests/support/Refusal.h>
 #include <vgw/VgwTypes.h>
-
-#include "Refusal.h"
 
 namespace {
 

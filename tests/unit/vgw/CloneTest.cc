@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Copying.h"
+#include "SampleValues.h"
 #include "TraceLog.h"
 
 namespace {
@@ -11,10 +12,6 @@ using Kelp::IpAddr;
 using Vgw::MacVniPair;
 using Vgw::PhysicalLocatorKey;
 using Vxlan::Vni;
-
-constexpr auto vxlan = Vgw::EncapsulationType::vxlan_over_ipv4;
-IpAddr const ip1("192.0.2.1");
-IpAddr const ip2("192.0.2.2");
 
 TEST(CloneOfGlobal, MirrorsBothCollections) {
     Copying<Vgw::Global> c;

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Accessors.h"
+#include "SampleValues.h"
 
 namespace {
 
@@ -10,8 +11,6 @@ using Kelp::IpAddr;
 using Vgw::HwVtepOvsdb;
 using Vgw::PhysicalLocatorKey;
 using Vgw::PhysicalSwitch;
-
-constexpr auto vxlan = Vgw::EncapsulationType::vxlan_over_ipv4;
 
 class Database : public testing::Test {
   protected:

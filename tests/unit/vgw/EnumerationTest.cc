@@ -2,10 +2,9 @@
 
 #include <sstream>
 
+#include <tests/support/Refusal.h>
 #include <vgw/OvsdbDataTypes.h>
 #include <vgw/VgwTypes.h>
-
-#include "Refusal.h"
 
 namespace {
 

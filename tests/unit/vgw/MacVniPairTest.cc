@@ -4,10 +4,10 @@
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <tests/support/Refusal.h>
 #include <vgw/OvsdbDataTypes.h>
 
 #include "NaiveHash.h"
-#include "Refusal.h"
 
 namespace {
 

@@ -6,10 +6,11 @@
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <tests/support/Refusal.h>
 #include <vgw/OvsdbDataTypes.h>
 
 #include "NaiveHash.h"
-#include "Refusal.h"
+#include "SampleValues.h"
 
 namespace {
 
@@ -17,10 +18,11 @@ using Kelp::IpAddr;
 using Vgw::EncapsulationType;
 using Vgw::PhysicalLocatorKey;
 
-constexpr auto vxlan = EncapsulationType::vxlan_over_ipv4;
 constexpr auto unknown = EncapsulationType::unknownEncapType;
 
-PhysicalLocatorKey parsed(char const* text) { return Qor::strepToValue<PhysicalLocatorKey>(text); }
+PhysicalLocatorKey parsedKey(char const* text) {
+    return Qor::strepToValue<PhysicalLocatorKey>(text);
+}
 
 // Two keys with one hash.
 std::pair<PhysicalLocatorKey, PhysicalLocatorKey> const& colliding() {
@@ -115,24 +117,24 @@ TEST(PhysicalLocatorKey, PrintsItsFieldsInOrder) {
 }
 
 TEST(PhysicalLocatorKey, AttributesMayStandInAnyOrderAndBeRepeated) {
-    EXPECT_EQ(parsed("Value('Vgw::PhysicalLocatorKey', ** {'dstIp': '192.0.2.9', 'encapType': "
-                     "'unknownEncapType', 'dstIp': '192.0.2.1'})"),
+    EXPECT_EQ(parsedKey("Value('Vgw::PhysicalLocatorKey', ** {'dstIp': '192.0.2.9', 'encapType': "
+                        "'unknownEncapType', 'dstIp': '192.0.2.1'})"),
               PhysicalLocatorKey(unknown, IpAddr("192.0.2.1")));
 }
 
 TEST(PhysicalLocatorKey, TextWithoutAnEncapsulationMeansVxlan) {
-    EXPECT_EQ(parsed("Value('Vgw::PhysicalLocatorKey', ** {'dstIp': '192.0.2.1'})"),
+    EXPECT_EQ(parsedKey("Value('Vgw::PhysicalLocatorKey', ** {'dstIp': '192.0.2.1'})"),
               PhysicalLocatorKey(vxlan, IpAddr("192.0.2.1")));
-    EXPECT_EQ(parsed("Value('Vgw::PhysicalLocatorKey', ** {})"), PhysicalLocatorKey());
+    EXPECT_EQ(parsedKey("Value('Vgw::PhysicalLocatorKey', ** {})"), PhysicalLocatorKey());
 }
 
 TEST(PhysicalLocatorKey, FailuresNameTheTypeOrTheAttribute) {
-    EXPECT_EQ(refusal([] { parsed("Value('Vgw::PhysicalLocatorKey', ** { "); }),
+    EXPECT_EQ(refusal([] { parsedKey("Value('Vgw::PhysicalLocatorKey', ** { "); }),
               "premature end of value type PhysicalLocatorKey");
-    EXPECT_EQ(refusal([] { parsed("Value('Vgw::PhysicalLocatorKey', ** {'ip': 1})"); }),
+    EXPECT_EQ(refusal([] { parsedKey("Value('Vgw::PhysicalLocatorKey', ** {'ip': 1})"); }),
               "PhysicalLocatorKey has no such attribute: ip");
     std::string const words =
-        refusal([] { parsed("Value('Vgw::PhysicalLocatorKey', ** {'encapType': 'gre'})"); });
+        refusal([] { parsedKey("Value('Vgw::PhysicalLocatorKey', ** {'encapType': 'gre'})"); });
     EXPECT_NE(words.find("encapType"), std::string::npos) << words;
     EXPECT_NE(words.find("EncapsulationType"), std::string::npos) << words;
 }

@@ -66,6 +66,7 @@ if(VGW_FUZZ)
     else()
         list(APPEND sanitizers -fsanitize=fuzzer-no-link)
     endif()
+    list(APPEND sanitizers "-fsanitize-coverage-ignorelist=${CMAKE_SOURCE_DIR}/fuzz/not_watched.txt")
 endif()
 if(sanitizers)
     # A pool would hide what a sanitizer is to find, so memory comes from plain operator new.

@@ -2,6 +2,7 @@
 #
 # One libFuzzer binary, and a ctest entry that runs its corpus and then looks further for SECONDS (10 unless told).
 # What it finds is kept in the build folder; the corpus in the tree is only read. The target fuzz_targets builds them all.
+# Of memory that was given back 16 MiB are watched, more than a run gives back: the caches hold them.
 function(vgw_fuzz_target name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "CORPUS;SECONDS" "SOURCES;LINKS;FLAGS")
     if(NOT arg_SECONDS)
@@ -27,5 +28,6 @@ function(vgw_fuzz_target name)
         COMMAND $<TARGET_FILE:${name}> -max_total_time=${arg_SECONDS} -timeout=10 -rss_limit_mb=2048
                 -artifact_prefix=${found}/crash- -print_final_stats=1 ${arg_FLAGS} ${found} ${corpus}
         LABELS fuzz
+        ENVIRONMENT "ASAN_OPTIONS=${VGW_ADDRESS_CHECKS}:quarantine_size_mb=16"
         TIMEOUT 600)
 endfunction()

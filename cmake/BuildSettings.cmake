@@ -62,7 +62,7 @@ if(VGW_FUZZ)
         # What leads a fuzzer to new blocks. Watching each comparison too would make every test slower.
         set(block_counters inline-8bit-counters,pc-table)
         list(APPEND sanitizers -fsanitize-coverage=${block_counters})
-        set(VGW_NO_BLOCK_COUNTERS -fno-sanitize-coverage=${block_counters})
+        set(VGW_NO_BLOCK_COUNTERS -fno-sanitize-coverage=${block_counters} -Wno-unused-command-line-argument)
     else()
         list(APPEND sanitizers -fsanitize=fuzzer-no-link)
     endif()

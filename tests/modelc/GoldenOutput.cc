@@ -11,7 +11,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path folder() { return ModelcTest::tree() / "tests/modelc/golden"; }
+fs::path goldenFolder() { return ModelcTest::tree() / "tests/modelc/golden"; }
 
 std::map<std::string, std::string> filesBelow(fs::path const& root) {
     std::map<std::string, std::string> files;
@@ -23,11 +23,11 @@ std::map<std::string, std::string> filesBelow(fs::path const& root) {
 }
 
 TEST(GoldenOutput, OfTheSampleIsAsExpected) {
-    Modelc::Compilation const done = ModelcTest::compileFiles(folder(), {"Sample.model"});
+    Modelc::Compilation const done = ModelcTest::compileFiles(goldenFolder(), {"Sample.model"});
     ASSERT_EQ(done.errors, std::vector<std::string>());
     std::map<std::string, std::string> made;
     for (Modelc::OutputFile const& file : done.files) made[file.path + ".expected"] = file.text;
-    std::map<std::string, std::string> const expected = filesBelow(folder() / "expected");
+    std::map<std::string, std::string> const expected = filesBelow(goldenFolder() / "expected");
     for (auto const& [path, text] : expected) EXPECT_EQ(made[path], text) << path;
     EXPECT_EQ(made.size(), expected.size());
 }
@@ -36,11 +36,11 @@ TEST(GoldenOutput, RegistrationOfAllClassesIsAsExpected) {
     Modelc::Compilation const done = ModelcTest::compileFiles(
         ModelcTest::tree() / "vgw", {"OvsdbDataTypes.model", "VgwTypes.model"});
     ASSERT_EQ(done.errors, std::vector<std::string>());
-    EXPECT_EQ(done.registrations, ModelcTest::textOf(folder() / "registrations.txt"));
+    EXPECT_EQ(done.registrations, ModelcTest::textOf(goldenFolder() / "registrations.txt"));
 }
 
 TEST(GoldenOutput, DependsOnNoFolder) {
-    std::string const text = ModelcTest::textOf(folder() / "Sample.model");
+    std::string const text = ModelcTest::textOf(goldenFolder() / "Sample.model");
     Modelc::Compilation const here = Modelc::compile(text, "Sample.model");
     Modelc::Compilation const there = Modelc::compile(text, "/some/where/else/Sample.model");
     ASSERT_EQ(here.files.size(), there.files.size());

@@ -10,11 +10,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-fs::path folder() { return ModelcTest::tree() / "tests/modelc/refused"; }
+fs::path refusedFolder() { return ModelcTest::tree() / "tests/modelc/refused"; }
 
 std::vector<std::string> refusedNames() {
     std::vector<std::string> names;
-    for (fs::directory_entry const& entry : fs::directory_iterator(folder())) {
+    for (fs::directory_entry const& entry : fs::directory_iterator(refusedFolder())) {
         if (entry.path().extension() == ".model") names.push_back(entry.path().stem().string());
     }
     std::sort(names.begin(), names.end());
@@ -24,8 +24,9 @@ std::vector<std::string> refusedNames() {
 class RefusedDescription : public testing::TestWithParam<std::string> {};
 
 TEST_P(RefusedDescription, IsRefusedInTheseLines) {
-    Modelc::Compilation const done = ModelcTest::compileFiles(folder(), {GetParam() + ".model"});
-    EXPECT_EQ(done.errors, ModelcTest::linesOf(folder() / (GetParam() + ".errors")));
+    Modelc::Compilation const done =
+        ModelcTest::compileFiles(refusedFolder(), {GetParam() + ".model"});
+    EXPECT_EQ(done.errors, ModelcTest::linesOf(refusedFolder() / (GetParam() + ".errors")));
     EXPECT_FALSE(done.errors.empty());
     EXPECT_TRUE(done.files.empty());
 }

@@ -14,12 +14,12 @@
 
 namespace {
 
-using Qor::Connection::Out;
+using Ring = Qor::Connection::Out;
 
-constexpr std::size_t blockSize = Out::blockSize;
+constexpr std::size_t blockSize = Ring::blockSize;
 
 TEST(ConnectionOut, NewOneHasNothingToSend) {
-    Out const out(2);
+    Ring const out(2);
     EXPECT_EQ(out.written(), 0U);
     EXPECT_TRUE(out.unsent().empty());
     EXPECT_EQ(out.freeBytes(), 2 * blockSize);
@@ -29,7 +29,7 @@ TEST(ConnectionOut, NewOneHasNothingToSend) {
 
 TEST(ConnectionOut, NumberAcrossTwoBlocksComesOutWhole) {
     for (std::size_t before = blockSize - 8; before <= blockSize; ++before) {
-        Out out;
+        Ring out;
         std::string const head(before, 'x');
         out.putBytes(head);
         out.put(Qor::U64{0x3132333435363738});
@@ -39,7 +39,7 @@ TEST(ConnectionOut, NumberAcrossTwoBlocksComesOutWhole) {
 }
 
 TEST(ConnectionOut, PiecesEndAtBlocks) {
-    Out out;
+    Ring out;
     out.putBytes(std::string(blockSize + 10, 'x'));
     EXPECT_EQ(out.unsent().size(), blockSize);
     out.sentInc(100);
@@ -49,7 +49,7 @@ TEST(ConnectionOut, PiecesEndAtBlocks) {
 }
 
 TEST(ConnectionOut, CapIsToldBeforeItIsPassed) {
-    Out out(2);
+    Ring out(2);
     out.putBytes(std::string(blockSize, 'x'));
     EXPECT_TRUE(out.hasSufficientBuffer());
     out.put(Qor::U8{1});
@@ -58,7 +58,7 @@ TEST(ConnectionOut, CapIsToldBeforeItIsPassed) {
 }
 
 TEST(ConnectionOut, OverTheCapIsRefusedAndCanBeTakenBack) {
-    Out out(1);
+    Ring out(1);
     out.put(Qor::U32{0x61626364});
     auto const recordStart = out.written();
     EXPECT_THROW(out.putBytes(std::string(blockSize, 'x')), Qor::AttrLogRecordException);
@@ -69,7 +69,7 @@ TEST(ConnectionOut, OverTheCapIsRefusedAndCanBeTakenBack) {
 }
 
 TEST(ConnectionOut, SendingMakesRoom) {
-    Out out(2);
+    Ring out(2);
     out.putBytes(std::string(2 * blockSize, 'x'));
     EXPECT_EQ(out.freeBytes(), 0U);
     out.sentInc(blockSize - 1);
@@ -84,7 +84,7 @@ TEST(ConnectionOut, SeveralBlocksSentAtOnceLeaveTheRestWhole) {
     std::string bytes;
     for (std::size_t i = 0; bytes.size() < 4 * blockSize; ++i) bytes += std::to_string(i) + ' ';
     for (std::size_t const count : {blockSize * 2, blockSize * 2 + 7, blockSize * 3 - 1}) {
-        Out out(8);
+        Ring out(8);
         out.putBytes(bytes);
         out.sentInc(count);
         EXPECT_EQ(out.written(), bytes.size());
@@ -96,7 +96,7 @@ TEST(ConnectionOut, SeveralBlocksSentAtOnceLeaveTheRestWhole) {
 #ifndef QOR_PLAIN_NEW  // under the sanitizers every block is an allocation of its own
 // Where the pieces lie that come out of a ring of so many full blocks.
 std::set<void const*> fillAndEmpty(std::size_t blocks) {
-    Out out(static_cast<Qor::U32>(blocks));
+    Ring out(static_cast<Qor::U32>(blocks));
     out.putBytes(std::string(blocks * blockSize, 'x'));
     std::set<void const*> places;
     while (!out.unsent().empty()) {
@@ -124,7 +124,7 @@ TEST(ConnectionOut, NoMoreThanEightBlocksAreKept) { EXPECT_EQ(takenAgain(20, 20)
 
 TEST(ConnectionOut, BlocksMayBeGivenBackOnAnotherThread) {
     for (int round = 0; round < 3; ++round) {
-        auto out = std::make_unique<Out>();
+        auto out = std::make_unique<Ring>();
         std::string const bytes(3 * blockSize + 1, 'x');
         out->putBytes(bytes);
         std::string taken;
@@ -139,7 +139,7 @@ TEST(ConnectionOut, BlocksMayBeGivenBackOnAnotherThread) {
 TEST(ConnectionOut, TakingBackAcrossBlocksLeavesWhatWasBefore) {
     for (std::size_t const kept :
          {std::size_t{0}, std::size_t{1}, blockSize - 1, blockSize, blockSize + 1, 2 * blockSize}) {
-        Out out;
+        Ring out;
         std::string const head(kept, 'k');
         out.putBytes(head);
         out.putBytes(std::string(2 * blockSize + 5, 'x'));
@@ -151,7 +151,7 @@ TEST(ConnectionOut, TakingBackAcrossBlocksLeavesWhatWasBefore) {
 }
 
 TEST(ConnectionOut, TakingBackAfterSendingGoesByOffset) {
-    Out out;
+    Ring out;
     out.putBytes(std::string(blockSize + 100, 'x'));
     out.sentInc(blockSize + 50);
     out.writtenIs(blockSize + 60);
@@ -161,7 +161,7 @@ TEST(ConnectionOut, TakingBackAfterSendingGoesByOffset) {
 
 TEST(ConnectionOut, SizeInFrontIsFilledInAfterwards) {
     for (std::size_t before = blockSize - 4; before <= blockSize; ++before) {
-        Out out;
+        Ring out;
         std::string const head(before, 'x');
         out.putBytes(head);
         auto const place = out.written();
@@ -173,7 +173,7 @@ TEST(ConnectionOut, SizeInFrontIsFilledInAfterwards) {
 }
 
 TEST(ConnectionOutDeathTest, WhatWasSentStays) {
-    Out out;
+    Ring out;
     out.put(Qor::U64{1});
     out.sentInc(4);
     EXPECT_DEATH(out.writtenIs(3),

@@ -13,15 +13,15 @@ using Qor::NboAttrLog::Frame;
 using Qor::NboAttrLog::FrameKind;
 using FrameReader = Qor::NboAttrLog::In;
 
-constexpr std::uint64_t entity = 0x8000000000000002;
+constexpr std::uint64_t entityNumber = 0x8000000000000002;
 // Where the parts of a frame begin: its size is at 0.
 constexpr std::size_t kindAt = 4;
 constexpr std::size_t tokenAt = 27;
 
-std::string const plain = bytesOf(record(entity, 388, "00000007"));
+std::string const plainFrame = bytesOf(record(entityNumber, 388, "00000007"));
 
 std::string with(std::size_t at, unsigned byte) {
-    std::string bytes = plain;
+    std::string bytes = plainFrame;
     bytes[at] = static_cast<char>(byte);
     return bytes;
 }
@@ -48,23 +48,24 @@ void expectRefused(std::string const& bytes, std::string const& reason) {
 }
 
 TEST(Frames, ThatAreWholeAreTakenWhereverTheyLieInTheRing) {
-    for (std::size_t before = 0; before < 64; ++before) EXPECT_EQ(refusal(plain, before), "taken");
+    for (std::size_t before = 0; before < 64; ++before)
+        EXPECT_EQ(refusal(plainFrame, before), "taken");
 }
 
 TEST(Frames, AreWaitedForToTheirLastByte) {
-    for (std::size_t size = 0; size < plain.size(); ++size) {
-        EXPECT_EQ(refusal(plain.substr(0, size)), "waits") << size;
-        EXPECT_EQ(refusal(plain.substr(0, size), 40), "waits") << size;
+    for (std::size_t size = 0; size < plainFrame.size(); ++size) {
+        EXPECT_EQ(refusal(plainFrame.substr(0, size)), "waits") << size;
+        EXPECT_EQ(refusal(plainFrame.substr(0, size), 40), "waits") << size;
     }
 }
 
 TEST(Frames, AreReadToTheirEndTokenAndNoFurther) {
     FrameReader in(128);
-    in.receive(plain + bytesOf(marker(entity, 388, "02")));
+    in.receive(plainFrame + bytesOf(marker(entityNumber, 388, "02")));
     Frame frame;
     ASSERT_TRUE(in.nextFrame(frame));
     EXPECT_EQ(frame.kind, FrameKind::record);
-    EXPECT_EQ(frame.header.entityId.value(), entity);
+    EXPECT_EQ(frame.header.entityId.value(), entityNumber);
     EXPECT_EQ(frame.header.attributeId, 388);
     EXPECT_EQ(frame.payloadSize, 4U);
     EXPECT_EQ(in.nextU32(), 7U);
@@ -77,7 +78,7 @@ TEST(Frames, AreReadToTheirEndTokenAndNoFurther) {
 
 TEST(Frames, OfWhichMoreFollowsSaySo) {
     FrameReader in(128);
-    in.receive(bytesOf(chunk(entity, 386, "61")));
+    in.receive(bytesOf(chunk(entityNumber, 386, "61")));
     Frame frame;
     ASSERT_TRUE(in.nextFrame(frame));
     EXPECT_TRUE(frame.moreChunks);
@@ -89,12 +90,12 @@ TEST(Frames, OfWhichMoreFollowsSaySo) {
 TEST(Frames, ThatAreTooLongAreRefusedByTheirSize) {
     FrameReader in(64);
     in.greatestFrameIs(29);
-    in.receive(plain);
+    in.receive(plainFrame);
     Frame frame;
     EXPECT_TRUE(in.nextFrame(frame));
     in.frameDone(frame);
     in.greatestFrameIs(28);
-    in.receive(plain.substr(0, 4));
+    in.receive(plainFrame.substr(0, 4));
     try {
         in.nextFrame(frame);
         FAIL() << "not refused";
@@ -128,7 +129,7 @@ TEST(Frames, WithoutTheirTokensAreRefused) {
         expectRefused(with(tokenAt, token),
                       "token " + std::to_string(token) + " where a payload begins");
     for (unsigned const token : {0, 1, 2, 255})
-        expectRefused(with(plain.size() - 1, token),
+        expectRefused(with(plainFrame.size() - 1, token),
                       "token " + std::to_string(token) + " where a frame ends");
 }
 

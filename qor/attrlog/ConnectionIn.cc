@@ -13,14 +13,14 @@ namespace Connection {
 
 namespace {
 
-void needOfIn(bool holds, char const* text, int line, char const* function) {
+void requireInbound(bool holds, char const* text, int line, char const* function) {
     assertThat(holds, text, "Qor/ConnectionIn", line, function);
 }
 
 }  // namespace
 
 In::In(U32 capacity) : capacity_(capacity) {
-    needOfIn(capacity > 0, "capacity > 0", __LINE__, "In");
+    requireInbound(capacity > 0, "capacity > 0", __LINE__, "In");
 }
 
 In::~In() { memDel(ring_, capacity_); }
@@ -56,21 +56,21 @@ void In::grow() {
 }
 
 U8 In::byteAt(U64 offset) const {
-    needOfIn(released_ <= offset && offset < received_,
-             "released() <= offset && offset < received()", __LINE__, "byteAt");
+    requireInbound(released_ <= offset && offset < received_,
+                   "released() <= offset && offset < received()", __LINE__, "byteAt");
     return ring_[offset - lap_ < capacity_ ? offset - lap_ : offset % capacity_];
 }
 
 std::span<unsigned char> In::pieceAt(U64 offset) {
-    needOfIn(released_ <= offset && offset < received_,
-             "released() <= offset && offset < received()", __LINE__, "pieceAt");
+    requireInbound(released_ <= offset && offset < received_,
+                   "released() <= offset && offset < received()", __LINE__, "pieceAt");
     auto const start = static_cast<std::size_t>(offset % capacity_);
     return {ring_ + start,
             std::min(static_cast<std::size_t>(received_ - offset), capacity_ - start)};
 }
 
 void In::receivedInc(std::size_t count) {
-    needOfIn(count <= room().size(), "count <= room().size()", __LINE__, "receivedInc");
+    requireInbound(count <= room().size(), "count <= room().size()", __LINE__, "receivedInc");
     received_ += count;
     findPieceEnd();
 }

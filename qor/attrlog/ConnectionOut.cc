@@ -12,14 +12,14 @@ namespace Connection {
 
 namespace {
 
-void needOfOut(bool holds, char const* text, int line, char const* function) {
+void requireOutbound(bool holds, char const* text, int line, char const* function) {
     assertThat(holds, text, "Qor/ConnectionOut", line, function);
 }
 
 }  // namespace
 
 Out::Out(U32 maxBlocks) : maxBlocks_(maxBlocks) {
-    needOfOut(maxBlocks > 0, "maxBlocks > 0", __LINE__, "Out");
+    requireOutbound(maxBlocks > 0, "maxBlocks > 0", __LINE__, "Out");
 }
 
 Out::~Out() {
@@ -63,8 +63,8 @@ void Out::writeAt(unsigned char* block, std::size_t filled) noexcept {
 }
 
 void Out::writtenIs(U64 offset) {
-    needOfOut(sent_ <= offset && offset <= written(), "sent() <= offset && offset <= written()",
-              __LINE__, "writtenIs");
+    requireOutbound(sent_ <= offset && offset <= written(),
+                    "sent() <= offset && offset <= written()", __LINE__, "writtenIs");
     if (offset == written()) return;
     auto const kept = static_cast<std::size_t>((offset - base_) / blockSize + 1);
     for (; blocks_.size() > kept; blocks_.pop_back()) giveRingBlock(blocks_.back());
@@ -77,8 +77,8 @@ unsigned char* Out::at(U64 offset) const noexcept {
 }
 
 void Out::u32AtIs(U64 offset, U32 number) {
-    needOfOut(sent_ <= offset && offset + sizeof number <= written(),
-              "sent() <= offset && offset + 4 <= written()", __LINE__, "u32AtIs");
+    requireOutbound(sent_ <= offset && offset + sizeof number <= written(),
+                    "sent() <= offset && offset + 4 <= written()", __LINE__, "u32AtIs");
     if ((offset - base_) % blockSize <= blockSize - sizeof number) [[likely]] {
         storeNetworkOrder(at(offset), number);
         return;
@@ -89,8 +89,8 @@ void Out::u32AtIs(U64 offset, U32 number) {
 }
 
 void Out::u8AtOr(U64 offset, U8 bits) {
-    needOfOut(sent_ <= offset && offset < written(), "sent() <= offset && offset < written()",
-              __LINE__, "u8AtOr");
+    requireOutbound(sent_ <= offset && offset < written(), "sent() <= offset && offset < written()",
+                    __LINE__, "u8AtOr");
     *at(offset) = static_cast<unsigned char>(*at(offset) | bits);
 }
 
@@ -102,7 +102,7 @@ std::string_view Out::unsent() const noexcept {
 }
 
 void Out::sentInc(std::size_t count) {
-    needOfOut(count <= written() - sent_, "count <= written() - sent()", __LINE__, "sentInc");
+    requireOutbound(count <= written() - sent_, "count <= written() - sent()", __LINE__, "sentInc");
     sent_ += count;
     dropSentBlocks();
 }

@@ -10,8 +10,9 @@ import tempfile
 from pathlib import Path
 
 
-def configure(cmake, folder, *arguments):
-    done = subprocess.run([cmake, "-B", folder, *arguments], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+def configure(cmake, tree, folder, *arguments):
+    done = subprocess.run(
+        [cmake, "-S", tree, "-B", folder, *arguments], stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
     if done.returncode != 0:
         sys.exit(done.stdout)
 
@@ -30,11 +31,11 @@ def need(names, area, is_wanted):
 def main(tree, cmake, compiler):
     of_test = re.search(r'cmake --preset "\$1"(.*?) >', (Path(tree) / "test").read_text())
     with tempfile.TemporaryDirectory() as folder:
-        configure(cmake, folder, "-S", tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DVGW_TESTS=OFF", "-DVGW_PCH=ON",
+        configure(cmake, tree, folder, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DVGW_TESTS=OFF", "-DVGW_PCH=ON",
                   "-DVGW_UNITY=ON", f"-DCMAKE_CXX_COMPILER={compiler}", "-DCMAKE_DISABLE_FIND_PACKAGE_GTest=ON")
         need(targets(cmake, folder), "vgwd/", True)
         need(targets(cmake, folder), "tests/", False)
-        configure(cmake, folder, *of_test.group(1).split(), "-DCMAKE_DISABLE_FIND_PACKAGE_GTest=OFF")
+        configure(cmake, tree, folder, *of_test.group(1).split(), "-DCMAKE_DISABLE_FIND_PACKAGE_GTest=OFF")
         need(targets(cmake, folder), "tests/", True)
 
 

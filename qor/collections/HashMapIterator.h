@@ -144,15 +144,8 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
         [[maybe_unused]] auto const past = ties_.step(stood(), member);
         arrive(member);
     }
-    /// What was met of the present tie.
-    MapTies const& ties() const noexcept { return ties_; }
-    /// Goes on from a member that it stood on, with what was met then, to its successor.
-    void standAfter(Member* from, MapTies met) {
-        [[maybe_unused]] MapTies const past = std::exchange(ties_, std::move(met));
-        Member* const next = map() ? successor(from) : nullptr;
-        [[maybe_unused]] auto const forgotten = ties_.step(from, next);
-        arrive(next);
-    }
+    /// Whether the member it stands on has left the map, or the map has ended.
+    bool standsOutside() const noexcept { return this->isLeft(); }
 
   private:
     Member* memberAfter(Member const& member, I32& at) const noexcept {
@@ -213,23 +206,22 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
         return *this;
     }
     void reset() {
-        deleted_ = nullptr;
+        deleted_ = false;
         Base::reset();
     }
     bool hasBookmark() const override { return !deleted_ && Base::hasBookmark(); }
 
     /// Removes the member it stands on and tells so. The iterator has moved on to the next member
-    /// when the telling begins, and the step that follows stays there; what the telling changes
-    /// behind the removed member is still met. A member that is not in the map any more is passed
-    /// over and not told again.
+    /// when the telling begins, and the step that follows stays there: what the telling adds in
+    /// front of that member is not met, what it adds behind it is. A member that is not in the map
+    /// any more is passed over and not told again.
     void del() {
         Ptr<Member> const gone = this->member();
         if (deleted_ || !gone) {
             return;
         }
-        tiesAtRemoval_ = this->ties();
         Base::advance();
-        deleted_ = gone;
+        deleted_ = true;
         remove(gone);
     }
     /// Removes all members, those too that are added while it is told: from where it stands to the
@@ -255,18 +247,13 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
   protected:
     /// Tells that `member` was removed.
     virtual void deleteNotify(Ptr<Member const> const& member) const { static_cast<void>(member); }
-    virtual void deleteNotify(Ptr<Member> const& member) {
-        std::as_const(*this).deleteNotify(Ptr<Member const>(member));
+    virtual void deleteNotify(Ptr<Member> const& member) const {
+        deleteNotify(Ptr<Member const>(member));
     }
 
     void advance() {
-        if (!deleted_) {
+        if (!std::exchange(deleted_, false) || this->standsOutside()) {
             Base::advance();
-            return;
-        }
-        Ptr<Member> const gone = std::exchange(deleted_, nullptr);
-        if (!this->map() || seenAfterRemoval_ != this->map()->version()) {
-            Base::standAfter(gone.ptr(), std::exchange(tiesAtRemoval_, {}));
         }
     }
 
@@ -292,16 +279,13 @@ class HashMap<Member, Key>::Iterator : public HashMap<Member, Key>::IteratorCons
             return;
         }
         bool const removed = mutableMap().deleteMember(*gone);
-        seenAfterRemoval_ = this->map()->version();
         this->refresh();
         if (removed) {
             deleteNotify(gone);
         }
     }
 
-    Ptr<Member> deleted_;  // removed by del(), and its successor is where the iterator stands
-    U32 seenAfterRemoval_ = 0;
-    [[no_unique_address]] typename Base::MapTies tiesAtRemoval_;
+    bool deleted_ = false;  // del() has moved it on already
 };
 
 }  // namespace Qor

@@ -48,7 +48,7 @@ class AttributeIterator : public A::Map::Iterator {
 
   protected:
     using Base::deleteNotify;
-    void deleteNotify(Ptr<typename A::Member> const& member) override {
+    void deleteNotify(Ptr<typename A::Member> const& member) const override {
         A::notify(*owner_, member->fwkKey(), member);
     }
 

@@ -55,20 +55,19 @@ class MapModel {
 struct WalkModel {
     bool placed = false;
     MapModel::Found stands;
-    std::optional<std::uint64_t> removed;
+    bool removed = false;
 
     void place(MapModel::Found where) {
         placed = true;
         stands = where;
-        removed.reset();
+        removed = false;
     }
     void step(MapModel const& map) {
-        if (removed) {
-            stands = map.after(*removed);
-        } else if (stands) {
+        bool const isThere = removed && (!stands || map.has(*stands));
+        if (stands && !isThere) {
             stands = map.after(stands->rank);
         }
-        removed.reset();
+        removed = false;
     }
     /// Gives what is to be told of.
     std::vector<Entry> del(MapModel& map) {
@@ -78,8 +77,8 @@ struct WalkModel {
                 told.push_back(*stands);
                 map.del(stands->rank);
             }
-            removed = stands->rank;
-            stands = map.after(*removed);
+            stands = map.after(stands->rank);
+            removed = true;
         }
         return told;
     }

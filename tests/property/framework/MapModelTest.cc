@@ -26,7 +26,9 @@ class TellingWalk : public Map::Iterator {
 
   protected:
     using Map::Iterator::deleteNotify;
-    void deleteNotify(Qor::Ptr<Node> const& member) override { told.push_back(entryOf(*member)); }
+    void deleteNotify(Qor::Ptr<Node> const& member) const override {
+        told.push_back(entryOf(*member));
+    }
 };
 
 struct Walk {

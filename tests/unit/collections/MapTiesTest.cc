@@ -146,7 +146,7 @@ TEST_F(MapTies, DelOfOneLeavesTheOthersToBeMet) {
               (std::vector<TiedKey>{{tie, 2}, {tie, 3}, {tie, 4}, {tie, 8}, {0xF0000000, 0}}));
 }
 
-TEST_F(MapTies, DelOfTheLastOfATieRepeatsNoneWhenTheTellingAddsToIt) {
+TEST_F(MapTies, WhatTheTellingOfTheLastOfATieAddsToItIsNotMet) {
     TellingIterator<TiedKey> walk(&map, TiedKey{tie, 1});
     for (int i = 0; i < 3; ++i) {
         ++walk;
@@ -155,7 +155,7 @@ TEST_F(MapTies, DelOfTheLastOfATieRepeatsNoneWhenTheTellingAddsToIt) {
     walk.react = [this](TiedNode&) { add(map, TiedKey{tie, 8}); };
     walk.del();
     ++walk;
-    EXPECT_EQ(rest(walk), (std::vector<TiedKey>{{tie, 8}, {0xF0000000, 0}}));
+    EXPECT_EQ(rest(walk), (std::vector<TiedKey>{{0xF0000000, 0}}));
 }
 
 TEST_F(MapTies, DeleteAllTellsEachOnceAlsoWhenAHandlerRemovesOthers) {

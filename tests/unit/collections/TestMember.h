@@ -110,12 +110,12 @@ class TellingIterator : public Node<K>::Map::Iterator {
     using Base = typename Node<K>::Map::Iterator;
     using Base::Base;
 
-    std::vector<K> told;
+    mutable std::vector<K> told;
     std::function<void(Node<K>&)> react;
 
   protected:
     using Base::deleteNotify;
-    void deleteNotify(Qor::Ptr<Node<K>> const& member) override {
+    void deleteNotify(Qor::Ptr<Node<K>> const& member) const override {
         told.push_back(member->fwkKey());
         if (react) {
             react(*member);

@@ -72,7 +72,8 @@ typename A::Value setChild(typename A::Entity& entity, Name const& name) {
         field->parentIs(nullptr);
     }
     typename A::Value const child = newChild<A>(entity, name);
-    field = child;
+    // The old one goes when all is told: its end may run any code.
+    typename A::Value const old = std::exchange(field, child);
     tellScalar<A>(entity);
     return validPtr(child);
 }

@@ -45,9 +45,10 @@ Qor::Ptr<Dir::QorEntry> Dir::qorEntryIs(Name const& name, Qor::Ptr<QorEntry> con
         return present;
     }
     Qor::Ptr<QorEntry> member = present;
+    Qor::Ptr<Entity> old;  // goes when all is told: its end may run any code
     if (present) {
-        present->entity_->parentIs(nullptr);
-        present->entity_ = entity;
+        old = std::exchange(present->entity_, entity);
+        old->parentIs(nullptr);
         present->state_ = EntryState::ready;
         present->placing_ = QorEntry::nextPlacing();
     } else {

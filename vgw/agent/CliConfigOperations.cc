@@ -15,6 +15,7 @@ Qor::String8 CliConfig::managerTarget() const {
 // The defaults stand here, in the constructor and in CliDefaults; a test holds them together.
 void CliConfig::reset() {
     traceEntry(vgwTypesUnit, __LINE__, "reset", "void Vgw::CliConfig::reset()");
+    Ptr const held(this);  // a handler may let go of it
     enableAgentIs(false);
     enableOvsdbIs(true);
     vtepListTypeIs(VtepListType::sendToAny);

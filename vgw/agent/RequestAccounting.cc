@@ -64,9 +64,10 @@ Qor::String8 OvsdbSessionStatus::toDisplayMsg(OvsdbRequestType requestType) {
 void updateOvsdbRequest(OvsdbSessionStatus::Ptr const& status, OvsdbRequestType type,
                         Qor::String8 const& detail) {
     Qor::String8 const shortDetail = shortForm(detail);
-    status->lastMsgSentIs(OvsdbSessionStatus::toDisplayMsg(type));
-    status->lastMsgSentDetailIs(shortDetail);
-    status->timeOfLastMsgIs(Qor::now());
+    OvsdbSessionStatus::Ptr const held = status;  // a handler may let go of the caller's
+    held->lastMsgSentIs(OvsdbSessionStatus::toDisplayMsg(type));
+    held->lastMsgSentDetailIs(shortDetail);
+    held->timeOfLastMsgIs(Qor::now());
 }
 
 void updateOvsdbRequestResult(OvsdbSessionStatus::Ptr const& status, SessionState state,
@@ -74,21 +75,22 @@ void updateOvsdbRequestResult(OvsdbSessionStatus::Ptr const& status, SessionStat
     Qor::trace(traceHandle(), 5, vgwTypesUnit, __LINE__, "updateOvsdbRequestResult",
                [&](std::ostream& out) { out << resultSignature << ' ' << stringValue(state); });
     Qor::String8 const shortDetail = shortForm(detail);
+    OvsdbSessionStatus::Ptr const held = status;
     switch (state) {
         case SessionState::stateConnected:
         case SessionState::stateBackupDbSynced:
-            accountSuccess(*status, type, shortDetail);
+            accountSuccess(*held, type, shortDetail);
             break;
         case SessionState::stateDisconnected:
-            accountFailure(*status, type, shortDetail);
+            accountFailure(*held, type, shortDetail);
             break;
         case SessionState::stateUnknown:
             refuseState(42);
         default:
             refuseState(68);
     }
-    status->sessionStateIs(state);
-    status->lastStateChangeIs(Qor::now());
+    held->sessionStateIs(state);
+    held->lastStateChangeIs(Qor::now());
 }
 
 }  // namespace Vgw

@@ -7,6 +7,7 @@ namespace Vgw {
 
 void HwVtepOvsdb::clear() {
     traceEntry(ovsdbDataTypesUnit, 566, "clear", "void Vgw::HwVtepOvsdb::clear()");
+    Ptr const held(this);  // a handler may let go of the database
     remoteLocatorDelAll();
     physicalLocatorSetDelAll();
     physicalLocatorDelAll();

@@ -31,9 +31,9 @@ void Global::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::Global::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(59, banner);
-    auto const& source = sourceRow<Global>(rhs, 61, banner);
-    mirrorUnlessInvalid<PSwitchAttr>(*this, source);
-    mirrorUnlessInvalid<ManagerAttr>(*this, source);
+    RowCopy const copy(*this, rhs, 61, banner);
+    copy.mirrorUnlessInvalid<PSwitchAttr>();
+    copy.mirrorUnlessInvalid<ManagerAttr>();
 }
 
 // targetIs is virtual: a class below may watch what is copied.
@@ -41,7 +41,8 @@ void Manager::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::Manager::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(96, banner);
-    auto const& source = sourceRow<Manager>(rhs, 98, banner);
+    RowCopy const copy(*this, rhs, 98, banner);
+    auto const& source = copy.source();
     targetIs(source.target());
 }
 
@@ -49,25 +50,25 @@ void PhysicalSwitch::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::PhysicalSwitch::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(176, banner);
-    auto const& source = sourceRow<PhysicalSwitch>(rhs, 178, banner);
-    copyUnlessInvalid<DisplayNameAttr>(*this, source);
-    copyUnlessInvalid<DescAttr>(*this, source);
-    mirrorUnlessInvalid<PortAttr>(*this, source);
-    mirrorUnlessInvalid<MgmtIpAttr>(*this, source);
-    mirrorUnlessInvalid<TunnelIpAttr>(*this, source);
-    mirrorUnlessInvalid<FaultAttr>(*this, source);
+    RowCopy const copy(*this, rhs, 178, banner);
+    copy.copyUnlessInvalid<DisplayNameAttr>();
+    copy.copyUnlessInvalid<DescAttr>();
+    copy.mirrorUnlessInvalid<PortAttr>();
+    copy.mirrorUnlessInvalid<MgmtIpAttr>();
+    copy.mirrorUnlessInvalid<TunnelIpAttr>();
+    copy.mirrorUnlessInvalid<FaultAttr>();
 }
 
 void PhysicalPort::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::PhysicalPort::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(298, banner);
-    auto const& source = sourceRow<PhysicalPort>(rhs, 300, banner);
-    copyUnlessInvalid<DisplayNameAttr>(*this, source);
-    copyUnlessInvalid<DescAttr>(*this, source);
-    mirrorUnlessInvalid<VlanBindingAttr>(*this, source);
-    mirrorUnlessInvalid<VlanStatAttr>(*this, source);
-    mirrorUnlessInvalid<FaultAttr>(*this, source);
+    RowCopy const copy(*this, rhs, 300, banner);
+    copy.copyUnlessInvalid<DisplayNameAttr>();
+    copy.copyUnlessInvalid<DescAttr>();
+    copy.mirrorUnlessInvalid<VlanBindingAttr>();
+    copy.mirrorUnlessInvalid<VlanStatAttr>();
+    copy.mirrorUnlessInvalid<FaultAttr>();
 }
 
 void LogicalBindingStats::clone(OvsdbDataModel::PtrConst const&) {
@@ -81,7 +82,8 @@ void LogicalSwitch::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::LogicalSwitch::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(355, banner);
-    auto const& source = sourceRow<LogicalSwitch>(rhs, 357, banner);
+    RowCopy const copy(*this, rhs, 357, banner);
+    auto const& source = copy.source();
     displayNameIs(source.displayName());
     descIs(source.desc());
     tunnelKeyIs(source.tunnelKey());
@@ -91,7 +93,8 @@ void UcastMacsLocal::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::UcastMacsLocal::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(366, banner);
-    auto const& source = sourceRow<UcastMacsLocal>(rhs, 368, banner);
+    RowCopy const copy(*this, rhs, 368, banner);
+    auto const& source = copy.source();
     needWhollyValid(source, "!rhs->invalidAttribs() && \"Invalid attribs in UcastMacsLocal\"", 370,
                     banner);
     vtepIpIs(source.vtepIp());
@@ -103,10 +106,11 @@ void McastMacsLocal::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::McastMacsLocal::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(379, banner);
-    auto const& source = sourceRow<McastMacsLocal>(rhs, 381, banner);
+    RowCopy const copy(*this, rhs, 381, banner);
+    auto const& source = copy.source();
     needWhollyValid(source, "!rhs->invalidAttribs() && \"Invalid attribs in McastMacsLocal\"", 383,
                     banner);
-    mirror<VtepIpAttr>(*this, source);
+    copy.mirror<VtepIpAttr>();
     physicalLocatorSetIs(source.physicalLocatorSet());
     uuidIs(source.uuid());
     vniIs(source.vni());
@@ -116,7 +120,8 @@ void UcastMacsRemote::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::UcastMacsRemote::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(404, banner);
-    auto const& source = sourceRow<UcastMacsRemote>(rhs, 406, banner);
+    RowCopy const copy(*this, rhs, 406, banner);
+    auto const& source = copy.source();
     needWhollyValid(source, "!rhs->invalidAttribs() && \"Invalid attribs in UcastMacsRemote\"", 407,
                     banner);
     macIs(source.mac());
@@ -129,7 +134,8 @@ void McastMacsRemote::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::McastMacsRemote::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(417, banner);
-    auto const& source = sourceRow<McastMacsRemote>(rhs, 419, banner);
+    RowCopy const copy(*this, rhs, 419, banner);
+    auto const& source = copy.source();
     needWhollyValid(source, "!rhs->invalidAttribs() && \"Invalid attribs in McastMacsRemote\"", 420,
                     banner);
     macIs(source.mac());
@@ -142,20 +148,20 @@ void PhysicalLocator::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::PhysicalLocator::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(483, banner);
-    auto const& source = sourceRow<PhysicalLocator>(rhs, 485, banner);
-    copyUnlessInvalid<KeyAttr>(*this, source);
-    mirrorUnlessInvalid<BfdAttr>(*this, source);
-    mirrorUnlessInvalid<BfdStatusAttr>(*this, source);
-    addKeys<UcastMacRefAttr>(*this, source);
-    addKeys<McastMacRefAttr>(*this, source);
+    RowCopy const copy(*this, rhs, 485, banner);
+    copy.copyUnlessInvalid<KeyAttr>();
+    copy.mirrorUnlessInvalid<BfdAttr>();
+    copy.mirrorUnlessInvalid<BfdStatusAttr>();
+    copy.addKeys<UcastMacRefAttr>();
+    copy.addKeys<McastMacRefAttr>();
 }
 
 void PhysicalLocatorSet::clone(OvsdbDataModel::PtrConst const& rhs) {
     constexpr char const* banner =
         "virtual void Vgw::PhysicalLocatorSet::clone(const Vgw::OvsdbDataModel::PtrConst&)";
     traceClone(547, banner);
-    auto const& source = sourceRow<PhysicalLocatorSet>(rhs, 549, banner);
-    mirrorUnlessInvalid<LocatorAttr>(*this, source);
+    RowCopy const copy(*this, rhs, 549, banner);
+    copy.mirrorUnlessInvalid<LocatorAttr>();
 }
 
 }  // namespace Vgw

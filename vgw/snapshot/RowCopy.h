@@ -16,53 +16,62 @@ inline void traceClone(int line, char const* banner) {
     traceEntry(ovsdbDataTypesUnit, line, "clone", banner);
 }
 
-/// The source as a row of class `Row`; any other stops the process.
-/// REQUIRES: rhs && "Dynamic_cast failed."
+/// A row and the one that it is made like. Both are held until it is done: a handler that hears of
+/// a change may let go of either.
 template <class Row>
-Row const& sourceRow(OvsdbDataModel::PtrConst const& rhs, int line, char const* banner) {
-    auto const* const row = dynamic_cast<Row const*>(rhs.ptr());
-    Qor::assertThat(row != nullptr, "rhs && \"Dynamic_cast failed.\"", ovsdbDataTypesUnit, line,
-                    banner);
-    return *row;
-}
-
-/// Copies single attributes of `source` that its marks do not exclude.
-template <class A>
-void copyUnlessInvalid(typename A::Entity& target, typename A::Entity const& source) {
-    if (!source.invalidAttrib(A::name)) {
-        Qor::setScalar<A>(target, A::field(source));
+class RowCopy {
+  public:
+    /// A source of any other class stops the process.
+    /// REQUIRES: rhs && "Dynamic_cast failed."
+    RowCopy(Row& to, OvsdbDataModel::PtrConst const& rhs, int line, char const* banner)
+        : target_(&to), source_(Qor::dynamicCast<Row const>(rhs)) {
+        Qor::assertThat(static_cast<bool>(source_), "rhs && \"Dynamic_cast failed.\"",
+                        ovsdbDataTypesUnit, line, banner);
     }
-}
 
-/// Makes the target's collection equal to the source's: first everything goes whose value the
-/// source holds as the default of its type or not at all, then the source's members are set. A
-/// member whose value is the default is thus removed and made anew.
-template <class A>
-void mirror(typename A::Entity& target, typename A::Entity const& source) {
-    for (Qor::AttributeIterator<A> at(target); at; ++at) {
-        if (Qor::keyedValue<A>(source, at->fwkKey()) == typename A::Value()) {
-            at.del();
+    Row& target() const { return *target_; }
+    Row const& source() const { return *source_; }
+
+    /// Copies a single attribute.
+    template <class A>
+    void copyUnlessInvalid() const {
+        if (!source().invalidAttrib(A::name)) {
+            Qor::setScalar<A>(target(), A::field(source()));
         }
     }
-    for (Qor::AttributeIteratorConst<A> at(source); at; ++at) {
-        Qor::setKeyed<A>(target, at.key(), at.value());
+    /// Makes the target's collection equal to the source's: first everything goes whose value the
+    /// source holds as the default of its type or not at all, then the source's members are set. A
+    /// member whose value is the default is thus removed and made anew.
+    template <class A>
+    void mirror() const {
+        for (Qor::AttributeIterator<A> at(target()); at; ++at) {
+            if (Qor::keyedValue<A>(source(), at->fwkKey()) == typename A::Value()) {
+                at.del();
+            }
+        }
+        for (Qor::AttributeIteratorConst<A> at(source()); at; ++at) {
+            Qor::setKeyed<A>(target(), at.key(), at.value());
+        }
     }
-}
+    template <class A>
+    void mirrorUnlessInvalid() const {
+        if (!source().invalidAttrib(A::name)) {
+            mirror<A>();
+        }
+    }
+    /// Adds every key of the source with the value true, whatever value it has there; removes
+    /// nothing.
+    template <class A>
+    void addKeys() const {
+        for (Qor::AttributeIteratorConst<A> at(source()); at; ++at) {
+            Qor::setKeyed<A>(target(), at.key(), true);
+        }
+    }
 
-template <class A>
-void mirrorUnlessInvalid(typename A::Entity& target, typename A::Entity const& source) {
-    if (!source.invalidAttrib(A::name)) {
-        mirror<A>(target, source);
-    }
-}
-
-/// Adds every key of the source with the value true, whatever value it has there; removes nothing.
-template <class A>
-void addKeys(typename A::Entity& target, typename A::Entity const& source) {
-    for (Qor::AttributeIteratorConst<A> at(source); at; ++at) {
-        Qor::setKeyed<A>(target, at.key(), true);
-    }
-}
+  private:
+    typename Row::Ptr target_;
+    typename Row::PtrConst source_;
+};
 
 }  // namespace Vgw
 

@@ -94,6 +94,22 @@ TEST_F(ReferenceSetter, ReplacedTargetMayEndAndReachBack) {
     EXPECT_EQ(other->qorRefs(), 1U);
 }
 
+TEST_F(ReferenceSetter, OwnerMayEndWithWhatItsReferenceIsTakenFrom) {
+    for (Port::Ptr const& next : {Qor::make<Port>("next"), Port::Ptr()}) {
+        device = Qor::make<Device>("d");
+        a = listen<DeviceListener>(device, log, "a");
+        a->isWeakReferenceIs(true);
+        auto dying = Qor::make<Port>("dying");
+        dying->onEnd = [this] { device = nullptr; };
+        device->uplinkIs("u", dying);
+        dying = nullptr;
+        log.clear();
+        device->uplinkIs("u", next);
+        EXPECT_FALSE(device);
+        EXPECT_EQ(log, (Log{"a:uplink(u)", "a:zero"})) << "the change is told before the end";
+    }
+}
+
 TEST_F(ReferenceSetter, DestructionOfTheOwnerTellsNothingOfReferences) {
     device->uplinkIs("u", p);
     a->isWeakReferenceIs(true);

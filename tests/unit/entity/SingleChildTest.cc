@@ -37,6 +37,15 @@ TEST_F(SingleChild, OfAnotherNameReplacesTheFirst) {
     EXPECT_EQ(log, (Log{"a:main", "a:main"}));
 }
 
+TEST_F(SingleChild, OwnerMayEndWithTheReplacedOne) {
+    a->isWeakReferenceIs(true);
+    device->mainIs("m")->onEnd = [this] { device = nullptr; };
+    log.clear();
+    device->mainIs("n");
+    EXPECT_FALSE(device);
+    EXPECT_EQ(log, (Log{"a:main", "a:zero", "a:main"})) << "the change, the end, the child's end";
+}
+
 TEST_F(SingleChild, DelHandsItOverAndTells) {
     auto const child = device->mainIs("m");
     EXPECT_TRUE(device->mainDel() == child);

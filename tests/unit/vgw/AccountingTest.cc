@@ -233,13 +233,20 @@ TEST_F(Accounting, DisplayTextsOfTheThreeKinds) {
 class Telltale : public OvsdbSessionStatus::NotifieeConst {
   public:
     explicit Telltale(OvsdbSessionStatus::Ptr const& session) { notifierIs(session); }
-    void onResponseTimeForLastMsg() override { std::fputs("263\n", stderr); }
-    void onNumSuccessfulMsg() override { std::fputs("266\n", stderr); }
-    void onLastMsgSent() override { std::fputs("260\n", stderr); }
-    void onLastMsgSentDetail() override { std::fputs("261\n", stderr); }
-    void onLastSuccessfulMsg() override { std::fputs("264\n", stderr); }
     void onSessionState() override { std::fputs("258\n", stderr); }
     void onLastStateChange() override { std::fputs("259\n", stderr); }
+    void onLastMsgSent() override { std::fputs("260\n", stderr); }
+    void onLastMsgSentDetail() override { std::fputs("261\n", stderr); }
+    void onTimeOfLastMsg() override { std::fputs("262\n", stderr); }
+    void onResponseTimeForLastMsg() override { std::fputs("263\n", stderr); }
+    void onLastSuccessfulMsg() override { std::fputs("264\n", stderr); }
+    void onLastSuccessfulMsgDetail() override { std::fputs("265\n", stderr); }
+    void onNumSuccessfulMsg() override { std::fputs("266\n", stderr); }
+    void onLastFailedMsg() override { std::fputs("267\n", stderr); }
+    void onLastFailedMsgDetail() override { std::fputs("268\n", stderr); }
+    void onNumFailedMsg() override { std::fputs("269\n", stderr); }
+    void onLastSuccessfulMsgTime() override { std::fputs("270\n", stderr); }
+    void onLastFailedMsgTime() override { std::fputs("271\n", stderr); }
 };
 
 #define DISPLAY_LINE(line)                                                                         \
@@ -253,6 +260,39 @@ class Telltale : public OvsdbSessionStatus::NotifieeConst {
     ": void Vgw::updateOvsdbRequestResult(const Vgw::OvsdbSessionStatus::Ptr&, "                   \
     "Vgw::SessionState, Vgw::OvsdbRequestType, const Qor::String&): Assertion '0 && \"Unexpected " \
     "session state.\"' failed."
+
+// Lets go of the status that is accounted for as soon as it hears of it.
+class LettingGo : public OvsdbSessionStatus::NotifieeConst {
+  public:
+    explicit LettingGo(OvsdbSessionStatus::Ptr& session) : session_(&session) {
+        isWeakReferenceIs(true);
+        notifierIs(session);
+    }
+    void onLastMsgSent() override { *session_ = nullptr; }
+    void onNumSuccessfulMsg() override { *session_ = nullptr; }
+    void onNumFailedMsg() override { *session_ = nullptr; }
+    void onTimeOfLastMsg() override { ++last; }
+    void onLastStateChange() override { ++last; }
+    int last = 0;
+
+  private:
+    OvsdbSessionStatus::Ptr* session_;
+};
+
+TEST(AccountingOfAStatus, GoesOnToItsEndWhenAHandlerLetsGoOfTheStatus) {
+    for (auto const state : {SessionState::stateConnected, SessionState::stateDisconnected}) {
+        auto session = Vgw::ovsdbSessionStatusFactory("s");
+        auto const hearer = Qor::make<LettingGo>(session);
+        Vgw::updateOvsdbRequest(session, transact, "x");
+        EXPECT_FALSE(session);
+        EXPECT_EQ(hearer->last, 1) << "the last step was told";
+        session = Vgw::ovsdbSessionStatusFactory("s");
+        hearer->notifierIs(session);
+        Vgw::updateOvsdbRequestResult(session, state, transact, "x");
+        EXPECT_FALSE(session);
+        EXPECT_EQ(hearer->last, 2);
+    }
+}
 
 class AccountingDeathTest : public Accounting {};
 
@@ -272,12 +312,18 @@ TEST_F(AccountingDeathTest, RequestWithoutDisplayTextStopsBeforeAnythingIsWritte
 }
 
 TEST_F(AccountingDeathTest, ResultWithoutDisplayTextStopsBehindTheTimeAndTheCounter) {
+    session_->responseTimeForLastMsgIs(7);
     auto const telltale = Qor::make<Telltale>(session_);
     EXPECT_STOPS(Vgw::updateOvsdbRequestResult(session_, SessionState::stateConnected, query, "x"),
                  "263\n266\n" DISPLAY_LINE(103));
+    EXPECT_STOPS(
+        Vgw::updateOvsdbRequestResult(session_, SessionState::stateDisconnected, query, "x"),
+        "263\n269\n" DISPLAY_LINE(103));
 }
 
 TEST_F(AccountingDeathTest, UnknownStateStopsAtOnceWhateverTheKind) {
+    session_->responseTimeForLastMsgIs(7);  // so that either outcome would be told
+    session_->timeOfLastMsgIs(1);
     auto const telltale = Qor::make<Telltale>(session_);
     for (auto const type : {transact, query, unknown}) {
         EXPECT_STOPS(Vgw::updateOvsdbRequestResult(session_, SessionState::stateUnknown, type, "x"),
@@ -286,6 +332,8 @@ TEST_F(AccountingDeathTest, UnknownStateStopsAtOnceWhateverTheKind) {
 }
 
 TEST_F(AccountingDeathTest, StateOutsideTheTableStopsAtOnce) {
+    session_->responseTimeForLastMsgIs(7);
+    session_->timeOfLastMsgIs(1);
     auto const telltale = Qor::make<Telltale>(session_);
     for (auto const number : {4U, 0xFFFFFFFFU}) {
         EXPECT_STOPS(Vgw::updateOvsdbRequestResult(session_, static_cast<SessionState>(number),

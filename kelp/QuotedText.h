@@ -18,8 +18,9 @@ Value valueOfQuotedText(Qor::String8::IteratorConst& position,
         return Value(text.view());
     } catch (Qor::RangeException const& exception) {
         throw Qor::RangeException(
-            Qor::format("%s, at column %lld deserializing %s", exception.what(),
-                        static_cast<long long>(start), position.text().charPtr()),
+            exception.message() +
+                Qor::format(", at column %lld deserializing ", static_cast<long long>(start)) +
+                position.text(),
             exception.ids());
     }
 }

@@ -154,17 +154,18 @@ Name sequenceToValue(Position& position, Position const& end, Name*) {
 }
 
 void throwExpected(char const* what, Position const& position) {
-    throwRangeException(format("expected %s at column %lld deserializing %s", what,
-                               static_cast<long long>(position.index()),
-                               position.text().charPtr()));
+    throwRangeException(format("expected %s at column %lld deserializing ", what,
+                               static_cast<long long>(position.index())) +
+                        position.text());
 }
 
 void throwJunk(Position const& position, String8 const& text) {
     Exception::IdBitArray ids;
     ids.add(Exception::rangeId);
-    throw RangeException(format("junk at column %lld deserializing %s",
-                                static_cast<long long>(position.index()), text.charPtr()),
-                         ids);
+    throw RangeException(
+        format("junk at column %lld deserializing ", static_cast<long long>(position.index())) +
+            text,
+        ids);
 }
 
 void cannotConvert(Position const& position, Position const& end, std::type_info const& type) {
@@ -177,9 +178,8 @@ void cannotConvert(String8 const& text, std::type_info const& type) {
 }
 
 void rethrowFromDeserializeAttr(RangeException const& exception, String8 const& attributeName) {
-    throw RangeException(
-        format("attribute %s: %s", attributeName.charPtr(), exception.message().charPtr()),
-        exception.ids());
+    throw RangeException(String8("attribute ") + attributeName + ": " + exception.message(),
+                         exception.ids());
 }
 
 }  // namespace Qor

@@ -54,6 +54,24 @@ TEST(NeedString, OtherTextIsRefusedWithItsColumn) {
               "expected \"a Value\" at column 5 deserializing a Valve");
 }
 
+TEST(NeedString, RefusalTellsTheWholeTextAlsoBehindAZeroByte) {
+    String8 const text(std::string_view("Val\0ve", 6));
+    Position position{text};
+    try {
+        Qor::needString(position, position.text().end(), "Value");
+        FAIL() << "no exception";
+    } catch (Qor::RangeException const& exception) {
+        EXPECT_EQ(exception.message(),
+                  String8("expected \"Value\" at column 3 deserializing ") + text);
+        try {
+            Qor::String8 name("vlan");
+            Qor::rethrowFromDeserializeAttr(exception, name);
+        } catch (Qor::RangeException const& named) {
+            EXPECT_EQ(named.message(), String8("attribute vlan: ") + exception.message());
+        }
+    }
+}
+
 TEST(NeedString, NothingIsReadBehindTheEnd) {
     String8 const text("Value");
     Position position(text);

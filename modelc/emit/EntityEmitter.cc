@@ -87,7 +87,7 @@ void EntityEmitter::memberHoles() {
     holes_["descriptorNames"] = descriptorNames();
     holes_["descriptorList"] = descriptorList();
     holes_["aliases"] = eachMember(members_, &MemberEmitter::aliases, "");
-    holes_["declarations"] = eachMember(members_, &MemberEmitter::declarations, "\n");
+    holes_["declarations"] = declarations();
     holes_["fields"] = eachMember(members_, &MemberEmitter::field, "");
     holes_["handlers"] = eachMember(members_, &MemberEmitter::handlers, "");
     holes_["pendingKeys"] = eachMember(members_, &MemberEmitter::pendingKey, "");
@@ -124,6 +124,16 @@ std::string EntityEmitter::descriptorList() const {
         if (!name.empty()) result += (result.empty() ? "" : ", ") + name;
     }
     return result;
+}
+
+std::string EntityEmitter::declarations() const {
+    std::string introduced;
+    std::string others;
+    for (auto const& member : members_) {
+        std::string& place = member->isIntroduced() ? introduced : others;
+        place += (place.empty() ? "" : "\n") + member->declarations();
+    }
+    return introduced + (introduced.empty() || others.empty() ? "" : "\n") + others;
 }
 
 std::string EntityEmitter::includes() const {

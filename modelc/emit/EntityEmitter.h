@@ -27,6 +27,7 @@ class EntityEmitter {
     std::string descriptorList() const;
     std::string includes() const;
     std::string origin() const;
+    std::string declarations() const;
     bool hasKeyed() const;
     bool hasOwned() const;
 

@@ -14,11 +14,11 @@ std::string MapEmitter::accessorDeclarations() const {
 $Result$ $name$($key$) const;
 )") + memberDeclaration() +
            fillIn(R"(
-$virtual$void $setter$($key$, $value$);
 Qor::Ptr<$Member$> $builder$($key$, $value$);
 $virtual$$Result$ $remover$($key$);
 void $allRemover$();
 $virtual$void $notifier$($key$, Qor::Ptr<$Member$> const& member);
+$virtual$void $setter$($key$, $value$);
 )");
 }
 

@@ -46,6 +46,8 @@ class MemberEmitter {
     // Headers that the declarations need.
     virtual std::vector<std::string> headers() const = 0;
 
+    // An operation that classes below may override: such stand in front of all accessors.
+    virtual bool isIntroduced() const { return false; }
     virtual bool isKeyed() const { return false; }
     // The class owns what the attribute holds, and lets it go when it ends.
     virtual bool isOwner() const { return false; }

@@ -6,9 +6,8 @@ namespace Modelc {
 
 OperationEmitter::OperationEmitter(Entity const& entity, Operation const& operation)
     : MemberEmitter(entity, operation.name, operation.doc), operation_(operation) {
-    bool const isIntroduced = operation.isVirtual && !operation.overrides;
     hole("id", std::to_string(operation.id));
-    hole("before", operation.isStatic ? "static " : isIntroduced ? "virtual " : "");
+    hole("before", operation.isStatic ? "static " : isIntroduced() ? "virtual " : "");
     hole("Result", operation.result == nullptr ? "void" : typeText(*operation.result, unit()));
     hole("parameters", parameters());
     hole("ArgumentTypes", argumentTypes());

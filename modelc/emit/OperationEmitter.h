@@ -14,6 +14,7 @@ class OperationEmitter : public MemberEmitter {
     std::string declarations() const override;
     std::string descriptor() const override;
     std::vector<std::string> headers() const override;
+    bool isIntroduced() const override { return operation_.isVirtual && !operation_.overrides; }
 
   private:
     std::string parameters() const;

@@ -176,8 +176,16 @@ bool operator<($Value$ const& rhs) const noexcept {
 }
 
 std::string ValueEmitter::comparisons() const {
-    std::string result =
-        fill("bool operator==($Value$ const&) const noexcept = default;\n", holes_);
+    std::string result = value_.fields.empty()
+                             ? fill(
+                                   "bool operator==($Value$) const noexcept { return true; }\n"
+                                   "bool operator!=($Value$) const noexcept { return false; }\n",
+                                   holes_)
+                             : fill(
+                                   "bool operator==($Value$ const&) const noexcept = default;\n"
+                                   "bool operator!=($Value$ const& rhs) const noexcept { return "
+                                   "!(*this == rhs); }\n",
+                                   holes_);
     if (value_.ordering != Ordering::none) {
         result += ordering() + fill(R"(
 bool operator<=($Value$ const& rhs) const noexcept { return !(rhs < *this); }

@@ -20,7 +20,8 @@ using AttributeId = I32;
 /// A point in time or a span, in seconds.
 using Seconds = double;
 
-/// The run-time record of a type: <qor/registry/QorType.h>.
+/// The run-time records of an attribute and of a type: <qor/registry/QorType.h>.
+class QorAttr;
 class QorType;
 
 }  // namespace Qor

@@ -43,6 +43,11 @@ void Entity::qorNotifieeAdapterIs(Qor::Ptr<Entity const> const&) {}
 
 bool Entity::qorHasAttrLogInterface() const { return false; }
 
+Entity::QorNboAttrLogSa const* Entity::qorNboAttrLogSa(
+    Qor::Ptr<NboAttrLog::Out const> const& out) const {
+    return const_cast<Entity*>(this)->qorNboAttrLogSa(out);
+}
+
 Entity::QorNboAttrLogSa* Entity::qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const&) {
     return nullptr;
 }

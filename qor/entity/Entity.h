@@ -39,6 +39,9 @@ class QOR_EXPORT Entity : public VFPtrInterface {
     virtual Qor::Ptr<Entity> parent();
     /// Sets the owner or, with null, clears it, and calls handleParent when that is a change.
     virtual void parentIs(Qor::Ptr<Entity> const& parent);
+    /// The record of the owner's attribute that holds this entity; null without an owner, and while
+    /// introspection is off.
+    virtual QorAttr const* parentAttr() const;
     /// The id of the owner's attribute that holds this entity; 0 while no owner has set one.
     virtual AttributeId parentAttrId() const;
     virtual void parentAttrIdIs(AttributeId parentAttrId);
@@ -51,10 +54,15 @@ class QOR_EXPORT Entity : public VFPtrInterface {
     virtual String8 attributeString(AttributeId id) const;
     /// Hook of the notification layer for adapters of other entities.
     virtual void qorNotifieeAdapterIs(Qor::Ptr<Entity const> const& adapter);
+
+  protected:
+    /// Called when the owner has changed.
+    virtual void handleParent(Qor::Ptr<Entity> const& parent);
+
+  public:
     /// The stream adapter that serves `out`, or null. Nothing is kept: the result is borrowed.
-    QorNboAttrLogSa const* qorNboAttrLogSa(Qor::Ptr<NboAttrLog::Out const> const& out) const {
-        return const_cast<Entity*>(this)->qorNboAttrLogSa(out);
-    }
+    virtual QorNboAttrLogSa const* qorNboAttrLogSa(
+        Qor::Ptr<NboAttrLog::Out const> const& out) const;
     /// Whether entities of this class can be streamed as an attribute log. The operations on stream
     /// adapters that follow answer null, or raise InternalException, where it cannot.
     virtual bool qorHasAttrLogInterface() const;
@@ -85,10 +93,6 @@ class QOR_EXPORT Entity : public VFPtrInterface {
     Name const& qorName() const noexcept { return name_; }
     /// The parent without a count.
     Entity* qorParent() const noexcept { return parent_; }
-
-  protected:
-    /// Called when the owner has changed.
-    virtual void handleParent(Qor::Ptr<Entity> const& parent);
 
   private:
     AttributeId parentAttrId_ = 0;

@@ -134,4 +134,9 @@ QorType* PtrInterface::_fwkType() { return unit.typeOf(countedRecord); }
 QorType* Entity::_fwkType() { return unit.typeOf(entityRecord); }
 QorType* Entity::fwkType() const { return _fwkType(); }
 
+// The type keeps its records: what is borrowed lives as long.
+QorAttr const* Entity::parentAttr() const {
+    return parent_ ? parent_->fwkType()->attr(parentAttrId_).ptr() : nullptr;
+}
+
 }  // namespace Qor

@@ -117,6 +117,9 @@ bool answer(Wrapper const& wrapper, unsigned op, Wrapper const& rhs) {
 }
 
 TEST(GenericValue, OperatorsAnswerAsTheClassesOwn) {
+    EXPECT_FALSE(answer(wrapperOver(Vgw::PhysicalLocatorKey(Vgw::unknownEncapType, Kelp::IpAddr())),
+                        262, nullptr))
+        << "no address, but a kind of encapsulation of its own";
     Types<Vgw::MacVniPair, Vgw::PhysicalLocatorKey>::forEach([]<class V>() {
         std::vector<V> values = samples<V>();
         values.push_back(V());

@@ -134,6 +134,7 @@ TEST_F(NotifierEnd, MarkedNotifierKeepsItsListWhenANotifieeGoes) {
     a = nullptr;
     EXPECT_EQ(port->notifierList().count(), 1U);
     EXPECT_EQ(port->notifierList().version(), version);
+    EXPECT_EQ(port->notifierList().head(), nullptr) << "nothing leads to what has gone";
 }
 
 TEST_F(NotifierEnd, MarkedNotifierMayEndAfterItsNotifiees) {

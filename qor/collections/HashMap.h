@@ -33,6 +33,12 @@ class HashMapVTable final : public HashMapVTableGeneric {
     PtrInterface* next(PtrInterface const* member) const override {
         return of(member)->fwkHmNext();
     }
+    bool isBefore(PtrInterface const* member, U32 hash, void const* key) const override {
+        return precedes(*of(member), hash, *static_cast<Key const*>(key));
+    }
+    bool standsBefore(PtrInterface const* member, PtrInterface const* other) const override {
+        return precedes(*of(member), of(other)->fwkHash(), of(other)->fwkKey());
+    }
     void headsOf(PtrInterface* first, PtrInterface** heads, U32 count) const override {
         for (auto* at = static_cast<Member*>(first); at; at = at->fwkHmNext()) {
             PtrInterface*& head = heads[HashMapGeneric::bucketIndex(at->fwkHash(), count)];
@@ -55,6 +61,15 @@ class HashMapVTable final : public HashMapVTableGeneric {
   private:
     static Member const* of(PtrInterface const* member) {
         return static_cast<Member const*>(member);
+    }
+    // In an order that can leave two keys undecided, none of one hash precedes another.
+    static bool precedes(Member const& member, U32 hash, Key const& key) {
+        if constexpr (HashMapKey<Key>::hashIsKey || HashMapKey<Key>::hasTies) {
+            return member.fwkHash() < hash;
+        } else {
+            U32 const its = member.fwkHash();
+            return its < hash || (its == hash && member.fwkKey() < key);
+        }
     }
 };
 
@@ -89,7 +104,10 @@ class HashMap : public HashMapGeneric {
             return nullptr;
         }
         auto* at = static_cast<Member*>(manyBuckets()[bucketIndex(hash)]);
-        while (at && !(at->fwkHash() == hash && (KeyTraits::hashIsKey || at->fwkKey() == key))) {
+        for (U32 steps = 0; at && !isIts(*at, key, hash); ++steps) {
+            if (steps == longChain) [[unlikely]] {
+                return memberInLongChain(key, hash);
+            }
             at = at->fwkHmNext();
         }
         return at;
@@ -100,7 +118,14 @@ class HashMap : public HashMapGeneric {
     Member* startAtHash(Key const& key) const {
         U32 const hash = KeyTraits::hash(key);
         auto bucket = static_cast<I32>(bucketIndex(hash));
-        for (Member* at = head(static_cast<U32>(bucket)); at; at = at->fwkHmNext()) {
+        Member* at = head(static_cast<U32>(bucket));
+        for (U32 steps = 0; at; at = at->fwkHmNext(), ++steps) {
+            if (steps == longChain) [[unlikely]] {
+                at = static_cast<Member*>(placeInLongChain(qorVTable(), hash, &key).at);
+                if (!at) {
+                    break;
+                }
+            }
             U32 const other = at->fwkHash();
             if (hash < other || (hash == other && (at->fwkKey() == key || key < at->fwkKey()))) {
                 return at;
@@ -117,7 +142,14 @@ class HashMap : public HashMapGeneric {
         U32 const bucket = bucketIndex(hash);
         Member* before = nullptr;
         Member* at = head(bucket);
-        while (at && !goesBefore(*t, hash, *at)) {
+        for (U32 steps = 0; at && !goesBefore(*t, hash, *at); ++steps) {
+            if (steps == longChain) [[unlikely]] {
+                Key const& key = t->fwkKey();
+                Place const place = placeInLongChain(qorVTable(), hash, &key);
+                before = static_cast<Member*>(place.before);
+                at = static_cast<Member*>(place.at);
+                continue;
+            }
             before = at;
             at = at->fwkHmNext();
         }
@@ -150,6 +182,16 @@ class HashMap : public HashMapGeneric {
     }
 
   private:
+    static bool isIts(Member const& at, Key const& key, U32 hash) {
+        return at.fwkHash() == hash && (KeyTraits::hashIsKey || at.fwkKey() == key);
+    }
+    [[gnu::noinline]] Member* memberInLongChain(Key const& key, U32 hash) const {
+        auto* at = static_cast<Member*>(placeInLongChain(qorVTable(), hash, &key).at);
+        while (at && at->fwkHash() == hash && !isIts(*at, key, hash)) {
+            at = at->fwkHmNext();
+        }
+        return at && at->fwkHash() == hash ? at : nullptr;
+    }
     Member* head(U32 bucket) const { return static_cast<Member*>(buckets()[bucket]); }
     // Makes `fresh` the head of a bucket whose head so far is `next`.
     void linkHead(Member& fresh, U32 hash, U32 bucket, Member* next) {

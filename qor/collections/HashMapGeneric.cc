@@ -1,8 +1,10 @@
+#include <qor/collections/ChainIndex.h>
 #include <qor/collections/HashMapGeneric.h>
 #include <qor/collections/MapWalker.h>
 
 #include <algorithm>
 #include <bit>
+#include <new>
 #include <utility>
 
 namespace Qor {
@@ -17,6 +19,19 @@ std::size_t arrayBytes(U32 count) { return std::size_t{count} * sizeof(PtrInterf
 PtrInterface** newBuckets(U32 count) noexcept {
     return static_cast<PtrInterface**>(memNewOrNull(arrayBytes(count)));
 }
+
+struct KeyTarget {
+    bool isBehind(PtrInterface const* member) const { return table.isBefore(member, hash, key); }
+    HashMapVTableGeneric const& table;
+    U32 hash;
+    void const* key;
+};
+
+struct MemberTarget {
+    bool isBehind(PtrInterface const* other) const { return table.standsBefore(other, member); }
+    HashMapVTableGeneric const& table;
+    PtrInterface const* member;
+};
 
 }  // namespace
 
@@ -34,23 +49,88 @@ HashMapGeneric::~HashMapGeneric() {
     for (MapWalker* at = walkers_; at; at = at->next_) {
         at->map_ = nullptr;
     }
+    dropIndex();
+    deleteArray();
+}
+
+PtrInterface** HashMapGeneric::newArray(U32 count) const noexcept {
+    return newBuckets(count + isIndexed_);
+}
+
+void HashMapGeneric::deleteArray() noexcept {
     if (bucketCount_ > 1) {
-        memDel(array_, arrayBytes(bucketCount_));
+        memDel(array_, arrayBytes(bucketCount_ + isIndexed_));
     }
+}
+
+// Leaves the place behind the last bucket for another.
+void HashMapGeneric::dropIndex() noexcept {
+    delete index();
+    if (isIndexed_) {
+        array_[bucketCount_] = nullptr;
+    }
+}
+
+// A map that has been given an index keeps the place for it.
+void HashMapGeneric::setPosts(HashMapVTableGeneric const& table,
+                              std::vector<PtrInterface*> const& posts) try {
+    if (!isIndexed_) {
+        PtrInterface** const wider = newBuckets(bucketCount_ + 1);
+        if (!wider) return;
+        std::copy_n(array_, bucketCount_, wider);
+        wider[bucketCount_] = nullptr;
+        deleteArray();
+        array_ = wider;
+        isIndexed_ = 1;
+    }
+    if (!index()) {
+        array_[bucketCount_] = reinterpret_cast<PtrInterface*>(new ChainIndex);
+    }
+    index()->add(table, posts);
+} catch (std::bad_alloc const&) {
+    // The chains are walked as they were.
+}
+
+template <class Target>
+HashMapGeneric::Place HashMapGeneric::placeOf(HashMapVTableGeneric const& table, U32 bucket,
+                                              Target const& target) const {
+    PtrInterface* before = index() ? index()->before(target) : nullptr;
+    if (before && bucketIndex(table.hash(before)) != bucket) {
+        before = nullptr;
+    }
+    PtrInterface* at = before ? table.next(before) : buckets()[bucket];
+    PostsOnTheWay way;
+    while (at && target.isBehind(at)) {
+        way.step(at);
+        before = std::exchange(at, table.next(at));
+    }
+    if (way.areWanted() && !isOneChain()) {
+        const_cast<HashMapGeneric*>(this)->setPosts(table, way.posts());
+    }
+    return {before, at};
+}
+
+HashMapGeneric::Place HashMapGeneric::placeInLongChain(HashMapVTableGeneric const& table, U32 hash,
+                                                       void const* key) const {
+    return placeOf(table, bucketIndex(hash), KeyTarget{table, hash, key});
 }
 
 // A single head stands in the map itself.
 void HashMapGeneric::bucketsAre(HashMapVTableGeneric const& table, PtrInterface** fresh,
                                 U32 count) noexcept {
-    if (bucketCount_ > 1) {
-        memDel(array_, arrayBytes(bucketCount_));
-    }
-    bucketCount_ = count;
     if (count > 1) {
+        if (isIndexed_) {
+            fresh[count] = reinterpret_cast<PtrInterface*>(index());
+        }
+        deleteArray();
         array_ = fresh;
     } else {
+        dropIndex();
+        deleteArray();
+        isIndexed_ = 0;
         single_ = *fresh;
     }
+    bucketCount_ = count;
     for (MapWalker* at = walkers_; at; at = at->next_) {
         if (at->current_ && !at->isLeft_) {
             at->bucket_ = static_cast<I32>(bucketIndex(table.hash(at->current_)));
@@ -67,7 +147,14 @@ PtrInterface* HashMapGeneric::findNextG(HashMapVTableGeneric const& table,
     }
     U32 const hash = table.hash(current);
     *bucket = static_cast<I32>(bucketIndex(hash));
-    for (PtrInterface* at = buckets()[*bucket]; at; at = table.next(at)) {
+    PtrInterface* at = buckets()[*bucket];
+    for (U32 steps = 0; at; at = table.next(at), ++steps) {
+        if (steps == longChain) {
+            at = placeInLongChain(table, hash, key).at;
+            if (!at) {
+                break;
+            }
+        }
         U32 const other = table.hash(at);
         bool const isIts = at == current || (other == hash && table.keyEquals(key, at));
         if (isIts || other > hash || (other == hash && table.keyLessThan(key, at))) {
@@ -87,7 +174,7 @@ void HashMapGeneric::grow(HashMapVTableGeneric const& table) noexcept {
         return;
     }
     U32 const count = bucketCount_ < leastBuckets ? leastBuckets : 2 * bucketCount_;
-    PtrInterface** fresh = newBuckets(count);
+    PtrInterface** fresh = newArray(count);
     if (!fresh) {
         return;
     }
@@ -149,7 +236,7 @@ void HashMapGeneric::maybeShrinkG(HashMapVTableGeneric const& table) noexcept {
         count = count > leastBuckets ? count / 2 : 1;
     }
     PtrInterface* one = nullptr;
-    PtrInterface** fresh = count == 1 ? &one : newBuckets(count);
+    PtrInterface** fresh = count == 1 ? &one : newArray(count);
     if (!fresh) {
         return;
     }
@@ -169,6 +256,9 @@ Ptr<PtrInterface> HashMapGeneric::unlink(HashMapVTableGeneric const& table, U32 
     table.setNext(member, nullptr);
     --size_;
     ++version_;
+    if (ChainIndex* const its = index()) [[unlikely]] {
+        its->forget(table, member);
+    }
     if (walkers_) {
         MapWalker::memberLeaves(walkers_, member);
     }
@@ -198,7 +288,13 @@ Ptr<PtrInterface> HashMapGeneric::memberDelG(HashMapVTableGeneric const& table, 
     U32 const bucket = bucketIndex(hash);
     PtrInterface* before = nullptr;
     PtrInterface* at = buckets()[bucket];
-    while (at && !(table.hash(at) == hash && table.keyEquals(key, at))) {
+    for (U32 steps = 0; at && !(table.hash(at) == hash && table.keyEquals(key, at)); ++steps) {
+        if (steps == longChain) {
+            Place const place = placeInLongChain(table, hash, key);
+            before = place.before;
+            at = place.at;
+            continue;
+        }
         if (table.hash(at) > hash) {
             return nullptr;
         }
@@ -217,7 +313,13 @@ bool HashMapGeneric::deleteMemberG(HashMapVTableGeneric const& table, U32 hash,
     U32 const bucket = bucketIndex(hash);
     PtrInterface* before = nullptr;
     PtrInterface* at = buckets()[bucket];
-    while (at && at != member) {
+    for (U32 steps = 0; at && at != member; ++steps) {
+        if (steps == longChain) {
+            Place const place = placeOf(table, bucket, MemberTarget{table, member});
+            before = place.before;
+            at = place.at;
+            continue;
+        }
         if (table.hash(at) > hash) {
             return false;
         }
@@ -234,6 +336,7 @@ bool HashMapGeneric::deleteMemberG(HashMapVTableGeneric const& table, U32 hash,
 // A member that goes may end objects whose ends reach back into this map, add to it and change its
 // buckets, so each step starts from what the map holds then.
 void HashMapGeneric::emptyAllBucketsG(HashMapVTableGeneric const& table) {
+    dropIndex();
     U32 i = 0;
     while (size_ != 0) {
         if (i >= bucketCount_) {

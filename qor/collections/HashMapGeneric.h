@@ -12,9 +12,14 @@
 // to it, its predecessor's or its bucket's, so moving members between chains changes no count.
 // While there is one bucket, it stands in the map itself: an empty map owns no memory.
 //
+// Keys that fall into one bucket, whatever their number, cost a search in an index of their chain;
+// see ChainIndex. Only keys that tie, being equal in hash and order, are gone through one by one.
+//
 // The map knows the iterators over it; see MapWalker. Not thread-safe.
 #ifndef QOR_COLLECTIONS_HASH_MAP_GENERIC_H
 #define QOR_COLLECTIONS_HASH_MAP_GENERIC_H
+
+#include <vector>
 
 #include <qor/core/Export.h>
 #include <qor/core/Ptr.h>
@@ -22,6 +27,7 @@
 
 namespace Qor {
 
+class ChainIndex;
 class MapWalker;
 
 /// What the generic code needs of one kind of member; one instance a kind, without data.
@@ -36,6 +42,10 @@ class HashMapVTableGeneric {
     /// it: the call itself changes no count.
     virtual void setNext(PtrInterface* member, PtrInterface* next) const = 0;
     virtual PtrInterface* next(PtrInterface const* member) const = 0;
+    /// Whether `member` stands in front of every member with that key.
+    virtual bool isBefore(PtrInterface const* member, U32 hash, void const* key) const = 0;
+    /// Whether `member` stands in front of `other` and of all that tie with it.
+    virtual bool standsBefore(PtrInterface const* member, PtrInterface const* other) const = 0;
     /// Stores the first member of each of `count` buckets, all null so far, of the chain that
     /// begins with `first`.
     virtual void headsOf(PtrInterface* first, PtrInterface** heads, U32 count) const = 0;
@@ -61,7 +71,7 @@ class QOR_EXPORT HashMapGeneric {
     U32 bucketCount() const noexcept { return bucketCount_; }
     /// Bulk removal runs: removals leave the shrinking to its end.
     bool bulkDelete() const noexcept { return bulkDelete_ != 0; }
-    void bulkDeleteIs(bool on) noexcept { bulkDelete_ = on ? 1 : 0; }
+    void bulkDeleteIs(bool on) noexcept { bulkDelete_ = on; }
 
     /// The top bits of the hash, as many as count the buckets; with one bucket always 0.
     U32 bucketIndex(U32 hash) const noexcept { return bucketIndex(hash, bucketCount_); }
@@ -120,6 +130,16 @@ class QOR_EXPORT HashMapGeneric {
         return at;
     }
 
+    /// So many members of a chain are looked at one by one before it counts as long.
+    static constexpr U32 longChain = 24;
+    struct Place {
+        PtrInterface* before;  // in the same chain; null for the first
+        PtrInterface* at;
+    };
+    /// The first member of the key's chain that does not stand in front of every member with that
+    /// key, by the index.
+    Place placeInLongChain(HashMapVTableGeneric const& table, U32 hash, void const* key) const;
+
     PtrInterface** buckets() noexcept { return bucketCount_ == 1 ? &single_ : array_; }
     PtrInterface* const* buckets() const noexcept { return bucketCount_ == 1 ? &single_ : array_; }
     // REQUIRES: more than one bucket
@@ -133,6 +153,16 @@ class QOR_EXPORT HashMapGeneric {
   private:
     friend class MapWalker;
 
+    template <class Target>
+    Place placeOf(HashMapVTableGeneric const& table, U32 bucket, Target const& target) const;
+    void setPosts(HashMapVTableGeneric const& table, std::vector<PtrInterface*> const& posts);
+    PtrInterface** newArray(U32 count) const noexcept;
+    void deleteArray() noexcept;
+    void dropIndex() noexcept;
+    // It stands behind the last bucket.
+    ChainIndex* index() const noexcept {
+        return isIndexed_ ? reinterpret_cast<ChainIndex*>(array_[bucketCount_]) : nullptr;
+    }
     Ptr<PtrInterface> unlink(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* before,
                              PtrInterface* member);
     void unlinkHead(HashMapVTableGeneric const& table, U32 bucket, PtrInterface* member,
@@ -161,7 +191,8 @@ class QOR_EXPORT HashMapGeneric {
     bool isSparse(U32 count) const noexcept { return U64{size_} * 4 < count; }
     void bucketsAre(HashMapVTableGeneric const& table, PtrInterface** buckets, U32 count) noexcept;
 
-    U32 bulkDelete_ = 0;
+    U16 bulkDelete_ = 0;
+    U16 isIndexed_ = 0;
     U32 version_ = 0;
     U32 size_ = 0;
     U32 bucketCount_ = 1;

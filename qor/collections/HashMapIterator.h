@@ -1,6 +1,5 @@
 // The iterators of a map. They borrow the member that they stand on until it leaves the map, and
-// hold it from then on; see MapWalker. When the map has changed since the last step they find their
-// place again by that member's key.
+// hold it from then on; see MapWalker. When it has left they find their place again by its key.
 #ifndef QOR_COLLECTIONS_HASH_MAP_ITERATOR_H
 #define QOR_COLLECTIONS_HASH_MAP_ITERATOR_H
 

@@ -36,9 +36,22 @@ struct Walk {
     WalkModel model;
 };
 
+// Places that are spread over all buckets, and some that share their top bits.
+Key spreadKey(Random& random) {
+    U32 const i = random.below(96);
+    return {i < 64 ? Qor::bitReverse(i) : 0x55555500U + i, random.below(3)};
+}
+// Places that share their top bits in two buckets, however many there are, and often all their
+// bits.
+Key crowdedKey(Random& random) {
+    U32 const i = random.below(1500);
+    return {(i % 3 == 0 ? 0x80000000U : 0U) + i % 500, random.below(3)};
+}
+
 class World {
   public:
-    explicit World(std::uint64_t seed) : random_(seed) {}
+    using AnyKey = Key (*)(Random&);
+    World(std::uint64_t seed, AnyKey key) : random_(seed), key_(key) {}
 
     void step() {
         if (random_.oneIn(4096)) {
@@ -77,11 +90,7 @@ class World {
     }
 
   private:
-    // Places that are spread over all buckets, and some that share their top bits.
-    std::uint64_t anyKey() {
-        U32 const i = random_.below(96);
-        return rankOf({i < 64 ? Qor::bitReverse(i) : 0x55555500U + i, random_.below(3)});
-    }
+    std::uint64_t anyKey() { return rankOf(key_(random_)); }
     void insert() {
         std::uint64_t const rank = anyKey();
         if (!model_.find(rank)) {
@@ -158,6 +167,7 @@ class World {
     }
 
     Random random_;
+    AnyKey key_;
     U32 growing_ = 60;
     U32 numbers_ = 0;
     Map map_;
@@ -165,12 +175,11 @@ class World {
     std::array<Walk, 4> walks_;
 };
 
-TEST(MapModel, TenMillionOperationsGoAsInASortedVector) {
-    constexpr int operations = 10'000'000 / workShare;
+void runOperations(int operations, World::AnyKey anyKey) {
     auto const seed = testSeed();
     SCOPED_TRACE(seedNote(seed));
     {
-        World world(seed);
+        World world(seed, anyKey);
         for (int i = 0; i < operations; ++i) {
             world.step();
             if (i % 1024 == 0) {
@@ -182,6 +191,14 @@ TEST(MapModel, TenMillionOperationsGoAsInASortedVector) {
         }
     }
     EXPECT_EQ(Node::living, 0);
+}
+
+TEST(MapModel, TenMillionOperationsGoAsInASortedVector) {
+    runOperations(10'000'000 / workShare, spreadKey);
+}
+
+TEST(MapModel, OperationsOnLongChainsGoAsInASortedVector) {
+    runOperations(2'000'000 / workShare, crowdedKey);
 }
 
 }  // namespace

@@ -22,9 +22,10 @@ struct Pair {
         agent = std::make_unique<Session>(config, far, root);
     }
     Qor::U64 written() const { return agent->counters().bytesOut + reader->counters().bytesOut; }
+    // Of the ends that are there still.
     void turn() {
-        agent->service();
-        reader->service();
+        if (agent) agent->service();
+        if (reader) reader->service();
     }
     // Until nothing goes on. False when it never ends.
     bool settle() {

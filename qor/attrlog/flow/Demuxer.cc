@@ -169,6 +169,8 @@ void Demuxer::fail(String8 const& reason) {
 void Demuxer::close() {
     hasFailed_ = true;
     out_->hasLiveBufferIs(false);
+    isToClose_ = serving_ != 0;
+    if (isToClose_) return;
     // Each adapter may be the last to hold its entity, whose end may take more adapters along.
     while (adapters_.size() != 0) {
         for (HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_); at; ++at) {

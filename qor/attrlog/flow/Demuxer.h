@@ -197,7 +197,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool hasFailed() const noexcept { return hasFailed_; }
     // A handler of the adapter's threw; called within the catch clause.
     void handlerFailed(StreamAdapter& adapter, AttributeId id) noexcept;
-    // Lets all adapters and flows go. Entities stay.
+    // Lets all adapters and flows go. Entities stay. What is being served is ended first: nothing
+    // is read or written any more, and they go behind it.
     void close();
 
   private:
@@ -212,6 +213,20 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         return newestEntered_[(id.value() & peersHalf) != 0 ? 1 : 0];
     }
     bool mayRetry() const noexcept { return !waiting_.isEmpty() && announced_ != waitingSince_; }
+    // While frames or flows are served.
+    class Serving {
+      public:
+        explicit Serving(Demuxer& demuxer) noexcept : demuxer_(demuxer) { ++demuxer_.serving_; }
+        ~Serving() { --demuxer_.serving_; }
+        Serving(Serving const&) = delete;
+        Serving& operator=(Serving const&) = delete;
+
+      private:
+        Demuxer& demuxer_;
+    };
+    void closeIfDue() {
+        if (serving_ == 0 && isToClose_) close();
+    }
     void retryWaiting();
     void run(FlowOut& flow);
     bool runPass(FlowOut& flow, StreamAdapter& adapter);
@@ -258,6 +273,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool peerMayUncount_ = true;
     bool tellsWritten_ = false;
     bool hasFailed_ = false;
+    U32 serving_ = 0;
+    bool isToClose_ = false;  // when what is being served has ended
 };
 
 // Who serves the In, or null.

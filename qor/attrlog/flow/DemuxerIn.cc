@@ -53,6 +53,7 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     // What frames lead to goes out in turns as well: the peer is to get the first of it soon.
     sliceEnd_ = out_->written() + firstSliceBytes;
     try {
+        Serving const serving(*this);
         Frame frame;
         while (!hasFailed_ && served < budget && in_->nextFrame(frame)) {
             ++heard_;
@@ -67,6 +68,7 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     }
     sliceEnd_ = noEnd;
     counters_.framesIn += served;
+    closeIfDue();
     return served;
 }
 

@@ -79,6 +79,7 @@ bool Demuxer::serveFlows(U64 budget) {
     U64 const end = out_->written() + std::min(budget, noEnd / 2);
     retryWaiting();
     try {
+        Serving const serving(*this);
         while (!ready_.isEmpty() && out_->written() < end) {
             sliceEnd_ = std::min(end, out_->written() + sliceBytes);
             if (!continueFlowOut()) break;
@@ -91,6 +92,7 @@ bool Demuxer::serveFlows(U64 budget) {
         fail(failure.what());
     }
     sliceEnd_ = noEnd;
+    closeIfDue();
     return owes();
 }
 

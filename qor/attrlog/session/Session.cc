@@ -51,6 +51,7 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
 }
 
 Session::~Session() {
+    *isAlive_ = false;
     demuxer_->linkHandlerIs(nullptr);
     demuxer_->out()->wakerIs(nullptr);
     demuxer_->close();
@@ -72,7 +73,8 @@ void Session::unmount(MountId mount) {
     if (found == asked_.end()) return;
     if (!found->second.isHeldBack) send(Op::unmount, mount);
     EntityId const id = found->second.id;
-    asked_.erase(found);
+    auto const gone = asked_.extract(found);
+    Alive const alive(*this);
     bool const isShared = std::any_of(asked_.begin(), asked_.end(),
                                       [&](auto const& one) { return one.second.id == id; });
     if (isShared) return;
@@ -84,9 +86,10 @@ void Session::unmount(MountId mount) {
         if (isKept(one)) kept.push_back(one.first);
     }
     letGo(id);
+    if (!alive) return;
     for (MountId const other : kept) {
-        auto& one = *asked_.find(other);
-        if (!isKept(one)) mountAgain(one);
+        auto const one = asked_.find(other);
+        if (one != asked_.end() && !isKept(*one)) mountAgain(*one);
     }
 }
 
@@ -143,16 +146,14 @@ Session::Counters Session::counters() const {
 
 // What flows bring goes out in pieces, so that the peer has something to do while more is written.
 void Session::service(U64 budget) {
+    Demuxer::Ptr const held(demuxer_);
+    Alive const alive(*this);
     U64 const end = demuxer_->out()->sent() + budget;
     U64 const readEnd = demuxer_->in()->received() + budget;
     wantsRead_ = false;
     for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end && !wantsRead_;) {
-        bool const hasRead = readAll(readEnd);
-        describeTypes();
-        demuxer_->serveFlows(std::min(budget, passBytes));
-        tellSynced();
-        tellDigests();
-        goesOn = writeAll() || hasRead;
+        goesOn = serveTurn(budget, readEnd);
+        if (!alive) return;
     }
     String8 const over = transport_.closed();
     if (over.length() != 0 && reason_.length() == 0) {
@@ -162,7 +163,22 @@ void Session::service(U64 budget) {
     if (reason_.length() != 0) demuxer_->close();
 }
 
+// Whether anything has come or gone; false too if the session was ended meanwhile.
+bool Session::serveTurn(U64 budget, U64 readEnd) {
+    Alive const alive(*this);
+    bool const hasRead = readAll(readEnd);
+    if (!alive) return false;
+    describeTypes();
+    demuxer_->serveFlows(std::min(budget, passBytes));
+    if (!alive) return false;
+    tellSynced();
+    if (!alive) return false;
+    tellDigests();
+    return writeAll() || hasRead;
+}
+
 bool Session::readAll(U64 end) {
+    Alive const alive(*this);
     bool hasRead = false;
     while (!demuxer_->hasFailed()) {
         wantsRead_ = demuxer_->in()->received() >= end;
@@ -170,6 +186,7 @@ bool Session::readAll(U64 end) {
         std::size_t const count = transport_.read(demuxer_->in()->room());
         demuxer_->in()->receivedInc(count);
         std::size_t const served = demuxer_->serveFrames(1024);
+        if (!alive) return false;
         if (count == 0 && served == 0) break;
         hasRead = true;
     }

@@ -9,7 +9,8 @@
 // onSynced is told once more.
 //
 // A session never blocks and runs only inside service(). It ends once, with one named reason: the
-// transport's, the peer's, or a fault of what the peer sent. One thread.
+// transport's, the peer's, or a fault of what the peer sent. Any handler that it reaches and any
+// call of the listener but onWantsWrite may destroy it. One thread.
 //
 //   Session session(config, transport, root);
 //   while (session.closed().length() == 0) { poll; session.service(); }
@@ -23,6 +24,7 @@
 
 #include <deque>
 #include <map>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -186,8 +188,20 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         bool writable = false;
     };
 
+    // On the stack of whatever reaches handlers or the listener, which may end the session: false
+    // from then on.
+    class Alive {
+      public:
+        explicit Alive(Session const& session) noexcept : isAlive_(session.isAlive_) {}
+        explicit operator bool() const noexcept { return *isAlive_; }
+
+      private:
+        std::shared_ptr<bool> const isAlive_;
+    };
+
     void handleLink(Frame const& frame, In& in) override;
     Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
+    Orphan mountedHere(MountId mount, EntityId const& id);
     void failed(String8 const& reason) override;
     void unknownClass(Name const& fullName) override;
 
@@ -202,7 +216,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleDigested(In& in);
     void tellDigests();
     String8 called(String8 const& path, String8 const& operation,
-                   std::vector<String8> const& arguments) const;
+                   std::vector<String8> const& arguments);
     void giveAsked(MountId mount, String8 const& path, bool writable, Ptr<Entity> const& entity);
     bool isOnItsWay(Entity const& entity) const;
     String8 whyNotAbove(Entity const& entity) const;
@@ -218,6 +232,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void send(Op op, Field const&... field);
     void written(Entity& entity, AttributeId attribute) override;
     void onFirstFrame() override;
+    bool serveTurn(U64 budget, U64 readEnd);
     bool readAll(U64 end);
     bool writeAll();
     void tellSynced();
@@ -239,6 +254,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     Ptr<Entity> const root_;
     Demuxer::Ptr demuxer_;
     SessionListener* listener_ = nullptr;
+    std::shared_ptr<bool> const isAlive_ = std::make_shared<bool>(true);
     std::map<MountId, Asked> asked_;  // of the peer
     std::map<MountId, Given> given_;  // to the peer, by its own numbers
     std::map<MountId, Held> held_;    // until what stands above has been announced

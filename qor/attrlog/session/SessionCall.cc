@@ -44,16 +44,18 @@ void Session::handleCall(In& in) {
     if (count > mostArguments) throw AttrLogRecordException("a call with too many arguments");
     std::vector<String8> arguments;
     for (U32 n = 0; n < count; ++n) arguments.push_back(in.nextString());
+    Alive const alive(*this);
     try {
-        send(Op::returned, call, true, called(path, operation, arguments));
+        String8 const result = called(path, operation, arguments);
+        if (alive) send(Op::returned, call, true, result);
     } catch (Exception const& failure) {
-        send(Op::returned, call, false, failure.message());
+        if (alive) send(Op::returned, call, false, failure.message());
     }
 }
 
 // The text of the result. Raises an exception that tells why there is none.
 String8 Session::called(String8 const& path, String8 const& operation,
-                        std::vector<String8> const& arguments) const {
+                        std::vector<String8> const& arguments) {
     if (!config_.peerMayWrite) throwRangeException(path + " may only be read");
     Ptr<Entity> const entity = entityAt(path);
     if (!entity) throwRangeException(path + " does not exist");
@@ -62,7 +64,9 @@ String8 Session::called(String8 const& path, String8 const& operation,
         throwRangeException(operation + " takes another number of arguments");
     }
     if (listener_ != nullptr) {
+        Alive const alive(*this);
         String8 const why = listener_->onAskedToCall(path, operation, *entity);
+        if (!alive) throwRangeException("the session has ended");
         if (why.length() != 0) throwRangeException(why);
     }
     auto const list = make<GenericIf::List_>();

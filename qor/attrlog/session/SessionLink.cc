@@ -122,7 +122,9 @@ void Session::giveAsked(MountId mount, String8 const& path, bool writable,
     if (!entity) return refuse(mount, path + " does not exist");
     if (!entity->qorHasAttrLogInterface()) return refuse(mount, path + " can't be mounted");
     String8 why = whyNotAbove(*entity);
+    Alive const alive(*this);
     if (why.empty() && listener_ != nullptr) why = listener_->onAsked(path, writable, *entity);
+    if (!alive) return;
     if (!why.empty()) return refuse(mount, why);
     give(mount, *entity, writable);
     if (listener_ != nullptr) listener_->onGiven(mount, path, writable);
@@ -157,8 +159,11 @@ String8 Session::whyNotAbove(Entity const& entity) const {
 }
 
 void Session::giveHeld() {
-    for (auto const& [mount, held] : std::exchange(held_, {})) {
-        giveAsked(mount, held.path, held.writable, entityAt(held.path));
+    Alive const alive(*this);
+    while (alive && !held_.empty()) {
+        auto const next = held_.extract(held_.begin());
+        Held const& held = next.mapped();
+        giveAsked(next.key(), held.path, held.writable, entityAt(held.path));
     }
 }
 
@@ -188,7 +193,9 @@ void Session::handleUnmount(In& in) {
     if (found == given_.end()) return;
     EntityId const id = found->second.id;
     given_.erase(found);
+    Alive const alive(*this);
     if (listener_ != nullptr) listener_->onTakenBack(mount);
+    if (!alive) return;
     bool const isShared = std::any_of(given_.begin(), given_.end(),
                                       [&](auto const& one) { return one.second.id == id; });
     if (isShared) return;
@@ -197,6 +204,7 @@ void Session::handleUnmount(In& in) {
 
 // What stands below another mounted entity stays.
 void Session::letGo(EntityId const& id) {
+    Demuxer::Ptr const held(demuxer_);
     demuxer_->forgetTheGone();
     auto* const adapter = demuxer_->adapter(id);
     if (!adapter) return;
@@ -215,16 +223,29 @@ LinkHandler::Orphan Session::orphan(EntityId const& id, String8 const& typeName,
     if (news != asked_.end()) found = news;
     if (found == asked_.end()) return {};
     Asked& asked = found->second;
+    Ptr<Entity> const before = asked.copy;
     if (auto* const known = demuxer_->adapter(id)) asked.copy = known->qorNotifierEntity();
     String8 const fault = findCopy(asked, typeName, name);
     if (fault.length() != 0) {
         if (!holdBackForType(id, Name(typeName))) refuseHere(id, fault);
         return {};
     }
+    return mountedHere(found->first, id);
+}
+
+// Tells the listener, who may give the mount back, or end the session: then nobody asks any more.
+LinkHandler::Orphan Session::mountedHere(MountId mount, EntityId const& id) {
+    Asked& asked = asked_.at(mount);
+    Orphan const here{asked.copy,
+                      AdapterState::Bits(AdapterState::weakNotifier |
+                                         (asked.writable ? 0 : AdapterState::readOnlyLocal))};
     bool const isFirst = !std::exchange(asked.isTold, true);
-    if (isFirst && listener_ != nullptr) listener_->onMounted(found->first, asked.copy);
-    return {asked.copy, AdapterState::Bits(AdapterState::weakNotifier |
-                                           (asked.writable ? 0 : AdapterState::readOnlyLocal))};
+    Alive const alive(*this);
+    if (isFirst && listener_ != nullptr) listener_->onMounted(mount, here.entity);
+    if (!alive) return {};
+    auto const left = asked_.find(mount);
+    bool const isAskedFor = left != asked_.end() && left->second.id == id;
+    return isAskedFor ? here : Orphan();
 }
 
 // Makes the copy unless it is there. What is wrong, empty if nothing is.
@@ -252,10 +273,13 @@ void Session::refuseHere(EntityId const& id, String8 const& reason) {
     for (auto const& [mount, asked] : asked_) {
         if (asked.id == id) mounts.push_back(mount);
     }
+    Alive const alive(*this);
     for (MountId const mount : mounts) {
-        asked_.erase(mount);
+        auto const gone = asked_.extract(mount);
+        if (gone.empty()) continue;
         send(Op::unmount, mount);
         if (listener_ != nullptr) listener_->onRefused(mount, reason);
+        if (!alive) return;
     }
 }
 
@@ -277,7 +301,7 @@ void Session::handleAnswer(Op op, In& in) {
         return;
     }
     String8 const reason = in.nextString();
-    asked_.erase(mount);
+    auto const gone = asked_.extract(mount);
     if (listener_ != nullptr) listener_->onRefused(mount, reason);
 }
 

@@ -61,7 +61,9 @@ void Session::handleDescribedAll(In& in) {
     types_.complete();
     ++typesAnswered_;
     if (awaitsTypes()) return;
+    Alive const alive(*this);
     if (isNews) mountAllAgain();
+    if (!alive) return;
     for (auto& [mount, asked] : asked_) {
         if (asked.isHeldBack) sendMount(mount, asked);
     }
@@ -91,14 +93,22 @@ bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
 // The copies stay, and are told real differences only.
 void Session::mountAllAgain() {
     std::vector<MountId> mounts;
-    for (auto& [mount, asked] : asked_) {
-        if (asked.isHeldBack) continue;
+    for (auto const& [mount, asked] : asked_) {
+        if (!asked.isHeldBack) mounts.push_back(mount);
+    }
+    Alive const alive(*this);
+    for (MountId const mount : mounts) {
+        auto const one = asked_.find(mount);
+        if (one == asked_.end()) continue;
         send(Op::unmount, mount);
-        letGo(std::exchange(asked.id, EntityId()));
-        mounts.push_back(mount);
+        letGo(std::exchange(one->second.id, EntityId()));
+        if (!alive) return;
     }
     // Behind all that are given back: one that stands below another is no longer in its way.
-    for (MountId const mount : mounts) sendMount(mount, asked_.at(mount));
+    for (MountId const mount : mounts) {
+        auto const one = asked_.find(mount);
+        if (one != asked_.end()) sendMount(mount, one->second);
+    }
 }
 
 }  // namespace NboAttrLog

@@ -28,6 +28,7 @@ void SessionListener::onWantsWrite() {}
 namespace {
 
 constexpr U64 passBytes = U64{1} << 15;
+constexpr std::size_t greatestReason = 1024;
 
 }  // namespace
 
@@ -118,18 +119,26 @@ void Session::ping() { send(Op::ping, now()); }
 
 void Session::close(String8 const& reason) {
     if (reason_.length() != 0) return;
-    demuxer_->out()->dropOpenFrame();
-    send(Op::error, reason);
     demuxer_->fail(reason);
 }
 
 void Session::failed(String8 const& reason) {
     demuxer_->out()->dropOpenFrame();
     bool const isToldByPeer = reason_.length() != 0;
-    if (!isToldByPeer) {
-        reason_ = reason;
-        send(Op::error, reason);
+    if (isToldByPeer) return;
+    reason_ = reason.empty() ? String8("no reason was given") : toldText(reason);
+    try {
+        send(Op::error, reason_);
+    } catch (std::exception const&) {
+        // It has ended, whether the peer can be told or not.
     }
+}
+
+String8 Session::toldText(String8 const& reason) {
+    if (reason.length() <= greatestReason) return reason;
+    std::size_t end = greatestReason - 3;
+    while (end > 0 && (static_cast<unsigned char>(reason.view()[end]) & 0xC0U) == 0x80U) --end;
+    return String8(reason.view().substr(0, end)) + "...";
 }
 
 Session::Counters Session::counters() const {
@@ -151,6 +160,7 @@ void Session::service(U64 budget) {
     U64 const end = demuxer_->out()->sent() + budget;
     U64 const readEnd = demuxer_->in()->received() + budget;
     wantsRead_ = false;
+    mayTellDigest_ = true;
     for (bool goesOn = true; goesOn && demuxer_->out()->sent() < end && !wantsRead_;) {
         goesOn = serveTurn(budget, readEnd);
         if (!alive) return;
@@ -166,15 +176,17 @@ void Session::service(U64 budget) {
 // Whether anything has come or gone; false too if the session was ended meanwhile.
 bool Session::serveTurn(U64 budget, U64 readEnd) {
     Alive const alive(*this);
-    bool const hasRead = readAll(readEnd);
-    if (!alive) return false;
-    describeTypes();
-    demuxer_->serveFlows(std::min(budget, passBytes));
-    if (!alive) return false;
-    tellSynced();
-    if (!alive) return false;
-    tellDigests();
-    return writeAll() || hasRead;
+    bool hasRead = false;
+    try {
+        hasRead = readAll(readEnd);
+        if (alive) describeTypes();
+        if (alive) demuxer_->serveFlows(std::min(budget, passBytes));
+        if (alive) tellSynced();
+        if (alive) tellDigest();
+    } catch (std::exception const& failure) {
+        if (alive) demuxer_->fail(failure.what());
+    }
+    return alive && (writeAll() || hasRead);
 }
 
 bool Session::readAll(U64 end) {
@@ -208,7 +220,9 @@ bool Session::writeAll() {
 }
 
 bool Session::wantsWrite() const {
-    return !demuxer_->out()->unsent().empty() || demuxer_->owes() || !answers_.empty();
+    if (!demuxer_->out()->unsent().empty()) return true;
+    bool const owesAnswers = !answers_.empty() || !digestsOwed_.empty();
+    return !demuxer_->hasFailed() && (demuxer_->owes() || owesAnswers);
 }
 
 // Behind what was owed when the mount was given: flows that only wait for ids hold it up no longer.

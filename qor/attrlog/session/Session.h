@@ -214,10 +214,11 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleReturned(In& in);
     void handleDigest(In& in);
     void handleDigested(In& in);
-    void tellDigests();
+    void tellDigest();
     String8 called(String8 const& path, String8 const& operation,
                    std::vector<String8> const& arguments);
-    void giveAsked(MountId mount, String8 const& path, bool writable, Ptr<Entity> const& entity);
+    void giveAsked(MountId mount, Held const& asked, bool mayHoldBack);
+    String8 whyNotGiven(Held const& asked, Ptr<Entity> const& entity);
     bool isOnItsWay(Entity const& entity) const;
     String8 whyNotAbove(Entity const& entity) const;
     void giveHeld();
@@ -236,6 +237,8 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     bool readAll(U64 end);
     bool writeAll();
     void tellSynced();
+    // As it is told: 1 KiB at most, whoever wrote what stands in it.
+    static String8 toldText(String8 const& reason);
 
     // The types of both ends.
     void askForTypes(Name const& fullName);
@@ -264,8 +267,9 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     std::deque<DigestPage> digestsOwed_;
     bool hasHello_ = false;
     bool wantsRead_ = false;
-    DescribedTypes types_;  // that the peer describes now
-    U32 typesAsked_ = 0;    // numbers of questions
+    bool mayTellDigest_ = false;  // in this service()
+    DescribedTypes types_;        // that the peer describes now
+    U32 typesAsked_ = 0;          // numbers of questions
     U32 typesAnswered_ = 0;
     std::set<Name> namesAsked_;
     std::deque<Answer> answers_;

@@ -49,7 +49,7 @@ void Session::handleCall(In& in) {
         String8 const result = called(path, operation, arguments);
         if (alive) send(Op::returned, call, true, result);
     } catch (Exception const& failure) {
-        if (alive) send(Op::returned, call, false, failure.message());
+        if (alive) send(Op::returned, call, false, toldText(failure.message()));
     }
 }
 

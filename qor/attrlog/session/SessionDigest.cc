@@ -1,6 +1,7 @@
 // How one end finds out whether its copy is what the other end holds, while both go on: it asks for
 // the digest of a page, and is answered once nothing that was changed before is still owed. So the
 // answer stands in the stream where the copy should have that digest.
+#include <qor/attrlog/FrameTooLong.h>
 #include <qor/attrlog/session/Session.h>
 
 namespace Qor {
@@ -15,8 +16,8 @@ constexpr std::size_t mostPending = 64;
 }  // namespace
 
 void Session::askForDigest(DigestPage const& page) {
-    digestsAsked_.push_back(page);
     send(Op::digest, page.path, static_cast<U32>(page.attribute), page.from, page.most);
+    digestsAsked_.push_back(page);
 }
 
 void Session::handleDigest(In& in) {
@@ -31,9 +32,12 @@ void Session::handleDigest(In& in) {
     digestsOwed_.push_back(page);
 }
 
-void Session::tellDigests() {
-    if (demuxer_->owes() || demuxer_->hasFailed() || digestsOwed_.empty()) return;
-    // One a turn: what is asked for takes time, and others wait.
+// One in each service(): what is asked for takes time, and others wait.
+void Session::tellDigest() {
+    if (digestsOwed_.empty() || demuxer_->owes() || demuxer_->hasFailed()) return;
+    bool const mayTell = mayTellDigest_ && demuxer_->out()->freeBytes() >= Out::blockSize;
+    if (!mayTell) return;
+    mayTellDigest_ = false;
     DigestPage const page = digestsOwed_.front();
     digestsOwed_.pop_front();
     StateDigest digest;
@@ -48,7 +52,11 @@ void Session::tellDigests() {
     } catch (Exception const& failure) {
         fault = failure.message();
     }
-    send(Op::digested, digest.rows, digest.value, digest.next, fault);
+    try {
+        send(Op::digested, digest.rows, digest.value, digest.next, toldText(fault));
+    } catch (FrameTooLongException const& tooLong) {
+        send(Op::digested, U32{0}, U64{0}, String8(), tooLong.message());
+    }
 }
 
 void Session::handleDigested(In& in) {

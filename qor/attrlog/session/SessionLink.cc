@@ -7,6 +7,7 @@
 #include <qor/tree/EntityPath.h>
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace Qor {
@@ -93,7 +94,9 @@ Ptr<Entity> Session::entityAt(String8 const& path) const {
     return at;
 }
 
-void Session::refuse(MountId mount, String8 const& reason) { send(Op::refused, mount, reason); }
+void Session::refuse(MountId mount, String8 const& reason) {
+    send(Op::refused, mount, toldText(reason));
+}
 
 void Session::handleMount(In& in) {
     MountId const mount = in.nextU32();
@@ -104,30 +107,38 @@ void Session::handleMount(In& in) {
     }
     if (given_.size() + held_.size() >= config_.mounts) return refuse(mount, "too many mounts");
     if (writable && !config_.peerMayWrite) return refuse(mount, path + " may only be read");
-    Ptr<Entity> entity;
-    try {
-        entity = entityAt(path);
-    } catch (RangeException const& failure) {
-        return refuse(mount, failure.message());
-    }
-    if (entity && isOnItsWay(*entity)) {
-        held_[mount] = {path, writable};
-    } else {
-        giveAsked(mount, path, writable, entity);
-    }
+    giveAsked(mount, {path, writable}, true);
 }
 
-void Session::giveAsked(MountId mount, String8 const& path, bool writable,
-                        Ptr<Entity> const& entity) {
-    if (!entity) return refuse(mount, path + " does not exist");
-    if (!entity->qorHasAttrLogInterface()) return refuse(mount, path + " can't be mounted");
-    String8 why = whyNotAbove(*entity);
+// What stands below another that is on its way may be held back until that has been announced.
+void Session::giveAsked(MountId mount, Held const& asked, bool mayHoldBack) {
+    Ptr<Entity> entity;
+    String8 why;
     Alive const alive(*this);
-    if (why.empty() && listener_ != nullptr) why = listener_->onAsked(path, writable, *entity);
+    try {
+        entity = entityAt(asked.path);
+        if (entity && mayHoldBack && isOnItsWay(*entity)) {
+            held_[mount] = asked;
+            return;
+        }
+        why = whyNotGiven(asked, entity);
+    } catch (std::bad_alloc const&) {
+        throw;  // no answer to what was asked; the session ends
+    } catch (std::exception const& failure) {
+        why = failure.what();
+    }
     if (!alive) return;
     if (!why.empty()) return refuse(mount, why);
-    give(mount, *entity, writable);
-    if (listener_ != nullptr) listener_->onGiven(mount, path, writable);
+    give(mount, *entity, asked.writable);
+    if (listener_ != nullptr) listener_->onGiven(mount, asked.path, asked.writable);
+}
+
+String8 Session::whyNotGiven(Held const& asked, Ptr<Entity> const& entity) {
+    if (!entity) return asked.path + " does not exist";
+    if (!entity->qorHasAttrLogInterface()) return asked.path + " can't be mounted";
+    String8 const why = whyNotAbove(*entity);
+    if (!why.empty() || listener_ == nullptr) return why;
+    return listener_->onAsked(asked.path, asked.writable, *entity);
 }
 
 // An entity has one id on a connection, and one copy. What stands below a mounted one is announced
@@ -162,8 +173,7 @@ void Session::giveHeld() {
     Alive const alive(*this);
     while (alive && !held_.empty()) {
         auto const next = held_.extract(held_.begin());
-        Held const& held = next.mapped();
-        giveAsked(next.key(), held.path, held.writable, entityAt(held.path));
+        giveAsked(next.key(), next.mapped(), false);
     }
 }
 
@@ -285,7 +295,7 @@ void Session::refuseHere(EntityId const& id, String8 const& reason) {
 
 void Session::handleAnswer(Op op, In& in) {
     if (op == Op::error) {
-        reason_ = String8("the peer: ") + in.nextString();
+        reason_ = toldText(String8("the peer: ") + in.nextString());
         return demuxer_->fail(reason_);
     }
     if (op == Op::ping) return send(Op::pong, in.nextSeconds());

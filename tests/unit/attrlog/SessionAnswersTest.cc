@@ -1,0 +1,195 @@
+// What a peer asks of a session: nothing that it sends leaves service() as an exception, what can't
+// be answered is refused by name, and one that asks much holds up nobody.
+#include "Records.h"
+
+#include <qor/attrlog/dir/DirAdapter.h>
+#include <qor/attrlog/session/Session.h>
+
+#include <vgw/attrlog/LogicalSwitch.h>
+#include <vgw/attrlog/Status.h>
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Qor::make;
+using Qor::Name;
+using Qor::String8;
+using namespace Qor::NboAttrLog;
+
+// What one end is told.
+struct AnswersHeard : SessionListener {
+    void onMounted(MountId mount, Qor::Ptr<Qor::Entity> const& entity) override {
+        mounted[mount] = entity;
+    }
+    void onRefused(MountId mount, String8 const& reason) override { refused[mount] = reason; }
+    void onReturned(CallId, bool isDone, String8 const& text) override {
+        if (!isDone) notCalled = text;
+    }
+    void onDigested(DigestPage const&, StateDigest const& digest, String8 const& fault) override {
+        digests.push_back(digest);
+        faults.push_back(fault);
+    }
+    void onPong(Qor::Seconds) override { ++pongs; }
+
+    std::map<MountId, Qor::Ptr<Qor::Entity>> mounted;
+    std::map<MountId, String8> refused;
+    String8 notCalled;
+    std::vector<StateDigest> digests;
+    std::vector<String8> faults;
+    unsigned pongs = 0;
+};
+
+// Throws where it is asked for one path.
+struct ThrowingOwner : SessionListener {
+    String8 onAsked(String8 const& path, bool, Qor::Entity&) override {
+        if (path == "/vgw/status/ovsdb") throw std::runtime_error("not today");
+        return {};
+    }
+};
+
+// A tree's owner, and one who takes frames as short as may be.
+class SessionAnswers : public testing::Test {
+  protected:
+    SessionAnswers() {
+        MemoryTransport::connect(near, far);
+        root->entryIs(Name("status"), status);
+        status->ovsdbIs(Name("db"));
+        Session::Config config;
+        config.side = Demuxer::Side::accepting;
+        config.peerMayWrite = true;
+        agent = std::make_unique<Session>(config, far, root);
+        Session::Config readers;
+        readers.greatestFrame = 32768;
+        reader = std::make_unique<Session>(readers, near, nullptr);
+        reader->listenerIs(&heard);
+    }
+    void settle() {
+        for (int turn = 0; turn < 20; ++turn) {
+            reader->service();
+            ASSERT_NO_THROW(agent->service());
+        }
+    }
+    void expectOpen() const {
+        EXPECT_EQ(agent->closed(), String8());
+        EXPECT_EQ(reader->closed(), String8());
+    }
+    static String8 longPath() { return std::string_view("/vgw/" + std::string(40000, 'a')); }
+
+    MemoryTransport near;
+    MemoryTransport far;
+    Qor::Ptr<Qor::Dir> root = make<Qor::Dir>(Name("vgw"));
+    Qor::Ptr<Vgw::Status> status = make<Vgw::Status>(Name("status"));
+    AnswersHeard heard;
+    ThrowingOwner thrower;
+    std::unique_ptr<Session> agent;
+    std::unique_ptr<Session> reader;
+};
+
+TEST_F(SessionAnswers, DigestOfAPathLongerThanAFrameIsRefusedInShort) {
+    reader->askForDigest({longPath(), 0, "", 1});
+    reader->askForDigest({"/vgw/status", 0, "", 1});
+    settle();
+    ASSERT_EQ(heard.faults.size(), 2U);
+    EXPECT_EQ(heard.faults[0].length(), 1024U);
+    EXPECT_TRUE(heard.faults[0].view().starts_with("/vgw/aaa"));
+    EXPECT_TRUE(heard.faults[0].view().ends_with("..."));
+    EXPECT_EQ(heard.faults[1], String8());
+    expectOpen();
+}
+
+TEST_F(SessionAnswers, DigestWhoseNextKeyIsLongerThanAFrameIsRefusedByName) {
+    auto const rows = status->ovsdb();
+    rows->logicalSwitchIs(Name(std::string_view(std::string(40000, 'a'))));
+    rows->logicalSwitchIs(Name(std::string_view(std::string(40000, 'b'))));
+    reader->askForDigest({"/vgw/status/ovsdb", 263, "", 1});
+    settle();
+    ASSERT_EQ(heard.faults.size(), 1U);
+    EXPECT_TRUE(heard.faults[0].view().ends_with("the greatest is 32768")) << heard.faults[0];
+    EXPECT_EQ(heard.digests[0].rows, 0U);
+    expectOpen();
+}
+
+TEST_F(SessionAnswers, MountOrCallOfAPathLongerThanAFrameIsRefusedInShort) {
+    MountId const mount = reader->mount(longPath(), false);
+    reader->call(longPath(), "reset", {});
+    settle();
+    EXPECT_EQ(heard.refused[mount].length(), 1024U);
+    EXPECT_EQ(heard.notCalled.length(), 1024U);
+    expectOpen();
+}
+
+// The reason is told to who sent the name, whose frames may be shorter than it is.
+TEST_F(SessionAnswers, FaultThatHoldsALongNameOfThePeersIsToldInShort) {
+    MemoryTransport peer;
+    MemoryTransport own;
+    MemoryTransport::connect(peer, own);
+    Session::Config config;
+    config.takesTypes = true;
+    Session session(config, own, nullptr);
+    peer.write(bytesOf(frameHex(2, 0, 0, "01" + hexOf("QORL") + "00000002" + "00008000", 1, 0)));
+    session.service();
+    std::string const name = "00009c40" + hexOf(std::string(40000, 'n'));
+    peer.write(bytesOf(frameHex(2, 0, 0, "0b00000001" + name + "00000000" + "07", 1, 0)));
+    ASSERT_NO_THROW(session.service());
+    EXPECT_TRUE(session.closed().view().starts_with("a type of an unknown kind: nnn"))
+        << session.closed();
+    EXPECT_EQ(session.closed().length(), 1024U);
+    unsigned char told[4096];
+    std::size_t const count = peer.read(told);
+    std::string_view const wire(reinterpret_cast<char const*>(told), count);
+    EXPECT_NE(wire.find("a type of an unknown kind: nnn"), std::string_view::npos);
+}
+
+TEST_F(SessionAnswers, ReasonIsCutBetweenCharacters) {
+    std::string reason = "x";
+    while (reason.size() < 2000) reason += "\xc3\xa4";
+    reader->close(std::string_view(reason));
+    EXPECT_EQ(reader->closed().view(), reason.substr(0, 1021) + "...");
+    reason.erase(0, 1);
+    agent->close(std::string_view(reason));
+    EXPECT_EQ(agent->closed().view(), reason.substr(0, 1020) + "...");
+}
+
+TEST_F(SessionAnswers, MountThatCanNotBeGivenLaterIsRefusedAndThoseBesideItAreGiven) {
+    agent->listenerIs(&thrower);
+    for (int i = 0; i < 3000; ++i) {
+        std::string const name = "ls" + std::to_string(i);
+        status->ovsdb()
+            ->logicalSwitchIs(Name(std::string_view(name)))
+            ->descIs(std::string_view(std::string(300, 'x')));
+    }
+    near.roomIs(1000);
+    MountId const above = reader->mount("/vgw", false);
+    MountId const bad = reader->mount("/vgw/status/ovsdb", false);
+    MountId const good = reader->mount("/vgw/status/ovsdb/logicalSwitch/ls2999", false);
+    reader->service();
+    agent->service();
+    ASSERT_TRUE(agent->demuxer().owes());
+    near.roomIs(~std::size_t{0});
+    settle();
+    EXPECT_TRUE(heard.mounted[above]);
+    EXPECT_EQ(heard.refused[bad], "not today");
+    EXPECT_TRUE(heard.mounted[good]);
+    expectOpen();
+}
+
+TEST_F(SessionAnswers, OneDigestIsToldInEachTurn) {
+    for (int i = 0; i < 5; ++i) reader->askForDigest({"/vgw/status/ovsdb", 263, "", 10});
+    reader->service();
+    for (unsigned turn = 1; turn <= 5; ++turn) {
+        agent->service();
+        EXPECT_EQ(agent->wantsWrite(), turn < 5) << turn;
+        reader->service();
+        EXPECT_EQ(heard.digests.size(), turn);
+    }
+    expectOpen();
+}
+
+}  // namespace

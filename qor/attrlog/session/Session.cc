@@ -30,14 +30,20 @@ namespace {
 constexpr U64 passBytes = U64{1} << 15;
 constexpr std::size_t greatestReason = 1024;
 
+// Several sessions may be called alike, and a demuxer's name is its own.
+Name demuxerName(Name const& session) {
+    thread_local U64 made = 0;
+    return Name(session + format(" %llu", static_cast<unsigned long long>(++made)));
+}
+
 }  // namespace
 
 Session::Session(Config config, Transport& transport, Ptr<Entity> root)
     : config_(std::move(config)),
       transport_(transport),
       root_(std::move(root)),
-      demuxer_(
-          make<Demuxer>(config_.name, make<In>(), make<Out>(config_.ringBlocks), config_.side)),
+      demuxer_(make<Demuxer>(demuxerName(config_.name), make<In>(), make<Out>(config_.ringBlocks),
+                             config_.side)),
       types_(config_.types),
       since_(now()),
       lastHeard_(since_) {
@@ -49,10 +55,12 @@ Session::Session(Config config, Transport& transport, Ptr<Entity> root)
     demuxer_->in()->greatestFrameIs(config_.greatestFrame);
     send(Op::hello, magic, protocol, config_.greatestFrame);
     if (config_.takesTypes) askForTypes(Name());
+    globalNboAttrLogDemuxerManager().nboDemuxerIs(demuxer_);
 }
 
 Session::~Session() {
     *isAlive_ = false;
+    globalNboAttrLogDemuxerManager().nboDemuxerDel(demuxer_->name());
     demuxer_->linkHandlerIs(nullptr);
     demuxer_->out()->wakerIs(nullptr);
     demuxer_->close();

@@ -10,7 +10,7 @@
 //
 // A session never blocks and runs only inside service(). It ends once, with one named reason: the
 // transport's, the peer's, or a fault of what the peer sent. Any handler that it reaches and any
-// call of the listener but onWantsWrite may destroy it. One thread.
+// call of the listener but onWantsWrite may destroy it. One thread, which it does not outlive.
 //
 //   Session session(config, transport, root);
 //   while (session.closed().length() == 0) { poll; session.service(); }

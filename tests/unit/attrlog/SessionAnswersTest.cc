@@ -192,4 +192,40 @@ TEST_F(SessionAnswers, OneDigestIsToldInEachTurn) {
     expectOpen();
 }
 
+TEST_F(SessionAnswers, SyncModeReachesTheAdaptersOfTheEntityOnAllConnections) {
+    auto const& manager = Qor::globalNboAttrLogDemuxerManager();
+    ASSERT_EQ(manager.nboDemuxers(), 2U);
+    Session::Config config;
+    config.side = Demuxer::Side::accepting;
+    config.peerMayWrite = true;
+    std::vector<std::unique_ptr<Session>> sessions;
+    MemoryTransport peers[2];
+    MemoryTransport owns[2];
+    for (int i = 0; i < 2; ++i) {
+        MemoryTransport::connect(peers[i], owns[i]);
+        sessions.push_back(std::make_unique<Session>(config, owns[i], root));
+        peers[i].write(
+            bytesOf(frameHex(2, 0, 0, "01" + hexOf("QORL") + "00000002" + "00100000", 1, 0) +
+                    frameHex(2, 0, 0,
+                             "020000000101"
+                             "0000000b" +
+                                 hexOf("/vgw/status"),
+                             1, 0)));
+        sessions[i]->service();
+    }
+    EXPECT_EQ(manager.nboDemuxers(), 4U);
+    auto const adapter = [&](int i) {
+        return status->qorNboAttrLogSa(Qor::Ptr<Out const>(sessions[i]->demuxer().out()));
+    };
+    ASSERT_TRUE(adapter(0) && adapter(1));
+    ASSERT_EQ(adapter(0)->entityId(), adapter(1)->entityId());
+    peers[0].write(bytesOf(record(adapter(0)->entityId().value(), 135, "00000002")));
+    sessions[0]->service();
+    EXPECT_EQ(sessions[0]->closed(), String8());
+    EXPECT_EQ(adapter(0)->syncMode(), Qor::StreamAdapter::resync);
+    EXPECT_EQ(adapter(1)->syncMode(), Qor::StreamAdapter::resync);
+    sessions.clear();
+    EXPECT_EQ(manager.nboDemuxers(), 2U);
+}
+
 }  // namespace

@@ -46,6 +46,12 @@ class QOR_EXPORT In : public ByteConnection::In {
         moreChunksIs(false);
         passTo(frame.end);
     }
+    // Leaves it to be read later, from its beginning.
+    void putBack(Frame const& frame) {
+        moreChunksIs(false);
+        limitIs(noLimit);
+        readPositionIs(frame.end - frameOverhead - frame.payloadSize);
+    }
     // The most that `size` of a frame may be.
     U32 greatestFrame() const noexcept { return greatestFrame_; }
     void greatestFrameIs(U32 bytes) noexcept { greatestFrame_ = bytes; }

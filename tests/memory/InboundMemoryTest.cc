@@ -63,6 +63,59 @@ class InboundMemory : public testing::Test {
         std::size_t const more = held > before_ ? held - before_ : 0;
         ASSERT_LE(more, allowance + 4 * sent_) << "after " << sent_ << " bytes";
     }
+    // Asks again and again, and reads the answers, of that kind, only in the end.
+    void expectARing(std::string const& question, char answer) {
+        constexpr std::size_t questions = 40000;
+        constexpr std::size_t ring = 9 * 49152;
+        own_.roomIs(32U << 10);
+        peer_.roomIs(0);
+        std::size_t asked = 0;
+        std::size_t left = question.size();  // of the one that is being sent
+        auto const ask = [&] {
+            while (asked < questions) {
+                std::size_t const taken = peer_.write(question.substr(question.size() - left));
+                left -= taken;
+                if (left != 0) break;
+                left = question.size();
+                ++asked;
+            }
+            session_->service();
+        };
+        for (int turn = 0; turn < 2000; ++turn) ask();
+        ASSERT_LT(asked, questions);
+        ASSERT_LE(Memory::heldBytes(), before_ + ring + allowance);
+        ASSERT_TRUE(session_->wantsWrite());
+        ASSERT_FALSE(session_->hasRoom());
+        peer_.roomIs(20000);
+        std::size_t answered = 0;
+        std::string got;
+        static unsigned char sink[65536];
+        for (int turn = 0; turn < 20000 && answered < questions; ++turn) {
+            std::size_t const count = peer_.read(sink);
+            got.append(reinterpret_cast<char const*>(sink), count);
+            answered += takeAnswers(got, answer);
+            ask();
+        }
+        EXPECT_EQ(answered, questions);
+        EXPECT_EQ(closed(), "");
+        EXPECT_TRUE(session_->hasRoom());
+    }
+    // The number of whole link frames of that kind, which are taken off with all others.
+    static std::size_t takeAnswers(std::string& bytes, char kind) {
+        std::size_t found = 0;
+        std::size_t at = 0;
+        while (bytes.size() - at >= 29) {
+            std::size_t size = 4;
+            for (std::size_t i = 0; i < 4; ++i) {
+                size += std::size_t{static_cast<unsigned char>(bytes[at + i])} << (24 - 8 * i);
+            }
+            if (bytes.size() - at < size) break;
+            found += bytes[at + 4] == 2 && bytes[at + 28] == kind ? 1 : 0;
+            at += size;
+        }
+        bytes.erase(0, at);
+        return found;
+    }
     std::string closed() const { return std::string(session_->closed().view()); }
 
     Qor::Ptr<Qor::Dir> root_ = make<Qor::Dir>(Name("vgw"));
@@ -110,6 +163,30 @@ TEST_F(InboundMemory, LinkMessagesLeaveNothingBehind) {
         expectBound();
     }
     EXPECT_EQ(closed(), "");
+}
+
+// Of a peer that reads nothing no more questions are taken than a ring has answers for; when it
+// reads, all are answered.
+TEST_F(InboundMemory, PingsOfWhoNeverReadsCostNoMoreThanARing) {
+    expectARing(hostileFrame(2, 0, 0, 1, 0, "\10" + number(0, 8)), 9);
+}
+
+TEST_F(InboundMemory, MountsOfWhoNeverReadsCostNoMoreThanARing) {
+    expectARing(
+        hostileFrame(2, 0, 0, 1, 0, "\2" + number(2, 4) + number(0, 1) + text("/vgw/status")) +
+            hostileFrame(2, 0, 0, 1, 0, "\6" + number(2, 4)),
+        3);
+}
+
+TEST_F(InboundMemory, RefusalsOfWhoNeverReadsCostNoMoreThanARing) {
+    expectARing(hostileFrame(2, 0, 0, 1, 0, "\2" + number(2, 4) + number(0, 1) + text("/vgw")), 5);
+}
+
+TEST_F(InboundMemory, CallsOfWhoNeverReadsCostNoMoreThanARing) {
+    expectARing(
+        hostileFrame(2, 0, 0, 1, 0,
+                     "\24" + number(7, 4) + text("/vgw/status") + text("none") + number(0, 4)),
+        21);
 }
 
 TEST_F(InboundMemory, RecordsForNobodyLeaveNothingBehind) {

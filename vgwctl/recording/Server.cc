@@ -20,8 +20,8 @@ class Server::Reader {
         return session_.closed().length() == 0;
     }
     pollfd wanted() const {
-        return {socket_.get(), static_cast<short>(POLLIN | (session_.wantsWrite() ? POLLOUT : 0)),
-                0};
+        int const in = session_.hasRoom() ? POLLIN : 0;
+        return {socket_.get(), static_cast<short>(in | (session_.wantsWrite() ? POLLOUT : 0)), 0};
     }
 
   private:

@@ -138,7 +138,7 @@ bool Peer::serve() {
 }
 
 void Peer::await() {
-    awaitReadable();
+    if (session_->hasRoom()) awaitReadable();
     if (session_->wantsWrite() && transport_->isBlocked()) awaitWritable();
 }
 

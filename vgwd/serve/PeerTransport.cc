@@ -35,11 +35,12 @@ std::size_t PeerTransport::moved(long count, char const* what) {
 
 std::size_t SocketPeerTransport::write(std::string_view bytes) {
     isBlockedIs(false);
-    if (closed().length() != 0 || bytes.empty() || isDeaf_) return 0;
+    if (closed().length() != 0 || bytes.empty()) return 0;
+    if (isDeaf_) return bytes.size();
     long const sent = ::send(socket_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     // What it has sent before it stopped reading is still to be read, and then its end.
     isDeaf_ = sent < 0 && errno == EPIPE;
-    if (isDeaf_) return 0;
+    if (isDeaf_) return bytes.size();
     std::size_t const count = moved(sent, "send");
     isBlockedIs(count < bytes.size());
     return count;

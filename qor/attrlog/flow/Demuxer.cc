@@ -9,6 +9,7 @@ namespace Qor {
 namespace NboAttrLog {
 
 LinkHandler::~LinkHandler() = default;
+bool LinkHandler::mayTake(In&) { return true; }
 void LinkHandler::written(Entity&, AttributeId) {}
 void LinkHandler::unknownClass(Name const&) {}
 

@@ -32,6 +32,9 @@ class QOR_EXPORT LinkHandler {
     virtual ~LinkHandler();
     // A frame that concerns the connection itself; reading is limited to its payload.
     virtual void handleLink(Frame const& frame, In& in) = 0;
+    // Whether such a frame is taken now. If not, it stays with all that stands behind it until it
+    // is asked for again; reading is limited to its payload.
+    virtual bool mayTake(In& in);
     // An entity without a parent was announced: what stands for it here, and the flags of its
     // adapter. With a null entity it is skipped, and counted.
     struct Orphan {
@@ -189,6 +192,9 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     // Hands up to `budget` frames that have arrived to their adapters. The number of frames.
     std::size_t serveFrames(std::size_t budget);
 
+    // Whether frames that have arrived wait for the handler to take one.
+    bool holdsBack() const noexcept { return holdsBack_; }
+
     // Takes an adapter's flow away, and frees what it holds.
     void dropFlow(StreamAdapter& adapter);
 
@@ -232,6 +238,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool runPass(FlowOut& flow, StreamAdapter& adapter);
     void park(FlowOut& flow);
     AttributeId sendAtOnce(StreamAdapter& adapter);
+    bool mayTake(Frame const& frame);
     void serveFrame(Frame const& frame);
     void serveRecord(Frame const& frame);
     void serveTransaction(Frame const& frame);
@@ -273,6 +280,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool peerMayUncount_ = true;
     bool tellsWritten_ = false;
     bool hasFailed_ = false;
+    bool holdsBack_ = false;
     U32 serving_ = 0;
     bool isToClose_ = false;  // when what is being served has ended
 };

@@ -55,14 +55,17 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     try {
         Serving const serving(*this);
         Frame frame;
+        holdsBack_ = false;
         while (!hasFailed_ && served < budget && in_->nextFrame(frame)) {
+            if (!mayTake(frame)) break;
             ++heard_;
             serveFrame(frame);
             in_->frameDone(frame);
             ++served;
         }
         // A frame longer than the ring: it grows as the bytes come.
-        if (!hasFailed_ && served < budget && in_->room().empty()) in_->grow();
+        bool const isCut = !hasFailed_ && !holdsBack_ && served < budget;
+        if (isCut && in_->room().empty()) in_->grow();
     } catch (std::exception const& failure) {
         fail(failure.what());
     }
@@ -70,6 +73,13 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
     counters_.framesIn += served;
     closeIfDue();
     return served;
+}
+
+bool Demuxer::mayTake(Frame const& frame) {
+    bool const isLink = frame.kind == FrameKind::link && link_ != nullptr;
+    holdsBack_ = isLink && !link_->mayTake(*in_);
+    if (holdsBack_) in_->putBack(frame);
+    return !holdsBack_;
 }
 
 void Demuxer::serveFrame(Frame const& frame) {

@@ -230,7 +230,13 @@ bool Session::writeAll() {
 bool Session::wantsWrite() const {
     if (!demuxer_->out()->unsent().empty()) return true;
     bool const owesAnswers = !answers_.empty() || !digestsOwed_.empty();
-    return !demuxer_->hasFailed() && (demuxer_->owes() || owesAnswers);
+    bool const mayGoOn = demuxer_->holdsBack() || !held_.empty();
+    return !demuxer_->hasFailed() && (demuxer_->owes() || owesAnswers || mayGoOn);
+}
+
+bool Session::hasRoom() const {
+    In const& in = *demuxer_->in();
+    return !demuxer_->holdsBack() || in.received() - in.released() < in.capacity();
 }
 
 // Behind what was owed when the mount was given: flows that only wait for ids hold it up no longer.

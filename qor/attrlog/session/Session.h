@@ -130,8 +130,12 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void service(U64 budget = 1U << 20);
     // Whether the last service() ended with more to read at hand.
     bool wantsRead() const noexcept { return wantsRead_; }
-    // Whether there are bytes that the transport has not taken, or could be.
+    // Whether there are bytes that the transport has not taken, or could be: then service() is due
+    // when it takes some.
     bool wantsWrite() const;
+    // Whether bytes that come can be taken. While not, what has come waits for room to be answered:
+    // the transport is to be waited for to take bytes, and not to bring any.
+    bool hasRoom() const;
     // Why the session has ended; empty while it has not.
     String8 const& closed() const noexcept { return reason_; }
     // Ends it, and tells the peer why.
@@ -200,6 +204,8 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     };
 
     void handleLink(Frame const& frame, In& in) override;
+    bool mayTake(In& in) override;
+    void handleOp(Op op, In& in);
     Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
     Orphan mountedHere(MountId mount, EntityId const& id);
     void failed(String8 const& reason) override;
@@ -267,6 +273,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     std::deque<DigestPage> digestsOwed_;
     bool hasHello_ = false;
     bool wantsRead_ = false;
+    U64 answered_ = 0;            // bytes of answers, since the ring out had room
     bool mayTellDigest_ = false;  // in this service()
     DescribedTypes types_;        // that the peer describes now
     U32 typesAsked_ = 0;          // numbers of questions

@@ -20,11 +20,35 @@ constexpr std::size_t greatestDepth = 64;
 
 }  // namespace
 
+// What is answered at once waits for room, and all that comes behind it. Records do not: they lead
+// to no more than marks. Nor does the connecting end wait: of two that wait for each other one has
+// to read on. It answers as much as a ring holds beyond its own, and ends by name.
+bool Session::mayTake(In& in) {
+    auto const op = in.available() != 0 ? static_cast<Op>(in.byteAt(in.readPosition())) : Op::error;
+    if (op != Op::mount && op != Op::call && op != Op::ping) return true;
+    if (demuxer_->out()->freeBytes() >= Out::blockSize) {
+        answered_ = 0;
+        return true;
+    }
+    if (config_.side == Demuxer::Side::accepting) return false;
+    if (answered_ > U64{config_.ringBlocks} * Out::blockSize) {
+        throw AttrLogRecordException("the peer asks for more than it takes");
+    }
+    return true;
+}
+
 void Session::handleLink(Frame const&, In& in) {
     auto const op = static_cast<Op>(in.nextU8());
     if (!hasHello_ && op != Op::hello && op != Op::error) {
         throw AttrLogRecordException("the peer does not begin with a hello");
     }
+    Alive const alive(*this);
+    U64 const before = demuxer_->out()->written();
+    handleOp(op, in);
+    if (alive) answered_ += std::max(demuxer_->out()->written(), before) - before;
+}
+
+void Session::handleOp(Op op, In& in) {
     switch (op) {
         case Op::hello:
             return handleHello(in);
@@ -171,7 +195,7 @@ String8 Session::whyNotAbove(Entity const& entity) const {
 
 void Session::giveHeld() {
     Alive const alive(*this);
-    while (alive && !held_.empty()) {
+    while (alive && !held_.empty() && demuxer_->out()->freeBytes() >= Out::blockSize) {
         auto const next = held_.extract(held_.begin());
         giveAsked(next.key(), next.mapped(), false);
     }

@@ -26,8 +26,8 @@ std::size_t FdTransport::write(std::string_view bytes) {
     if (closed_.length() != 0 || bytes.empty()) return 0;
     long count = ::send(fd_, bytes.data(), bytes.size(), MSG_NOSIGNAL);
     if (count < 0 && errno == ENOTSOCK) count = ::write(fd_, bytes.data(), bytes.size());
-    // Why the peer has left may still be to be read, and then its end.
-    if (count < 0 && errno == EPIPE) return 0;
+    // Nobody reads it any more. What the peer has said, and why it left, may still be to be read.
+    if (count < 0 && errno == EPIPE) return bytes.size();
     return done(count, "write");
 }
 

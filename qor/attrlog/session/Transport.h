@@ -17,7 +17,8 @@ namespace NboAttrLog {
 class QOR_EXPORT Transport {
   public:
     virtual ~Transport();
-    // As many of the bytes as it takes now, 0 when it takes none.
+    // As many of the bytes as it takes now, 0 when it takes none. Where nobody reads them any more,
+    // and there may still be something to read, they are taken and dropped.
     virtual std::size_t write(std::string_view bytes) = 0;
     // As many bytes as have come and fit, 0 when none have.
     virtual std::size_t read(std::span<unsigned char> room) = 0;

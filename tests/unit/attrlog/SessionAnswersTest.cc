@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/socket.h>
+#include <unistd.h>
+
 #include <map>
 #include <memory>
 #include <stdexcept>
@@ -226,6 +229,97 @@ TEST_F(SessionAnswers, SyncModeReachesTheAdaptersOfTheEntityOnAllConnections) {
     EXPECT_EQ(adapter(1)->syncMode(), Qor::StreamAdapter::resync);
     sessions.clear();
     EXPECT_EQ(manager.nboDemuxers(), 2U);
+}
+
+// Each end has asked, written what its ring holds, and asked again: questions are the first that
+// the other meets, and what its own ring in takes does not help.
+TEST_F(SessionAnswers, TwoThatAskEachOtherWithFullRingsGoOn) {
+    constexpr unsigned rows = 3000;
+    constexpr unsigned pings = 5000;
+    auto const ping = [&] {
+        for (unsigned nth = 0; nth < pings / 2; ++nth) {
+            agent->ping();
+            reader->ping();
+        }
+    };
+    AnswersHeard heardByAgent;
+    agent->listenerIs(&heardByAgent);
+    auto const nameOf = [](unsigned row) {
+        return Name(std::string_view("ls" + std::to_string(row)));
+    };
+    for (unsigned row = 0; row < rows; ++row) status->ovsdb()->logicalSwitchIs(nameOf(row));
+    MountId const mount = reader->mount("/vgw/status", true);
+    settle();
+    auto const copy = Qor::dynamicCast<Vgw::Status>(heard.mounted[mount]);
+    ASSERT_TRUE(copy && copy->ovsdb() && copy->ovsdb()->logicalSwitchs() == rows);
+    near.roomIs(0);
+    far.roomIs(0);
+    ping();
+    for (unsigned row = 0; row < rows; ++row) {
+        auto const& writer = row % 2 == 0 ? *status : *copy;
+        writer.ovsdb()->logicalSwitch(nameOf(row))->descIs(std::string_view(std::string(300, 'x')));
+    }
+    ping();
+    ASSERT_LT(agent->demuxer().out()->freeBytes(), Out::blockSize);
+    ASSERT_LT(reader->demuxer().out()->freeBytes(), Out::blockSize);
+    near.roomIs(5000);
+    far.roomIs(5000);
+    for (int turn = 0; turn < 5000; ++turn) {
+        agent->service();
+        reader->service();
+    }
+    expectOpen();
+    EXPECT_EQ(heard.pongs, pings);
+    EXPECT_EQ(heardByAgent.pongs, pings);
+    EXPECT_FALSE(agent->wantsWrite() || reader->wantsWrite());
+    for (unsigned row = 0; row < rows; ++row) {
+        ASSERT_EQ(status->ovsdb()->logicalSwitch(nameOf(row))->desc().length(), 300U);
+        ASSERT_EQ(copy->ovsdb()->logicalSwitch(nameOf(row))->desc().length(), 300U);
+    }
+}
+
+TEST_F(SessionAnswers, ConnectingEndEndsByNameWhenItIsAskedForMoreThanIsTaken) {
+    far.roomIs(0);
+    agent->listenerIs(nullptr);
+    for (int i = 0; i < 40000; ++i) agent->ping();
+    for (int turn = 0; turn < 20; ++turn) {
+        agent->service(50000);
+        reader->service();
+        ASSERT_LE(reader->demuxer().out()->written() - reader->counters().bytesOut,
+                  17U * Out::blockSize);
+    }
+    EXPECT_EQ(reader->closed(), "the peer asks for more than it takes");
+    far.roomIs(~std::size_t{0});
+    settle();
+    EXPECT_EQ(agent->closed(), "the peer: the peer asks for more than it takes");
+}
+
+// Its questions stand in the way of its end, until nobody waits for their answers.
+TEST_F(SessionAnswers, PeerThatAsksWithoutReadingAndLeavesEndsItsSession) {
+    int ends[2];
+    ASSERT_EQ(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends), 0);
+    FdTransport transport(ends[0]);
+    Session::Config config;
+    config.side = Demuxer::Side::accepting;
+    Session session(config, transport, root);
+    std::string wire =
+        bytesOf(frameHex(2, 0, 0, "01" + hexOf("QORL") + "00000002" + "00100000", 1, 0));
+    for (int i = 0; i < 40000; ++i) wire += bytesOf(frameHex(2, 0, 0, "080000000000000000", 1, 0));
+    std::size_t sent = 0;
+    for (int turn = 0; turn < 200; ++turn) {
+        long const count = ::write(ends[1], wire.data() + sent, wire.size() - sent);
+        sent += count > 0 ? static_cast<std::size_t>(count) : 0;
+        session.service();
+    }
+    EXPECT_LT(sent, wire.size());
+    EXPECT_FALSE(session.hasRoom());
+    EXPECT_EQ(session.closed(), String8());
+    ::close(ends[1]);
+    for (int turn = 0; turn < 20; ++turn) session.service();
+    EXPECT_TRUE(session.closed() == "the peer has closed the connection" ||
+                session.closed() == "read: Connection reset by peer")
+        << session.closed();
+    ::close(ends[0]);
 }
 
 }  // namespace

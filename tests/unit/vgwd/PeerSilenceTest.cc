@@ -142,6 +142,33 @@ TEST_F(PeerSilence, AStoppedPeerOnThisMachineIsToldAndNotCut) {
     EXPECT_NE(said_.find("is heard of again"), std::string::npos);
 }
 
+// The socket stays full of its questions, which is no reason to look at it again and again.
+TEST_F(PeerSilence, WhoAsksAndNeverReadsWakesNobody) {
+    connectUnix();
+    mount();
+    isDeaf_ = true;
+    std::string ping("\0\0\0\x22\2", 5);
+    ping += std::string(12, '\0') + "\1" + std::string(9, '\0') + "\1\x08" + std::string(8, '\0') +
+            "\3";
+    std::string wire;
+    for (int i = 0; i < 1000; ++i) wire += ping;
+    std::size_t at = 0;
+    for (int turn = 0; turn < 500; ++turn) {
+        at = (at + transport_->write(std::string_view(wire).substr(at))) % wire.size();
+        loop_.restart();
+        loop_.run_for(milliseconds(1));
+    }
+    ASSERT_EQ(transport_->write(std::string_view(wire).substr(at)), 0U);
+    loop_.restart();
+    EXPECT_LT(loop_.run_for(milliseconds(300)), 100U);
+    isDeaf_ = false;
+    auto const port = [&] {
+        return Qor::dynamicCast<Vgw::CliConfig>(session_->mounted(1))->managerPort();
+    };
+    cli_->managerPortIs(7);
+    EXPECT_TRUE(becomes([&] { return port() == 7; }));
+}
+
 TEST_F(PeerSilence, AStoppedPeerOnANetworkIsCut) {
     connectTcp();
     mount();

@@ -110,4 +110,25 @@ TEST_F(Inbound, OpenTextsAreKeptWithinTheQuota) {
     EXPECT_EQ(peer.failure, "more than 3 bytes of texts that have not ended");
 }
 
+TEST_F(Inbound, DemuxerThatAHandlerClosesKeepsItsAdaptersToTheRecordsEnd) {
+    struct Closing : Vgw::LogicalSwitch::NotifieeConst {
+        void onTunnelKey() override {
+            demuxer->close();
+            left = demuxer->adapters();
+        }
+        Peer::Demuxer::Ptr demuxer;
+        Qor::U32 left = 0;
+    };
+    auto const row = make<Vgw::LogicalSwitch>(Name("ls"));
+    auto const a = enter(row);
+    auto const closing = make<Closing>();
+    closing->demuxer = peer.demuxer;
+    closing->notifierIs(row);
+    feed(record(first, 388, "00000007") + record(first, 388, "00000008"));
+    EXPECT_EQ(closing->left, 1U);
+    EXPECT_EQ(peer.demuxer->adapters(), 0U);
+    EXPECT_EQ(row->tunnelKey(), 7U);
+    closing->notifierIs(nullptr);
+}
+
 }  // namespace

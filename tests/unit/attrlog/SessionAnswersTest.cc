@@ -183,6 +183,27 @@ TEST_F(SessionAnswers, MountThatCanNotBeGivenLaterIsRefusedAndThoseBesideItAreGi
     expectOpen();
 }
 
+TEST_F(SessionAnswers, MountThatIsGivenBackAsSoonAsItIsToldLeavesNoAdapter) {
+    struct GivesBack : SessionListener {
+        void onMounted(MountId mount, Qor::Ptr<Qor::Entity> const& entity) override {
+            session->unmount(mount);
+            told = entity;
+        }
+        Session* session = nullptr;
+        Qor::Ptr<Qor::Entity> told;
+    } listener;
+    listener.session = reader.get();
+    reader->listenerIs(&listener);
+    reader->mount("/vgw/status", false);
+    status->runningIs(true);
+    settle();
+    ASSERT_TRUE(Qor::dynamicCast<Vgw::Status>(listener.told));
+    EXPECT_FALSE(Qor::dynamicCast<Vgw::Status>(listener.told)->running());
+    EXPECT_EQ(reader->demuxer().adapters(), 0U);
+    EXPECT_EQ(agent->demuxer().adapters(), 0U);
+    expectOpen();
+}
+
 TEST_F(SessionAnswers, OneDigestIsToldInEachTurn) {
     for (int i = 0; i < 5; ++i) reader->askForDigest({"/vgw/status/ovsdb", 263, "", 10});
     reader->service();

@@ -203,28 +203,6 @@ TEST_F(Sessions, UnmountedCopyStaysAsItWas) {
     EXPECT_TRUE(copy->ovsdb());
 }
 
-TEST_F(Sessions, MountThatIsGivenBackAsSoonAsItIsToldLeavesNoAdapter) {
-    struct GivesBack : Qor::NboAttrLog::SessionListener {
-        void onMounted(MountId mount, Qor::Ptr<Qor::Entity> const& entity) override {
-            session->unmount(mount);
-            told = entity;
-        }
-        Session* session = nullptr;
-        Qor::Ptr<Qor::Entity> told;
-    } listener;
-    connect();
-    listener.session = reader.get();
-    reader->listenerIs(&listener);
-    reader->mount("/vgw/status", false);
-    status->runningIs(true);
-    settle();
-    ASSERT_TRUE(Qor::dynamicCast<Vgw::Status>(listener.told));
-    EXPECT_FALSE(Qor::dynamicCast<Vgw::Status>(listener.told)->running());
-    EXPECT_EQ(reader->demuxer().adapters(), 0U);
-    EXPECT_EQ(agent->demuxer().adapters(), 0U);
-    EXPECT_EQ(reader->closed(), String8());
-}
-
 TEST_F(Sessions, EntityBelowAMountedOneIsTheSame) {
     connect();
     status->ovsdbIs(Name("db"));

@@ -6,6 +6,10 @@
 #include <qor/dynamic/DescriptionCheck.h>
 #include <qor/dynamic/DynamicType.h>
 
+#include <map>
+#include <set>
+#include <utility>
+
 namespace Qor {
 
 namespace {
@@ -237,13 +241,22 @@ class Making {
     void publish() {
         isPublished_ = true;
         for (auto const& [name, type] : made_) {
-            madeInProcess() += 1 + static_cast<U32>(type->attributes().size());
+            madeInProcess() += partsOf(*type, told_.at(name));
             type->isNondestructingIs(true);
             kept().push_back(type);
             if (QorType* const base = type->base()) base->derivedTypeQEnq(type);
             QorType::typeNodeIs(type.ptr(), name);
             known()[name] = {told_.at(name), type.ptr()};
         }
+    }
+
+    // What a type keeps for good.
+    static U32 partsOf(QorType& type, TypeDescription const& description) {
+        std::size_t parts = 1 + description.constructorArgs.size() + description.initials.size();
+        for (QorAttr::Ptr const& attribute : type.attributes()) {
+            parts += 1 + attribute->arguments().size();
+        }
+        return static_cast<U32>(parts);
     }
 
     TypeDescriptions const& told_;
@@ -254,6 +267,12 @@ class Making {
     bool isPublished_ = false;
 };
 
+TypeDescription readAgain(String8 const& bytes) {
+    auto const in = Qor::make<NboAttrLog::In>(bytes.length());
+    in->receive(bytes.view());
+    return TypeDescription::next(*in);
+}
+
 }  // namespace
 
 void DescribedTypes::take(NboAttrLog::In& in) {
@@ -262,17 +281,23 @@ void DescribedTypes::take(NboAttrLog::In& in) {
         throwRangeException(format("descriptions of more than %u types or %llu bytes", quota_.types,
                                    static_cast<unsigned long long>(quota_.bytes)));
     }
-    TypeDescription description = TypeDescription::next(in);
-    needSound(description);
-    Name const name = description.fullName;
-    if (!told_.emplace(name, std::move(description)).second) {
-        throw AttrLogRecordException(String8("the description of ") + name + ": it came twice");
-    }
+    U64 const start = in.readPosition();
+    needSound(TypeDescription::next(in));
+    auto const length = static_cast<U32>(in.readPosition() - start);
+    in.readPositionIs(start);
+    told_.push_back(in.nextText(length));
 }
 
 void DescribedTypes::complete() {
-    TypeDescriptions const told = std::exchange(told_, {});
+    TypeDescriptions told;
     bytes_ = 0;
+    for (String8 const& bytes : std::exchange(told_, {})) {
+        TypeDescription description = readAgain(bytes);
+        Name const name = description.fullName;
+        if (!told.emplace(name, std::move(description)).second) {
+            throw AttrLogRecordException(String8("the description of ") + name + ": it came twice");
+        }
+    }
     DescriptionCheck(told).run();
     Making(told).run();
 }

@@ -1,6 +1,7 @@
 // Types that a peer describes, on their way into this process's registry. They are gathered while
 // they arrive, and taken in together when all are there: checked, made and published, or, if
-// anything is wrong with one of them, refused by name with nothing changed.
+// anything is wrong with one of them, refused by name with nothing changed. Until then they are
+// held as the bytes that came: taken apart, small names would take many times as much.
 //
 // What is compiled in here stays as it is; a description that contradicts it is refused. A type
 // that was described before and is described alike stays the same. One that is described otherwise
@@ -12,8 +13,7 @@
 
 #include <qor/dynamic/TypeDescription.h>
 
-#include <map>
-#include <set>
+#include <vector>
 
 namespace Qor {
 
@@ -24,7 +24,7 @@ class QOR_EXPORT DescribedTypes {
         U32 types = 4096;
         U64 bytes = 4U << 20;
     };
-    /// Types and attributes that may be made in the life of a process.
+    /// Types, attributes, arguments and initial values that may be made in the life of a process.
     static constexpr U32 greatestInProcess = 400'000;
 
     explicit DescribedTypes(Quota const& quota) : quota_(quota) {}
@@ -40,7 +40,7 @@ class QOR_EXPORT DescribedTypes {
   private:
     Quota const quota_;
     U64 bytes_ = 0;
-    std::map<Name, TypeDescription> told_;
+    std::vector<String8> told_;  // descriptions as they came, each sound by itself
 };
 
 }  // namespace Qor

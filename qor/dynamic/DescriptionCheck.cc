@@ -99,8 +99,6 @@ void needSound(TypeDescription const& description) {
     }
     needArguments(description, description.constructorArgs);
     needHashOrder(description);
-    bool const isTooLong = description.attributes.size() > DescriptionCheck::greatestAttributes;
-    if (isTooLong) refuse(description, "more attributes than a type may have");
     std::set<AttributeId> ids;
     std::set<Name> names;
     for (Attribute const& attribute : description.attributes) {

@@ -21,10 +21,10 @@ class DescriptionCheck {
     // Levels of bases, and of values within values.
     static constexpr U32 greatestDepth = 64;
     // Attributes, inherited ones included: of a class, and of all in the set.
-    static constexpr U32 greatestAttributes = 2048;
+    static constexpr U32 greatestAttributes = TypeDescription::greatestAttributes;
     static constexpr U32 greatestAttributesOfAll = 65536;
     // Fields of a value, those of values within it counted.
-    static constexpr U32 greatestFields = 1024;
+    static constexpr U32 greatestFields = TypeDescription::greatestFields;
 
     explicit DescriptionCheck(TypeDescriptions const& all) : all_(all) {}
     void run();

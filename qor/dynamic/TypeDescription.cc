@@ -70,9 +70,20 @@ void putArguments(Ptr<NboAttrLog::Out> const& out, TypeDescription::Arguments co
     }
 }
 
-TypeDescription::Arguments nextArguments(NboAttrLog::In& in) {
+// How many parts of a kind follow, of the type of that name.
+U32 nextCount(NboAttrLog::In& in, Name const& of, U32 most, char const* what) {
+    U32 const count = in.nextU32();
+    if (count > most) {
+        throw AttrLogRecordException(String8("the description of ") + of + ": more " + what +
+                                     " than it may have");
+    }
+    return count;
+}
+
+TypeDescription::Arguments nextArguments(NboAttrLog::In& in, Name const& of) {
     TypeDescription::Arguments result;
-    for (U32 left = in.nextU32(); left != 0; --left) {
+    U32 left = nextCount(in, of, TypeDescription::greatestArguments, "arguments");
+    for (; left != 0; --left) {
         Name name(in.nextString());
         result.push_back({std::move(name), Name(in.nextString())});
     }
@@ -86,7 +97,7 @@ AttrIntrospectionFlags nextIntrospection(NboAttrLog::In& in) {
     return AttrIntrospectionFlags(word);
 }
 
-TypeDescription::Attribute nextAttribute(NboAttrLog::In& in) {
+TypeDescription::Attribute nextAttribute(NboAttrLog::In& in, Name const& of) {
     TypeDescription::Attribute result;
     result.id = in.nextint();
     result.name = Name(in.nextString());
@@ -96,7 +107,7 @@ TypeDescription::Attribute nextAttribute(NboAttrLog::In& in) {
     result.flags = AttrFlags(low, in.nextU32());
     result.introspection = nextIntrospection(in);
     result.indexAttrName = Name(in.nextString());
-    result.arguments = nextArguments(in);
+    result.arguments = nextArguments(in, of);
     return result;
 }
 
@@ -148,15 +159,17 @@ TypeDescription TypeDescription::next(NboAttrLog::In& in) {
     }
     result.kind = static_cast<Kind>(kind);
     result.size = in.nextU32();
-    result.constructorArgs = nextArguments(in);
-    for (U32 left = in.nextU32(); left != 0; --left) {
-        result.attributes.push_back(nextAttribute(in));
-    }
-    for (U32 left = in.nextU32(); left != 0; --left) {
+    Name const& name = result.fullName;
+    result.constructorArgs = nextArguments(in, name);
+    U32 left = nextCount(in, name, greatestAttributes, "attributes");
+    for (; left != 0; --left) result.attributes.push_back(nextAttribute(in, name));
+    left = nextCount(in, name, greatestAttributes, "initial values");
+    for (; left != 0; --left) {
         AttributeId const id = in.nextint();
         result.initials.push_back({id, in.nextString()});
     }
-    for (U32 left = in.nextU32(); left != 0; --left) result.hashOrder.push_back(in.nextU32());
+    left = nextCount(in, name, greatestFields, "fields of a hash");
+    for (; left != 0; --left) result.hashOrder.push_back(in.nextU32());
     return result;
 }
 

@@ -26,6 +26,12 @@ struct QOR_EXPORT TypeDescription {
         value = 2,        // composite
         entity = 3,
     };
+    // More than that can't be read. Attributes and initial values with the inherited ones,
+    // arguments of a constructor or of one attribute.
+    static constexpr U32 greatestAttributes = 2048;
+    static constexpr U32 greatestArguments = 64;
+    static constexpr U32 greatestFields = 1024;
+
     using Arguments = std::vector<QorAttr::Argument>;
     struct Attribute {
         AttributeId id = 0;

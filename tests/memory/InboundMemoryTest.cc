@@ -219,4 +219,63 @@ TEST_F(InboundMemory, EntitiesEndAtTheirQuota) {
     EXPECT_LE(Memory::heldBytes(), before_ + allowance + 501 * 1500);
 }
 
+// A session that asks for types, and is told of them by a peer that never says that it was all.
+class InboundTypes : public InboundMemory {
+  protected:
+    InboundTypes() {
+        Session::Config config;
+        config.takesTypes = true;
+        session_ = std::make_unique<Session>(config, own_, nullptr);
+        send(HostilePeer::hello());
+        drain();
+        before_ = Memory::heldBytes();
+        sent_ = 0;
+    }
+    // An entity of that name: constructor's arguments, attributes and initial values.
+    void describe(std::string const& name, std::uint32_t arguments, std::uint32_t attributes,
+                  std::uint32_t initials) {
+        std::string type = text(name) + text("Qor::Entity") + "\3" + number(8, 4);
+        type += listOf(arguments, [](std::uint32_t) { return text("a") + text("b"); });
+        type += listOf(attributes, [](std::uint32_t n) {
+            return number(258 + n, 4) + text("a" + std::to_string(n)) + text("b") + text("") +
+                   number(0, 12) + text("") + number(0, 4);
+        });
+        type += listOf(initials, [](std::uint32_t) { return number(258, 4) + text(""); });
+        send(hostileFrame(2, 0, 0, 1, 0, "\13" + number(1, 4) + type + number(0, 4)));
+        drain();
+        EXPECT_EQ(closed(), "");
+        expectBound();
+    }
+    template <class Part>
+    static std::string listOf(std::uint32_t count, Part const& part) {
+        std::string result = number(count, 4);
+        for (std::uint32_t n = 0; n < count; ++n) result += part(n);
+        return result;
+    }
+};
+
+TEST_F(InboundTypes, SmallOnesAreHeldAsTheyCame) {
+    for (int i = 0; i < 4000; ++i) describe("T" + std::to_string(i), 0, 0, 0);
+}
+
+TEST_F(InboundTypes, ArgumentsAreHeldAsTheyCame) {
+    for (int i = 0; i < 2000; ++i) describe("T" + std::to_string(i), 64, 0, 0);
+}
+
+TEST_F(InboundTypes, AttributesAreHeldAsTheyCame) {
+    for (int i = 0; i < 40; ++i) describe("T" + std::to_string(i), 0, 2000, 0);
+}
+
+TEST_F(InboundTypes, InitialValuesAreHeldAsTheyCame) {
+    for (int i = 0; i < 100; ++i) describe("T" + std::to_string(i), 0, 0, 2000);
+}
+
+TEST_F(InboundTypes, ListThatIsTooLongIsRefusedAtItsCount) {
+    send(hostileFrame(2, 0, 0, 1, 0,
+                      "\13" + number(1, 4) + text("T") + text("Qor::Entity") + "\3" + number(8, 4) +
+                          number(40000, 4)));
+    EXPECT_EQ(closed(), "the description of T: more arguments than it may have");
+    expectBound();
+}
+
 }  // namespace

@@ -201,6 +201,28 @@ TEST(HostileDescriptions, MoreAttributesThanASetMayHave) {
               std::string::npos);
 }
 
+TEST(HostileDescriptions, MorePartsThanATypeMayHave) {
+    auto const refused = [](std::string_view what) {
+        return "the description of H::A: more " + std::string(what) + " than it may have";
+    };
+    auto one = entity("H::A");
+    one.constructorArgs.assign(65, {"name", "Qor::Name"});
+    EXPECT_EQ(refusalOf({one}), refused("arguments"));
+    one = entity("H::A");
+    one.attributes = {scalar(258, "a", "U32")};
+    one.attributes.front().arguments.assign(65, {"name", "Qor::Name"});
+    EXPECT_EQ(refusalOf({one}), refused("arguments"));
+    one = entity("H::A");
+    one.attributes.assign(2049, scalar(258, "a", "U32"));
+    EXPECT_EQ(refusalOf({one}), refused("attributes"));
+    one = entity("H::A");
+    one.initials.assign(2049, {258, "1"});
+    EXPECT_EQ(refusalOf({one}), refused("initial values"));
+    one = value("H::A");
+    one.hashOrder.assign(1025, 0);
+    EXPECT_EQ(refusalOf({one}), refused("fields of a hash"));
+}
+
 TEST(HostileDescriptions, TypeThatCameTwice) {
     EXPECT_EQ(refusalOf({entity("H::A"), entity("H::A")}),
               "the description of H::A: it came twice");

@@ -9,6 +9,7 @@
 #include <map>
 #include <set>
 #include <utility>
+#include <vector>
 
 namespace Qor {
 
@@ -110,8 +111,7 @@ class Making {
                 before != known().end() && before->second.description == description;
             if (!isSame) chosen_.insert(name);
         }
-        while (chooseDependents()) {
-        }
+        chooseDependents();
     }
 
     static bool isCompiled(Name const& name) {
@@ -119,22 +119,33 @@ class Making {
         return type && !type->isDescribed();
     }
 
-    bool chooseDependents() {
-        std::size_t const before = chosen_.size();
-        for (auto const& [name, description] : told_) {
-            if (!isCompiled(name) && buildsOnChosen(description)) chosen_.insert(name);
+    using Users = std::map<Name, std::vector<Name>>;
+
+    void chooseDependents() {
+        Users const users = usersOfTold();
+        std::vector<Name> open(chosen_.begin(), chosen_.end());
+        while (!open.empty()) {
+            auto const found = users.find(open.back());
+            open.pop_back();
+            if (found == users.end()) continue;
+            for (Name const& user : found->second) {
+                if (chosen_.insert(user).second) open.push_back(user);
+            }
         }
-        return chosen_.size() != before;
     }
 
-    bool buildsOnChosen(TypeDescription const& description) const {
-        if (chosen_.contains(description.base)) return true;
-        for (auto const& attribute : description.attributes) {
-            bool const uses =
-                chosen_.contains(attribute.valueType) || chosen_.contains(attribute.keyType);
-            if (uses) return true;
+    /// Of each type that is named: those that build on it.
+    Users usersOfTold() const {
+        Users users;
+        for (auto const& [name, description] : told_) {
+            if (isCompiled(name)) continue;
+            users[description.base].push_back(name);
+            for (auto const& attribute : description.attributes) {
+                users[attribute.valueType].push_back(name);
+                users[attribute.keyType].push_back(name);
+            }
         }
-        return false;
+        return users;
     }
 
     void needRoom() const {

@@ -130,15 +130,23 @@ void Demuxer::flowInDel(EntityId const& id) {
     if (here && here->flowOut()) here->flowOut()->owes();
 }
 
+// What went is dropped anew with what stands for it, should it come back, and what still arrives
+// for it meanwhile leads to nothing: so a walk may be late.
 void Demuxer::flowsInDelAway() {
+    U64 const frames = heard_ + framesSent();
+    owesWalk_ = frames < walksAgainAt_;
+    if (owesWalk_) return;
+    U64 steps = 0;
     Qor::Ptr<Out const> const reader(out_);
     flowsIn_.forEachId([&](EntityId const& id) {
+        ++steps;
         auto* const here = adapter(id);
         Entity* top = here ? here->qorNotifierEntity() : nullptr;
         while (top && top->qorParent()) top = top->qorParent();
         auto const* const above = top ? top->qorNboAttrLogSa(reader) : nullptr;
         if (above && isAway(*above)) flowInDel(id);
     });
+    walksAgainAt_ = frames + steps;
 }
 
 void Demuxer::textDel(FlowIn& flowIn) {

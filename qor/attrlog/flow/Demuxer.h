@@ -154,7 +154,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         return flowInIs(adapter.entityId());
     }
     void flowInDel(EntityId const& id);
-    // Drops what is half received of all that was taken out of its place, and lives on.
+    // Drops what is half received of all that was taken out of its place, and lives on. That takes
+    // a walk over all that is half received, so the next one waits for as many frames.
     void flowsInDelAway();
     // Frees a text that was half received.
     void textDel(FlowIn& flowIn);
@@ -268,6 +269,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 waitingSince_ = 0;
     U64 openText_ = 0;
     U64 heard_ = 0;           // frames of the peer's that were taken, the one being read included
+    U64 walksAgainAt_ = 0;    // frames of both directions at which flowsInDelAway() walks again
     U64 toldHeard_ = 0;       // what the last receipt said
     U64 peerHeard_ = 0;       // what the peer's last receipt said
     U64 newestOfCopies_ = 0;  // the greatest id that the peer has announced
@@ -283,6 +285,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     bool holdsBack_ = false;
     U32 serving_ = 0;
     bool isToClose_ = false;  // when what is being served has ended
+    bool owesWalk_ = false;
 };
 
 // Who serves the In, or null.

@@ -66,6 +66,7 @@ std::size_t Demuxer::serveFrames(std::size_t budget) {
         // A frame longer than the ring: it grows as the bytes come.
         bool const isCut = !hasFailed_ && !holdsBack_ && served < budget;
         if (isCut && in_->room().empty()) in_->grow();
+        if (!hasFailed_ && owesWalk_) flowsInDelAway();
     } catch (std::exception const& failure) {
         fail(failure.what());
     }

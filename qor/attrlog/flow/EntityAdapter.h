@@ -51,7 +51,8 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     // that it lets go of nothing else.
     void tellHeard();
     void beginChildRemoval(AttributeId id, U8 tag = 1);
-    // A child was removed, or a snapshot marked: what is half received of what went is dropped.
+    // A child was removed, or a snapshot marked: what is half received of what went is dropped, now
+    // or soon.
     void removalSent();
     // Whether this end has announced the entity, and the peer, when it wrote, had not taken that.
     bool isUnheardOf() const;

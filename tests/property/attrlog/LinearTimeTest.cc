@@ -1,5 +1,7 @@
 // What a peer sends is taken in time that grows with its bytes: twice the input takes at most 2.3
 // times as long. And nothing that it nests goes deeper than 64.
+#include "../../unit/dynamic/Described.h"
+
 #include <fuzz/HostilePeer.h>
 
 #include <qor/attrlog/session/Session.h>
@@ -33,8 +35,8 @@ std::string number(std::uint64_t value, int width) {
     return result;
 }
 std::string text(std::string const& value) { return number(value.size(), 4) + value; }
-std::string mount(std::string const& path) {
-    return hostileFrame(2, 0, 0, 1, 0, "\2" + number(1, 4) + "\1" + text(path));
+std::string mount(std::string const& path, std::uint32_t as = 1) {
+    return hostileFrame(2, 0, 0, 1, 0, "\2" + number(as, 4) + "\1" + text(path));
 }
 std::string marker(std::uint64_t entity, std::uint32_t attribute, char type) {
     return hostileFrame(1, entity, attribute, 1, 0, std::string(1, type) + number(0, 4));
@@ -65,6 +67,12 @@ class Served {
             while (peer_.read(sink) != 0) {
             }
         }
+    }
+    // One more tree to mount.
+    Vgw::Status::Ptr newTree(char const* name) {
+        auto const tree = Vgw::statusFactory(Name(name));
+        root_->entryIs(Name(name), tree);
+        return tree;
     }
     // Everything that is owed is sent.
     void drain() {
@@ -184,6 +192,71 @@ TEST(LinearTime, RecordsThatAreSkipped) {
         }
         return bytes;
     });
+}
+
+// Snapshots of `count` entities of a tree that the peer opens and never ends, and then as many
+// markers that are sent for another: what the latter take, in seconds.
+double costOfMarkersBesideOpenSnapshots(std::size_t count) {
+    Served served("/vgw/status");
+    Vgw::Status::Ptr const other = served.newTree("other");
+    auto const near = served.status->ovsdb();
+    auto const far = other->ovsdbIs(Name("db"));
+    for (std::size_t i = 0; i < count; ++i) {
+        Name const name("p" + std::to_string(i));
+        near->physicalPortIs(name);
+        far->physicalPortIs(name)->vlanBindingIs(1, "ls");
+    }
+    served.drain();
+    std::string open;
+    for (std::uint64_t id = leafId + 2; id < leafId + 2 + 2 * count; id += 2) {
+        open += marker(id, 388, 0);
+    }
+    served.take(open);
+    return timeOf([&] {
+        served.take(mount("/vgw/other", 2));
+        served.drain();
+        EXPECT_EQ(served.closed(), "");
+    });
+}
+
+TEST(LinearTime, MarkersBesideSnapshotsThatAreOpen) {
+    expectLinearCost(unit / 8, costOfMarkersBesideOpenSnapshots);
+}
+
+// An entity with a reference to another.
+Qor::TypeDescription link(std::string const& name, std::string const& to, std::uint32_t size) {
+    Qor::TypeDescription result;
+    result.fullName = Name(name);
+    result.base = Name("Qor::Entity");
+    result.kind = Qor::TypeDescription::Kind::entity;
+    result.size = size;
+    if (!to.empty()) {
+        result.attributes = {{258, Name("next"), Name(to), Name(), {}, {}, Name(), {}}};
+    }
+    return result;
+}
+
+// A chain of types, each of which builds on the next one, is described; then once more, with
+// another last one: what taking in the second takes, in seconds. The first of each length is kept.
+double costOfChangedType(std::size_t count) {
+    static std::uint32_t changes = 0;
+    Qor::DescribedTypes types{Qor::DescribedTypes::Quota()};
+    auto const nameOf = [count](std::size_t at) {
+        std::string const digits = std::to_string(10000 + at);
+        return "Chain" + std::to_string(count) + "::T" + digits;
+    };
+    for (std::size_t at = 0; at + 1 < count; ++at) {
+        Described::take(types, link(nameOf(at), nameOf(at + 1), 8));
+    }
+    Described::take(types, link(nameOf(count - 1), "", ++changes));
+    return timeOf([&] { types.complete(); });
+}
+
+TEST(LinearTime, TypesThatBuildOnAChangedOne) {
+    constexpr std::size_t types = Settings::volume(400, 100, 100);
+    costOfChangedType(types);
+    costOfChangedType(2 * types);
+    expectLinearCost(types, costOfChangedType);
 }
 
 // What the end of a session takes that has given `count` entities, in seconds.

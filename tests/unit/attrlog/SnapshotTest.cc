@@ -131,23 +131,27 @@ TEST_F(Snapshot, AbortLeavesTheMarksUntilTheNextEnd) {
 }
 
 TEST_F(Snapshot, CollectionThatGrowsDuringTheSweepIsWalkedAgain) {
+    // What the first handler enters, marked as if the peer's snapshot had met it, stands in front
+    // of the member that the sweep has come to.
     struct Grower : Vgw::PhysicalPort::Notifiee {
         void onVlanBinding(Qor::U16) override {
-            if (grown++ == 0) {
-                auto const port = notifier();
-                for (Qor::U16 key = 100; key < 200; ++key) port->vlanBindingIs(key, "new");
-            }
+            if (grown++ != 0) return;
+            auto const port = notifier();
+            port->vlanBindingIs(0, "late");
+            port->vlanBindingIs(7, "new");
+            Vgw::PhysicalPort::VlanBindingAttr::map(*port).member(0)->qorMarkedForDeletionIs(true);
         }
         int grown = 0;
     };
     auto const port = make<Vgw::PhysicalPort>(Name("p"));
-    for (Qor::U16 key = 0; key < 50; ++key) port->vlanBindingIs(key, "old");
+    for (Qor::U16 key = 1; key < 6; key += 2) port->vlanBindingIs(key, "old");
     auto const a = enter(port);
     auto const grower = make<Grower>();
+    feed(marker(first, 388, "00"));
     grower->notifierIs(port);
-    feed(marker(first, 388, "00") + marker(first, 388, "02"));
-    EXPECT_EQ(port->vlanBindings(), 100U);
-    EXPECT_EQ(port->vlanBinding(150), "new");
+    feed(marker(first, 388, "02"));
+    EXPECT_EQ(port->vlanBindings(), 1U);
+    EXPECT_EQ(port->vlanBinding(7), "new");
 }
 
 TEST_F(Snapshot, ChildrenThatAreNotAnnouncedAgainGo) {
@@ -175,6 +179,25 @@ TEST_F(Snapshot, ChildWithoutAnAdapterGoesAtTheEnd) {
     feed(marker(first, 263, "00") + marker(first, 263, "02"));
     EXPECT_EQ(ovsdb->logicalSwitchs(), 0U);
     EXPECT_EQ(sent(), "");
+}
+
+TEST_F(Snapshot, WhatIsHalfReceivedOfWhatWasTakenOutIsDroppedAsFramesGoOn) {
+    auto const ovsdb = make<Vgw::HwVtepOvsdb>(Name("db"));
+    auto const a = enter(ovsdb);
+    feed(record(first, 263, "00000001618000000000000005", 1, 151) +
+         record(first, 263, "00000001628000000000000007", 1, 151));
+    auto const one = ovsdb->logicalSwitch(Name("a"));
+    auto const other = ovsdb->logicalSwitch(Name("b"));
+    constexpr Qor::EntityId oneId{first + 2};
+    constexpr Qor::EntityId otherId{first + 4};
+    feed(chunk(first + 2, 387, hexOf("ab")) + chunk(first + 4, 387, hexOf("ab")));
+    ovsdb->logicalSwitchDel(Name("a"));
+    EXPECT_FALSE(peer.demuxer->flowIn(oneId));
+    EXPECT_TRUE(peer.demuxer->flowIn(otherId));
+    ovsdb->logicalSwitchDel(Name("b"));
+    feed(record(first, 999, "00") + record(first, 999, "00"));
+    EXPECT_FALSE(peer.demuxer->hasFlowsIn());
+    EXPECT_EQ(peer.demuxer->openText(), 0U);
 }
 
 TEST_F(Snapshot, SingleChildIsOnlyMarked) {

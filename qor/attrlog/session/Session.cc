@@ -18,7 +18,9 @@ void SessionListener::onRefused(MountId, String8 const&) {}
 void SessionListener::onPong(Seconds) {}
 void SessionListener::onDigested(DigestPage const&, StateDigest const&, String8 const&) {}
 void SessionListener::onReturned(CallId, bool, String8 const&) {}
-String8 SessionListener::onAskedToCall(String8 const&, String8 const&, Entity&) { return {}; }
+String8 SessionListener::onAskedToCall(String8 const& path, String8 const&, Entity&) {
+    return String8("the operations of ") + path + " are its owner's own";
+}
 String8 SessionListener::onAsked(String8 const&, bool, Entity&) { return {}; }
 void SessionListener::onGiven(MountId, String8 const&, bool) {}
 void SessionListener::onTakenBack(MountId) {}

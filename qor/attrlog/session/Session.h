@@ -60,7 +60,9 @@ class QOR_EXPORT SessionListener {
     virtual String8 onAsked(String8 const& path, bool writable, Entity& entity);
     virtual void onGiven(MountId mount, String8 const& path, bool writable);
     // The peer, which may write, asks for an operation of the entity at `path` to be called. Why it
-    // is not; empty: it is.
+    // is not; empty: it is. None is unless this is overridden. What an operation requires of its
+    // entity and arguments beyond their types stops the process where it does not hold, so whoever
+    // lets one be called lets through only those that require nothing.
     virtual String8 onAskedToCall(String8 const& path, String8 const& operation, Entity& entity);
     // The peer has given it back.
     virtual void onTakenBack(MountId mount);

@@ -1,5 +1,5 @@
-// Operations of the peer's entities, called by their names. Whoever may write may call; the one who
-// owns the tree may refuse more.
+// Operations of the peer's entities, called by their names. Who may write may call what the owner
+// of the tree lets be called.
 #include <qor/attrlog/session/Session.h>
 
 #include <qor/generic/GenericList.h>
@@ -63,12 +63,12 @@ String8 Session::called(String8 const& path, String8 const& operation,
     if (arguments.size() != attribute.arguments().size()) {
         throwRangeException(operation + " takes another number of arguments");
     }
-    if (listener_ != nullptr) {
-        Alive const alive(*this);
-        String8 const why = listener_->onAskedToCall(path, operation, *entity);
-        if (!alive) throwRangeException("the session has ended");
-        if (why.length() != 0) throwRangeException(why);
-    }
+    SessionListener nobody;
+    SessionListener& door = listener_ != nullptr ? *listener_ : nobody;
+    Alive const alive(*this);
+    String8 const why = door.onAskedToCall(path, operation, *entity);
+    if (!alive) throwRangeException("the session has ended");
+    if (why.length() != 0) throwRangeException(why);
     auto const list = make<GenericIf::List_>();
     for (std::size_t n = 0; n < arguments.size(); ++n) {
         QorType* const type = QorType::type(attribute.arguments()[n].type);

@@ -2,6 +2,7 @@
 #include <qor/attrlog/dir/DirAdapter.h>
 #include <qor/attrlog/session/Session.h>
 
+#include <qor/registry/QorType.h>
 #include <vgw/agent/CliConfig.h>
 #include <vgw/agent/Status.h>
 
@@ -127,6 +128,37 @@ TEST_F(RemoteCall, WithoutTheEntityThatItNeedsIsRefused) {
     EXPECT_FALSE(caller.done);
     EXPECT_NE(called("/vgw/status/ovsdb/physicalPort/one", "isEqualTo", {"/vgw/cliConfig"}), "");
     EXPECT_FALSE(caller.done);
+}
+
+// A row is copied over one of its own class alone; any other would stop the process.
+TEST_F(RemoteCall, IsRefusedUnlessTheOwnerLetsItIn) {
+    connect();
+    auto const database = status->ovsdbIs(Name("ovsdb"));
+    database->logicalSwitchIs("red");
+    database->managerIs("m");
+    char const* const manager = "/vgw/status/ovsdb/manager/m";
+    std::vector<String8> const row{"/vgw/status/ovsdb/logicalSwitch/red"};
+    String8 const refused("the operations of /vgw/status/ovsdb/manager/m are its owner's own");
+    agent->listenerIs(nullptr);
+    EXPECT_EQ(called(manager, "clone", row), refused);
+    EXPECT_FALSE(caller.done);
+    Qor::NboAttrLog::SessionListener listener;
+    agent->listenerIs(&listener);
+    EXPECT_EQ(called(manager, "clone", row), refused);
+    EXPECT_FALSE(caller.done);
+}
+
+// What the agent lets its peers call.
+TEST_F(RemoteCall, OfEachOperationOfTheConfigurationRequiresNothing) {
+    connect();
+    int calls = 0;
+    for (auto const& attribute : cli->fwkType()->attributes()) {
+        if (!attribute->introspection().isFunction()) continue;
+        ASSERT_TRUE(attribute->arguments().empty()) << attribute->name().view();
+        called("/vgw/cliConfig", attribute->name().charPtr());
+        ++calls;
+    }
+    EXPECT_GE(calls, 3);
 }
 
 }  // namespace

@@ -22,6 +22,16 @@ constexpr std::array<std::string_view, 8> names{"a", "b", "s", "status", "", "di
 constexpr std::array<std::string_view, 8> classes{
     "Vgw::LogicalSwitch",  "Vgw::OvsdbDataModel", "Qor::Dir",  "Vgw::Status",
     "Vgw::UcastMacsLocal", "Vgw::CliConfig",      "Sim::None", "Qor::Entity"};
+constexpr std::array<std::string_view, 8> types{
+    "Fuzz::A", "Fuzz::B", "Fuzz::C", "Vgw::CliConfig", "Qor::Entity", "Qor::Name", "U32", ""};
+constexpr std::array<std::string_view, 8> operations{
+    "reset", "managerTarget",          "clear",   "isEqualTo",
+    "clone", "qorHasAttrLogInterface", "running", "qorNboAttrLogSaForMsgChannel"};
+constexpr std::array<std::string_view, 4> rows{
+    "/vgw/status/ovsdb/logicalSwitch/a", "/vgw/status/ovsdb/physicalPort/a",
+    "/vgw/status/ovsdb/physicalSwitchRaw/a", "/vgw/macs/entry/a"};
+// What asks and answers, beyond what link() sends.
+constexpr std::array<std::uint8_t, 8> asking{10, 11, 12, 20, 21, 22, 23, 11};
 constexpr std::array<std::uint32_t, 10> firsts{7, 135, 136, 144, 258, 6, 262, 386, 386, 388};
 
 }  // namespace
@@ -114,6 +124,69 @@ void HostilePeer::link(std::string& wire) {
     wire += hostileFrame(2, 0, 0, 1, 0, payload);
 }
 
+std::string HostilePeer::path() {
+    std::uint8_t const choice = reader_.byte();
+    return whole(choice & 0x80 ? rows[choice % rows.size()] : paths[choice % paths.size()]);
+}
+
+// A name and its type.
+std::string HostilePeer::argument() {
+    std::uint8_t const choice = reader_.byte();
+    return whole(names[choice % names.size()]) + whole(types[choice >> 3 & 7]);
+}
+
+// A type in which much is as it should be.
+void HostilePeer::described(std::string& payload) {
+    std::uint8_t const sort = reader_.byte();
+    bool const isEntity = (sort & 3) != 0;
+    payload += whole(types[sort >> 2 & 7]);
+    payload += whole(isEntity ? types[sort & 0x20 ? reader_.byte() & 7 : 4] : "");
+    payload += network(isEntity ? 3 : sort >> 6, 1) + network(8, 4);
+    std::uint8_t const counts = reader_.byte();
+    payload += network(counts & 3, 4);
+    for (int left = counts & 3; left > 0; --left) payload += argument();
+    payload += network(counts >> 2 & 3, 4);
+    for (std::uint32_t n = 0; n < (counts >> 2 & 3U); ++n) {
+        std::uint8_t const flags = reader_.byte();
+        payload += network(258 + n + (flags & 1), 4) + argument();
+        payload += whole(flags & 2 ? types[flags >> 4 & 7] : "");
+        payload += network(flags & 4 ? reader_.number(4) : 0, 4) + network(0, 4);
+        payload += network(flags & 8 ? reader_.byte() : 0, 4) + whole("") + network(0, 4);
+    }
+    payload += network(counts >> 4 & 3, 4);
+    for (int left = counts >> 4 & 3; left > 0; --left) {
+        payload += network(258, 4) + whole(names[reader_.byte() % names.size()]);
+    }
+    payload += network(counts >> 6, 4);
+    for (int left = counts >> 6; left > 0; --left) payload += network(reader_.byte() % 4, 4);
+}
+
+void HostilePeer::call(std::string& payload) {
+    std::uint8_t const choice = reader_.byte();
+    payload += network(1, 4) + path() + whole(operations[choice & 7]);
+    payload += network(choice >> 6, 4);
+    for (int left = choice >> 6; left > 0; --left) payload += path();
+}
+
+void HostilePeer::question(std::string& wire) {
+    std::uint8_t const op = asking[reader_.byte() % asking.size()];
+    std::string payload = network(op, 1);
+    std::uint8_t const number = reader_.byte() % 4;
+    if (op == 10) payload += network(number, 4) + whole(types[reader_.byte() & 7]);
+    if (op == 11 || op == 12) payload += network(number, 4);
+    if (op == 11) described(payload);
+    if (op == 12) payload += network(reader_.byte() % 4, 4);
+    if (op == 20) call(payload);
+    if (op == 21) payload += network(number, 4) + network(reader_.byte() % 3, 1) + whole("x");
+    if (op == 22) {
+        payload += path();
+        payload += network(attribute(), 4) + whole(names[number]);
+        payload += network(reader_.byte(), 4);
+    }
+    if (op == 23) payload += network(number, 4) + network(1, 8) + whole(names[number]) + whole("");
+    wire += hostileFrame(2, 0, 0, 1, 0, payload);
+}
+
 HostileStep HostilePeer::next(std::string& wire) {
     std::uint8_t const word = reader_.byte();
     switch (word % 8) {
@@ -126,6 +199,7 @@ HostileStep HostilePeer::next(std::string& wire) {
             break;
         case 3:
             if (word > 0xF0) wire += reader_.bytes(reader_.byte());
+            if (word >= 0x80 && word <= 0xF0) question(wire);
             break;
         default:
             frame(wire);

@@ -44,6 +44,11 @@ class HostilePeer {
   private:
     void frame(std::string& wire);
     void link(std::string& wire);
+    void question(std::string& wire);
+    void described(std::string& payload);
+    std::string argument();
+    std::string path();
+    void call(std::string& payload);
     void text(std::string& wire, bool isWhole);
     std::string payload();
     std::uint64_t entity();

@@ -148,7 +148,13 @@ std::string ServedTree::text() const {
     return result;
 }
 
-ServedSession::ServedSession(Qor::Ptr<Qor::Dir> const& root, bool peerMayWrite) {
+Qor::String8 FuzzDoor::onAskedToCall(Qor::String8 const& path, Qor::String8 const& operation,
+                                     Qor::Entity& entity) {
+    bool const isBound = operation == "clone" || operation == "toDisplayMsg";
+    return isBound ? SessionListener::onAskedToCall(path, operation, entity) : Qor::String8();
+}
+
+ServedSession::ServedSession(Qor::Ptr<Qor::Dir> const& root, bool peerMayWrite, bool takesTypes) {
     Qor::NboAttrLog::MemoryTransport::connect(peer_, own_);
     Session::Config config;
     config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
@@ -157,7 +163,9 @@ ServedSession::ServedSession(Qor::Ptr<Qor::Dir> const& root, bool peerMayWrite) 
     config.quota.openTextBytes = 1U << 16;
     config.mounts = 4;
     config.ringBlocks = 2;
+    config.takesTypes = takesTypes;
     session_ = std::make_unique<Session>(config, own_, root);
+    session_->listenerIs(&door_);
 }
 
 void ServedSession::receive(std::string_view bytes) {

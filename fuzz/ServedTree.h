@@ -29,10 +29,16 @@ struct ServedTree {
 // All that a Status holds below it, as text.
 std::string textOf(Vgw::Status const& status);
 
+// Lets those operations be called that require nothing beyond their arguments' types.
+struct FuzzDoor : Qor::NboAttrLog::SessionListener {
+    Qor::String8 onAskedToCall(Qor::String8 const& path, Qor::String8 const& operation,
+                               Qor::Entity& entity) override;
+};
+
 // The agent's end of a connection whose other end is bytes.
 class ServedSession {
   public:
-    ServedSession(Qor::Ptr<Qor::Dir> const& root, bool peerMayWrite);
+    ServedSession(Qor::Ptr<Qor::Dir> const& root, bool peerMayWrite, bool takesTypes = false);
 
     // Hands the bytes over, as many as are taken, and lets the session work.
     void receive(std::string_view bytes);
@@ -44,6 +50,7 @@ class ServedSession {
   private:
     Qor::NboAttrLog::MemoryTransport peer_;
     Qor::NboAttrLog::MemoryTransport own_;
+    FuzzDoor door_;
     std::unique_ptr<Qor::NboAttrLog::Session> session_;
 };
 

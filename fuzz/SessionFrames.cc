@@ -27,8 +27,9 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     ServedTree copy;
     std::string const before = tree.text();
     {
-        ServedSession served(tree.root, mayWrite);
+        ServedSession served(tree.root, mayWrite, (data[0] & 4) != 0);
         if (data[0] & 2) served.mount(copy.status);
+        if (data[0] & 8) served.session().askForDigest({"/peer", 0, "", 16});
         play(peer, tree, served, mayWrite);
         tree.mustBeConsistent();
         copy.mustBeConsistent();

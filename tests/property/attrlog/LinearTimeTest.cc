@@ -183,6 +183,18 @@ TEST(LinearTime, ChildrenAndTheirEnd) {
     });
 }
 
+TEST(LinearTime, ChildrenWhoseIdsFallIntoOneBucket) {
+    expectLinear(unit / 2, [](std::size_t count) {
+        std::string bytes;
+        for (std::size_t i = 0; i < count; ++i) {
+            std::uint64_t const id = std::uint64_t{i + 1} << 18 | 1;
+            bytes +=
+                hostileFrame(0, dbId, 263, 1, 151, text("x" + std::to_string(i)) + number(id, 8));
+        }
+        return bytes;
+    });
+}
+
 TEST(LinearTime, RecordsThatAreSkipped) {
     expectLinear(unit, [](std::size_t count) {
         std::string bytes;

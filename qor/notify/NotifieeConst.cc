@@ -163,7 +163,14 @@ void PtrInterface::NotifieeConst::activityIs(Activity::Ptr activity) {
 
 bool PtrInterface::NotifieeConst::qorOnAttribute(AttributeId id, U8* pendingCount) {
     ActivitySm* const sm = actsm();
-    if (!sm || sm->state() == ActivitySm::State::running) {
+    if (!sm) {
+        return false;
+    }
+    if (sm->state() == ActivitySm::State::running) {
+        // Another key of the collection still waits for this turn to come to it.
+        if (pendingCount && *pendingCount == 1) {
+            *pendingCount = 2;
+        }
         return false;
     }
     if (pendingAttribute_ == nothingPending) {

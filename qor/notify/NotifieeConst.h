@@ -99,7 +99,8 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     I32 pendingAttribute() const noexcept { return pendingAttribute_; }
     void pendingAttributeIs(I32 pending) noexcept { pendingAttribute_ = pending; }
     /// Whether what is heard of attribute `id` waits for the activity. If so it was noted, and
-    /// `*pendingCount`, unless null, went up by one, 2 being the most: two or more.
+    /// `*pendingCount`, unless null, went up by one, 2 being the most: two or more. In a turn
+    /// nothing waits; a key that the turn has not come to yet is then counted as two or more.
     bool qorOnAttribute(AttributeId id, U8* pendingCount);
     /// Asks for another turn of the activity for the rest of what is pending.
     void redispatch(ActivitySm* sm);

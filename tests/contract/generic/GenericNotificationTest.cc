@@ -21,11 +21,17 @@ class Heard : public Qor::GenericIf::Watcher {
             std::exchange(inHandler, nullptr)();
         }
     }
-    void onNotification(Qor::GenericIf&) override { told_.push_back({all, ""}); }
+    void onNotification(Qor::GenericIf&) override {
+        told_.push_back({all, ""});
+        if (onAll) {
+            std::exchange(onAll, nullptr)();
+        }
+    }
     void onZeroReferences(Qor::GenericIf&) override { told_.push_back({end, ""}); }
     WrapperConst const& lastKey() const { return lastKey_; }
 
     std::function<void()> inHandler;
+    std::function<void()> onAll;
 
   private:
     AllTold told_;
@@ -259,6 +265,19 @@ TEST_P(EveryWatched, ChangeInTheTurnItselfIsToldInIt) {
         a.change(*entity_);
         EXPECT_EQ(run(), (AllTold{{a.id, ""}, {a.id, ""}}));
     });
+}
+
+TEST_P(EveryWatched, PendingKeyIsNotLostToAnotherThatChangesInTheTurn) {
+    queue();
+    forEach<Keyed>([&](Keyed const& a) {
+        heard_.onAll = [&] { changeKey(a, 1); };
+        entity_->isNondestructingIs(!entity_->isNondestructing());
+        changeKey(a, 0);
+        EXPECT_EQ(run(), (AllTold{{Heard::all, ""}, {a.id, a.key(1)}, {a.id, ""}}));
+        changeKey(a, 2);
+        EXPECT_EQ(run(), (AllTold{{a.id, a.key(2)}})) << "counting begins anew";
+    });
+    entity_->isNondestructingIs(false);
 }
 
 TEST_P(EveryWatched, WithoutItsActivityAgainHearsAtOnce) {

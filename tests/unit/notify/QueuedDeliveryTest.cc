@@ -109,6 +109,33 @@ TEST_F(QueuedDelivery, ChangeInTheTurnItselfIsNotPutOff) {
     EXPECT_FALSE(manager.hasReady());
 }
 
+TEST_F(QueuedDelivery, PendingKeyIsNotLostToAnotherThatChangesInTheTurn) {
+    listener->onAll = [this] { port->labelIs(8, "b"); };
+    port->speedIs(1);
+    port->labelIs(7, "a");
+    run();
+    EXPECT_EQ(log, (Log{"all", "now label(8)", "label"}));
+    port->labelIs(9, "c");
+    run();
+    EXPECT_EQ(log.back(), "label(9)") << "counting begins anew";
+}
+
+TEST_F(QueuedDelivery, PendingKeyThatChangesAgainInTheTurnStaysOneKey) {
+    listener->onAll = [this] { port->labelIs(7, "b"); };
+    port->speedIs(1);
+    port->labelIs(7, "a");
+    run();
+    EXPECT_EQ(log, (Log{"all", "now label(7)", "label(7)"}));
+}
+
+TEST_F(QueuedDelivery, KeyThatChangesInTheTurnAloneIsNotDeliveredLater) {
+    listener->onAll = [this] { port->labelIs(8, "b"); };
+    port->speedIs(1);
+    port->modeIs(1);
+    run();
+    EXPECT_EQ(log, (Log{"all", "now label(8)"}));
+}
+
 TEST_F(QueuedDelivery, WithoutAnActivityNothingIsPutOff) {
     listener->activityIs(nullptr);
     port->speedIs(1);

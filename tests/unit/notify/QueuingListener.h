@@ -18,6 +18,7 @@ class QueuingListener : public Port::NotifieeConst, Live<QueuingListener> {
     static int living() { return Live<QueuingListener>::count; }
 
     std::function<void()> inDelivery;
+    std::function<void()> onAll;  // within the turn, before the keys are delivered
 
     void onMode() override { hear(Row::ModeAttr::id); }
     void onSpeed() override { hear(Port::SpeedAttr::id); }
@@ -45,7 +46,12 @@ class QueuingListener : public Port::NotifieeConst, Live<QueuingListener> {
         }
     }
     void onAttribute(Qor::AttributeId id) override { write(std::to_string(id)); }
-    void onNotification() override { write("all"); }
+    void onNotification() override {
+        write("all");
+        if (onAll) {
+            onAll();
+        }
+    }
     void handleNotificationException() override { write("exception"); }
 
   private:

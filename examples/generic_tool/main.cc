@@ -104,8 +104,7 @@ void show(Wrapper const& wrapper, std::string const& indent) {
 /// Tells what changes in whatever entity it is given to.
 class Teller : public GenericIf::Watcher {
   public:
-    void onAttribute(GenericIf& wrapper, Qor::AttributeId id,
-                     GenericIf::PtrConst const& key) override {
+    void onAttribute(GenericIf& wrapper, Qor::AttributeId id, GenericIf::PtrConst& key) override {
         std::cout << "changed: " << wrapper.entityConst()->uriPath() << ' '
                   << wrapper.attributeString(id);
         if (key) {

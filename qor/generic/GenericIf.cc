@@ -100,7 +100,7 @@ GenericIf::Ptr GenericIf::attributeIterator_iterDel(AttributeIteratorConst const
     return nullptr;
 }
 
-void GenericIf::onAttribute(AttributeId id, PtrConst const& key) {
+void GenericIf::onAttribute(AttributeId id, PtrConst& key) {
     if (watcher_) {
         watcher_->onAttribute(*this, id, key);
     }
@@ -108,7 +108,8 @@ void GenericIf::onAttribute(AttributeId id, PtrConst const& key) {
 
 void GenericIf::onAttribute(AttributeId id) {
     if (watcher_) {
-        watcher_->onAttribute(*this, id, nullptr);
+        PtrConst none;
+        watcher_->onAttribute(*this, id, none);
     }
 }
 

@@ -93,8 +93,9 @@ class QOR_EXPORT GenericIf : public PtrInterface::NotifieeConst {
     virtual bool attributeIterator_nonNull(AttributeIteratorConst const& iterator);
     virtual Ptr attributeIterator_iterDel(AttributeIteratorConst const& iterator);
 
-    /// A change under one key of a collection; as it stands, tells the watcher.
-    virtual void onAttribute(AttributeId id, PtrConst const& key);
+    /// A change under one key of a collection; as it stands, tells the watcher. The pointer is the
+    /// handler's own: it may take the key.
+    virtual void onAttribute(AttributeId id, PtrConst& key);
     /// A change of an attribute, or of a collection as a whole.
     void onAttribute(AttributeId id) override;
     void onNotification() override;
@@ -125,7 +126,7 @@ class QOR_EXPORT GenericIf::Watcher {
   public:
     virtual ~Watcher();
     /// An attribute has changed; of a collection the member under `key`, or, with null, any.
-    virtual void onAttribute(GenericIf& wrapper, AttributeId id, PtrConst const& key) = 0;
+    virtual void onAttribute(GenericIf& wrapper, AttributeId id, PtrConst& key) = 0;
     /// Several attributes may have changed.
     virtual void onNotification(GenericIf& wrapper);
     /// The entity's last reference has gone.

@@ -113,7 +113,8 @@ class QOR_EXPORT GenericIfEntity : public GenericIf {
 template <class K>
 void GenericIfEntity::qorHeard(AttributeId id, K const& key, PendingKey<K>& pending) {
     if (!qorOnAttribute(id, pending.note(key))) {
-        onAttribute(id, PtrConst(wrapped(key, isConst())));
+        PtrConst wrapper(wrapped(key, isConst()));
+        onAttribute(id, wrapper);
     }
 }
 

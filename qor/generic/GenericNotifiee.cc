@@ -14,8 +14,7 @@ GenericNotifiee::~GenericNotifiee() { wrapper_->watcherIs(nullptr); }
 void GenericNotifiee::onChanges() {}
 void GenericNotifiee::onEnd() {}
 
-void GenericNotifiee::onAttribute(GenericIf& wrapper, AttributeId id,
-                                  GenericIf::PtrConst const& key) {
+void GenericNotifiee::onAttribute(GenericIf& wrapper, AttributeId id, GenericIf::PtrConst& key) {
     if (QorAttr::Ptr const attribute = wrapper.fwkType()->attr(id)) {
         onChange(*attribute, key.ptr());
     }

@@ -43,7 +43,7 @@ class QOR_EXPORT GenericNotifiee : private GenericIf::Watcher {
     GenericIf& wrapper() const noexcept { return *wrapper_; }
 
   private:
-    void onAttribute(GenericIf& wrapper, AttributeId id, GenericIf::PtrConst const& key) override;
+    void onAttribute(GenericIf& wrapper, AttributeId id, GenericIf::PtrConst& key) override;
     void onNotification(GenericIf& wrapper) override;
     void onZeroReferences(GenericIf& wrapper) override;
 

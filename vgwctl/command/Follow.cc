@@ -41,8 +41,7 @@ void Follower::follow(Entity& entity) {
     added_.clear();
 }
 
-void Follower::onAttribute(GenericIf& wrapper, Qor::AttributeId id,
-                           GenericIf::PtrConst const& key) {
+void Follower::onAttribute(GenericIf& wrapper, Qor::AttributeId id, GenericIf::PtrConst& key) {
     Heard heard(wrapper.entityConst().ptr(), id, key ? key->strRep().view() : "");
     if (known_.insert(heard).second) heard_.push_back(std::move(heard));
 }

@@ -60,7 +60,7 @@ class Follower : private Qor::GenericIf::Watcher {
     using Heard = std::tuple<Qor::Entity const*, Qor::AttributeId, std::string>;
 
     void onAttribute(Qor::GenericIf& wrapper, Qor::AttributeId id,
-                     Qor::GenericIf::PtrConst const& key) override;
+                     Qor::GenericIf::PtrConst& key) override;
 
     void add(Qor::Entity& entity, Change::Kind kind);
     void drop(Qor::Entity const& entity);

@@ -1,42 +1,8 @@
 // What a wrapper hears: at once, or gathered until its activity has its turn.
-#include <vgw/OvsdbDataTypes.h>
-#include <vgw/registry/Global.h>
-
-#include "EveryWrapper.h"
+#include "Heard.h"
 
 namespace Contract {
 namespace {
-
-/// Notes what a wrapper is told, in the words of the recorders of compiled classes.
-class Heard : public Qor::GenericIf::Watcher {
-  public:
-    static constexpr Qor::AttributeId all = -1;
-    static constexpr Qor::AttributeId end = 5;
-
-    AllTold take() { return std::exchange(told_, {}); }
-    void onAttribute(Qor::GenericIf&, Qor::AttributeId id, WrapperConst const& key) override {
-        told_.push_back({id, key ? wrappedText(key.ptr()) : ""});
-        lastKey_ = key;
-        if (inHandler) {
-            std::exchange(inHandler, nullptr)();
-        }
-    }
-    void onNotification(Qor::GenericIf&) override {
-        told_.push_back({all, ""});
-        if (onAll) {
-            std::exchange(onAll, nullptr)();
-        }
-    }
-    void onZeroReferences(Qor::GenericIf&) override { told_.push_back({end, ""}); }
-    WrapperConst const& lastKey() const { return lastKey_; }
-
-    std::function<void()> inHandler;
-    std::function<void()> onAll;
-
-  private:
-    AllTold told_;
-    WrapperConst lastKey_;
-};
 
 class EveryWatched : public EveryWrapper {
   protected:
@@ -298,48 +264,6 @@ TEST_P(EveryWatched, DroppedWithWorkPendingGetsNoTurn) {
     forEachChangeable([&](Attribute const& a) { a.change(*entity_); });
     own = nullptr;
     EXPECT_EQ(run(), AllTold());
-}
-
-TEST(GenericAdapter, WithoutAnOwnerDoesNothing) {
-    auto const row = Qor::make<Vgw::Global>("g");
-    auto const adapter = Qor::make<Vgw::Global::GenericIf_::GenericIf_Adapter_>(nullptr);
-    adapter->notifierIs(row);
-    EXPECT_EQ(row->notifierList().count(), 1U);
-    row->pSwitchIs("u", true);
-    row->typeIs(Vgw::manager);
-    row->invalidAttribIs("manager", true);
-    row->zeroReferencesIs(true);
-    EXPECT_FALSE(adapter->hasNotificationActive());
-    EXPECT_TRUE(row->pSwitch("u"));
-}
-
-TEST(GenericAdapter, HeldBySomebodyElseOutlivesItsWrapperAndDoesNothing) {
-    auto const row = Qor::make<Vgw::Global>("g");
-    Wrapper wrapper = wrapperOf(row);
-    Qor::Ptr<Vgw::OvsdbDataModel::NotifieeConst> const adapter(row->notifierList().head());
-    wrapper = nullptr;
-    EXPECT_FALSE(adapter->qorNotifier());
-    EXPECT_EQ(row->notifierList().count(), 0U);
-    adapter->onType();
-    adapter->onInvalidAttrib("manager");
-    adapter->notifierIs(row);
-    row->typeIs(Vgw::manager);
-    EXPECT_EQ(row->type(), Vgw::manager);
-}
-
-TEST(GenericAdapter, HandlerThatThrowsStopsNobody) {
-    auto const row = Qor::make<Vgw::Global>("g");
-    Wrapper const first = wrapperOf(row);
-    Wrapper const second = wrapperOf(row);
-    Heard thrower;
-    Heard next;
-    thrower.inHandler = [] { throw std::runtime_error("a handler's own"); };
-    first->watcherIs(&thrower);
-    second->watcherIs(&next);
-    EXPECT_NO_THROW(row->typeIs(Vgw::manager));
-    EXPECT_EQ(next.take(), (AllTold{{258, ""}}));
-    first->watcherIs(nullptr);
-    second->watcherIs(nullptr);
 }
 
 }  // namespace

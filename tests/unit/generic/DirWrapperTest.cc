@@ -27,8 +27,7 @@ GenericIf::Ptr directory(char const* name) {
 class Heard : public GenericIf::Watcher {
   public:
     std::vector<std::string> told;
-    void onAttribute(GenericIf& wrapper, Qor::AttributeId id,
-                     GenericIf::PtrConst const& key) override {
+    void onAttribute(GenericIf& wrapper, Qor::AttributeId id, GenericIf::PtrConst& key) override {
         told.push_back(std::string(wrapper.attributeString(id).view()) + " " +
                        (key ? std::string(key->strRep().view()) : "all"));
     }

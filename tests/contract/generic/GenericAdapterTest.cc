@@ -1,0 +1,76 @@
+// A wrapper's adapters, and notifiees and wrappers of a user's own, on one class.
+#include <vgw/OvsdbDataTypes.h>
+#include <vgw/registry/Global.h>
+
+#include "Heard.h"
+
+namespace Contract {
+namespace {
+
+TEST(GenericAdapter, WithoutAnOwnerDoesNothing) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    auto const adapter = Qor::make<Vgw::Global::GenericIf_::GenericIf_Adapter_>(nullptr);
+    adapter->notifierIs(row);
+    EXPECT_EQ(row->notifierList().count(), 1U);
+    row->pSwitchIs("u", true);
+    row->typeIs(Vgw::manager);
+    row->invalidAttribIs("manager", true);
+    row->zeroReferencesIs(true);
+    EXPECT_FALSE(adapter->hasNotificationActive());
+    EXPECT_TRUE(row->pSwitch("u"));
+}
+
+/// A wrapper of a user's own, which hears by itself and has no watcher.
+class Hearing : public Vgw::Global::GenericIf_ {
+  public:
+    using GenericIf_::GenericIf_;
+    void onAttribute(Qor::AttributeId id) override { told.push_back({id, ""}); }
+    void onAttribute(Qor::AttributeId id, Qor::Ptr<Qor::GenericIf const>& key) override {
+        told.push_back({id, wrappedText(key.ptr())});
+        kept = std::move(key);
+    }
+    AllTold told;
+    WrapperConst kept;
+};
+
+TEST(GenericWrapper, HandlersMayBeOverriddenAndTakeTheKey) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    auto const wrapper = Qor::make<Hearing>(row, false);
+    row->typeIs(Vgw::manager);
+    row->pSwitchIs("u", true);
+    EXPECT_EQ(wrapper->told, (AllTold{{258, ""}, {386, "'u'"}}));
+    ASSERT_TRUE(wrapper->kept);
+    EXPECT_EQ(wrapper->kept->strRep(), "'u'");
+}
+
+TEST(GenericAdapter, HeldBySomebodyElseOutlivesItsWrapperAndDoesNothing) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    Wrapper wrapper = wrapperOf(row);
+    Qor::Ptr<Vgw::OvsdbDataModel::NotifieeConst> const adapter(row->notifierList().head());
+    wrapper = nullptr;
+    EXPECT_FALSE(adapter->qorNotifier());
+    EXPECT_EQ(row->notifierList().count(), 0U);
+    adapter->onType();
+    adapter->onInvalidAttrib("manager");
+    adapter->notifierIs(row);
+    row->typeIs(Vgw::manager);
+    EXPECT_EQ(row->type(), Vgw::manager);
+}
+
+TEST(GenericAdapter, HandlerThatThrowsStopsNobody) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    Wrapper const first = wrapperOf(row);
+    Wrapper const second = wrapperOf(row);
+    Heard thrower;
+    Heard next;
+    thrower.inHandler = [] { throw std::runtime_error("a handler's own"); };
+    first->watcherIs(&thrower);
+    second->watcherIs(&next);
+    EXPECT_NO_THROW(row->typeIs(Vgw::manager));
+    EXPECT_EQ(next.take(), (AllTold{{258, ""}}));
+    first->watcherIs(nullptr);
+    second->watcherIs(nullptr);
+}
+
+}  // namespace
+}  // namespace Contract

@@ -91,6 +91,7 @@ void EntityEmitter::memberHoles() {
     holes_["fields"] = eachMember(members_, &MemberEmitter::field, "");
     holes_["handlers"] = eachMember(members_, &MemberEmitter::handlers, "");
     holes_["pendingKeys"] = eachMember(members_, &MemberEmitter::pendingKey, "");
+    holes_["pendingKeyDrops"] = eachMember(members_, &MemberEmitter::pendingKeyDrop, "");
     holes_["descriptors"] = eachMember(members_, &MemberEmitter::descriptor, "\n");
     holes_["inlineDefinitions"] = eachMember(members_, &MemberEmitter::inlineDefinitions, "\n");
     holes_["definitions"] = eachMember(members_, &MemberEmitter::definitions, "\n");

@@ -38,6 +38,7 @@ class EntityEmitter {
     std::string privatePart() const;
     std::string notifieeClasses() const;
     std::string notifieeDefinitions() const;
+    std::string pendingKeysDrop() const;
     std::string factoryDeclaration() const;
     std::string factoryDefinition() const;
     std::string fillIn(std::string_view text) const { return fill(text, holes_); }

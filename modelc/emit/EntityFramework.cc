@@ -120,6 +120,7 @@ std::string EntityEmitter::notifieeClasses() const {
     Holes const more{
         {"hears", docText({hears}, 0)},
         {"nondestructing", nondestructing},
+        {"drop", pending.empty() ? "" : "void qorDropPendingKeys() override;\n"},
         {"protected",
          pending.empty() ? "" : "protected:\n" + fill("  $keys$\n", {{"keys", pending}})}};
     return fill(R"(
@@ -135,6 +136,7 @@ class $export$$Class$::NotifieeConst : public $NotifieeParent$ {
 
     $nondestructing$
     $handlers$
+    $drop$
 
   $protected$
 };
@@ -170,8 +172,20 @@ Qor::Ptr<$Class$> $Class$::Notifiee::notifier() const {
 
 $nondestructing$
 $handlerDefinitions$
+
+$drop$
 )",
-                with(holes_, {{"nondestructing", nondestructing}}));
+                with(holes_, {{"nondestructing", nondestructing}, {"drop", pendingKeysDrop()}}));
+}
+
+std::string EntityEmitter::pendingKeysDrop() const {
+    if (!hasKeyed()) return {};
+    return fillIn(R"(
+void $Class$::NotifieeConst::qorDropPendingKeys() {
+    $pendingKeyDrops$
+    $NotifieeParent$::qorDropPendingKeys();
+}
+)");
 }
 
 std::string EntityEmitter::factoryDeclaration() const {

@@ -83,6 +83,8 @@ std::string KeyedEmitter::pendingKey() const {
     return fillIn("Qor::PendingKey<$Key$> $pending$;\n");
 }
 
+std::string KeyedEmitter::pendingKeyDrop() const { return fillIn("$pending$.drop();\n"); }
+
 std::string KeyedEmitter::descriptor() const {
     return fillIn(R"(
 struct $Class$::$Attr$ : $Base$ {

@@ -18,6 +18,7 @@ class KeyedEmitter : public MemberEmitter {
     std::string forwards() const override;
     std::string wrapperDefinitions() const override;
     std::string pendingKey() const override;
+    std::string pendingKeyDrop() const override;
     std::string descriptor() const override;
     std::string definitions() const override;
     std::string handlerDefinitions() const override;

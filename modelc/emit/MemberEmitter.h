@@ -34,6 +34,8 @@ class MemberEmitter {
     virtual std::string handlers() const { return {}; }
     // The notifiee's record of keys that wait for delivery.
     virtual std::string pendingKey() const { return {}; }
+    // How such a record is emptied.
+    virtual std::string pendingKeyDrop() const { return {}; }
     virtual std::string descriptor() const = 0;
     // Definitions in the header, behind the descriptors.
     virtual std::string inlineDefinitions() const { return {}; }

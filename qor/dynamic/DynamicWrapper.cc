@@ -89,6 +89,11 @@ void DynamicEntity::GenericIf_::GenericIf_Adapter_::onAttrKey(AttributeId id,
     toOwner([&](GenericIf_& owner) { owner.onAttrKey(id, key); });
 }
 
+void DynamicEntity::GenericIf_::GenericIf_Adapter_::qorDropPendingKeys() {
+    pending_.clear();
+    ForwardingNotifiee::qorDropPendingKeys();
+}
+
 PendingKey<DynamicKey>& DynamicEntity::GenericIf_::GenericIf_Adapter_::pending(
     DynamicAttribute const& attribute) {
     if (pending_.size() <= attribute.index) pending_.resize(attribute.index + 1);

@@ -61,6 +61,7 @@ class DynamicEntity::GenericIf_::GenericIf_Adapter_ final
 
     void onAttr(AttributeId id) override;
     void onAttrKey(AttributeId id, DynamicKey const& key) override;
+    void qorDropPendingKeys() override;
     PendingKey<DynamicKey>& pending(DynamicAttribute const& attribute);
 
   private:

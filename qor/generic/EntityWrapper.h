@@ -125,6 +125,11 @@ class EntityWrapper : public Base {
         });
     }
 
+    void qorDropPendingKeys() override {
+        adapter_->qorDropPendingKeys();
+        Base::qorDropPendingKeys();
+    }
+
   protected:
     GenericAttribute const* qorAttribute(AttributeId id) const override {
         GenericAttribute const* const own =

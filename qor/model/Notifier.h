@@ -47,6 +47,8 @@ struct PendingKey {
         lastKey = key;
         return counted ? nullptr : &count;
     }
+    /// Nothing has been heard.
+    void drop() noexcept { count = 0; }
 };
 
 }  // namespace Qor

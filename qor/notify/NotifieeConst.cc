@@ -150,11 +150,14 @@ Activity* PtrInterface::NotifieeConst::qorFwkActivity() { return activity_.ptr()
 Activity const* PtrInterface::NotifieeConst::qorFwkActivity() const { return activity_.ptr(); }
 ActivitySm* PtrInterface::NotifieeConst::actsm() { return activity_ ? &activity_->sm() : nullptr; }
 
+void PtrInterface::NotifieeConst::qorDropPendingKeys() {}
+
 void PtrInterface::NotifieeConst::activityIs(Activity::Ptr activity) {
     if (activity_) {
         activity_->clientIs(nullptr);
     }
     pendingAttribute_ = nothingPending;
+    qorDropPendingKeys();
     activity_ = std::move(activity);
     if (activity_) {
         activity_->clientIs(this);

@@ -80,6 +80,9 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     virtual Activity const* qorFwkActivity() const;
     /// The state of the activity; null without one.
     virtual ActivitySm* actsm();
+    /// Forgets the keys that wait for the activity. A class that keeps some (PendingKey) overrides
+    /// it, and calls its base's.
+    virtual void qorDropPendingKeys();
 
     /// Gives the notifiee an activity of its own or, with null, takes it away; what is pending is
     /// then dropped.

@@ -144,6 +144,11 @@ void Dir::NotifieeConst::onEntry(Name) {}
 void Dir::NotifieeConst::onEntryqorImmediate() {}
 void Dir::NotifieeConst::onEntry() {}
 
+void Dir::NotifieeConst::qorDropPendingKeys() {
+    entryPending_.drop();
+    RootNotifiee::qorDropPendingKeys();
+}
+
 Qor::Ptr<Dir> Dir::Notifiee::notifier() const {
     return const_cast<Dir*>(dynamic_cast<Dir const*>(qorNotifier()));
 }

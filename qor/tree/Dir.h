@@ -141,6 +141,7 @@ class QOR_EXPORT Dir::NotifieeConst : public RootNotifiee<Dir> {
     virtual void onEntry(Name name);
     virtual void onEntryqorImmediate();
     virtual void onEntry();
+    void qorDropPendingKeys() override;
 
   protected:
     PendingKey<Name> entryPending_;

@@ -7,6 +7,35 @@
 namespace Contract {
 namespace {
 
+/// A compiled class's notifiee that puts off what it hears, in the fields that it has for this.
+class Queuing : public Vgw::Global::NotifieeConst {
+  public:
+    std::string waiting() const {
+        return std::to_string(pSwitchPending_.count) + std::to_string(managerPending_.count) +
+               std::to_string(invalidAttribPending_.count);
+    }
+    void onPSwitch(Qor::String8 key) override { qorOnAttribute(386, pSwitchPending_.note(key)); }
+    void onManager(Qor::String8 key) override { qorOnAttribute(387, managerPending_.note(key)); }
+    void onInvalidAttrib(Qor::String8 key) override {
+        qorOnAttribute(259, invalidAttribPending_.note(key));
+    }
+};
+
+TEST(CompiledNotifiee, NewActivityDropsThePendingKeysOfEachLevel) {
+    Qor::ActivityManager manager;
+    auto const row = Qor::make<Vgw::Global>("g");
+    auto const notifiee = Qor::make<Queuing>();
+    notifiee->notifierIs(row);
+    notifiee->activityIs(Qor::make<Qor::Activity>(manager, "first"));
+    row->pSwitchIs("a", true);
+    row->managerIs("a", true);
+    row->managerIs("b", true);
+    row->invalidAttribIs("a", true);
+    EXPECT_EQ(notifiee->waiting(), "121");
+    notifiee->activityIs(nullptr);
+    EXPECT_EQ(notifiee->waiting(), "000");
+}
+
 TEST(GenericAdapter, WithoutAnOwnerDoesNothing) {
     auto const row = Qor::make<Vgw::Global>("g");
     auto const adapter = Qor::make<Vgw::Global::GenericIf_::GenericIf_Adapter_>(nullptr);

@@ -256,6 +256,24 @@ TEST_P(EveryWatched, WithoutItsActivityAgainHearsAtOnce) {
     EXPECT_FALSE(manager_.hasReady());
 }
 
+TEST_P(EveryWatched, NewActivityDropsThePendingKeys) {
+    queue();
+    forEach<Keyed>([&](Keyed const& a) {
+        changeKey(a, 0);
+        queue();
+        changeKey(a, 1);
+        EXPECT_EQ(run(), (AllTold{{a.id, a.key(1)}})) << "one key, not two";
+    });
+    forEach<Keyed>([&](Keyed const& a) { changeKey(a, 2); });
+    queue();
+    forEach<Keyed>([&](Keyed const& a) {
+        entity_->isNondestructingIs(!entity_->isNondestructing());
+        changeKey(a, 3);
+        EXPECT_EQ(run(), (AllTold{{Heard::all, ""}, {a.id, a.key(3)}})) << "and no other's";
+    });
+    entity_->isNondestructingIs(false);
+}
+
 TEST_P(EveryWatched, DroppedWithWorkPendingGetsNoTurn) {
     Wrapper own = wrapperOf(entity_);
     own->watcherIs(&heard_);

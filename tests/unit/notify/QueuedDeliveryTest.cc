@@ -154,6 +154,23 @@ TEST_F(QueuedDelivery, NewActivityDropsWhatWasPending) {
     EXPECT_EQ(log, (Log{"386"}));
 }
 
+TEST_F(QueuedDelivery, KeyThatWasDroppedWithItsActivityIsNotDeliveredAfterAll) {
+    port->labelIs(7, "a");
+    listener->activityIs(nullptr);
+    listener->activityIs(Qor::make<Qor::Activity>(manager, "other"));
+    port->speedIs(1);
+    run();
+    EXPECT_EQ(log, (Log{"386"}));
+}
+
+TEST_F(QueuedDelivery, KeyThatWasDroppedWithItsActivityIsNotCounted) {
+    port->labelIs(7, "a");
+    listener->activityIs(Qor::make<Qor::Activity>(manager, "other"));
+    port->labelIs(8, "b");
+    run();
+    EXPECT_EQ(log, (Log{"label(8)"}));
+}
+
 TEST_F(QueuedDelivery, RedispatchAsksForAnotherTurnWhileSomethingIsPending) {
     listener->redispatch(listener->actsm());
     EXPECT_FALSE(manager.hasReady());

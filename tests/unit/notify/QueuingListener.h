@@ -45,6 +45,10 @@ class QueuingListener : public Port::NotifieeConst, Live<QueuingListener> {
             work();
         }
     }
+    void qorDropPendingKeys() override {
+        labels_.drop();
+        Port::NotifieeConst::qorDropPendingKeys();
+    }
     void onAttribute(Qor::AttributeId id) override { write(std::to_string(id)); }
     void onNotification() override {
         write("all");

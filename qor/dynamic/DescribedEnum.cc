@@ -26,12 +26,17 @@ class Enumerator final : public GenericIf {
     using GenericIf::attributeOp;
     GenericIf::Ptr attributeOp(AttributeOp const& op, PtrConst const&,
                                GenericIf::Ptr const&) override {
-        constexpr AttributeId valueId = 1;
+        needChangeable(op);
         if (op.attributeId != valueId) throwUnknownAttrException(type_.qorName().charPtr());
         return genericClone();
     }
+    String8 attributeString(AttributeId id) const override {
+        return id == valueId ? String8("value") : GenericIf::attributeString(id);
+    }
 
   private:
+    static constexpr AttributeId valueId = 1;
+
     DescribedEnum& type_;
     U32 const number_;
 };

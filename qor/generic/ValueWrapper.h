@@ -141,10 +141,15 @@ class EnumWrapper : public ValueWrapper<E, Self> {
     using GenericIf::attributeOp;
     GenericIf::Ptr attributeOp(GenericIf::AttributeOp const& op, GenericIf::PtrConst const&,
                                GenericIf::Ptr const&) override {
+        this->needChangeable(op);
         if (op.attributeId != valueId) {
             GenericIf::throwUnknownAttrException(EnumTable<E>::type);
         }
         return this->genericClone();
+    }
+    /// Of any other number, the literal's.
+    String8 attributeString(AttributeId id) const override {
+        return id == valueId ? String8("value") : GenericIf::attributeString(id);
     }
 };
 

@@ -231,6 +231,37 @@ TEST(GenericValue, EnumeratorHasItsValueAndNothingElse) {
     Vgw::VgwTypesEnumerations::forEach(check);
 }
 
+TEST(GenericValue, ConstEnumeratorIsAskedNothingElseFirst) {
+    auto const check = []<class E>() {
+        Wrapper const readOnly = wrapperOver(static_cast<E>(0), true);
+        for (int const id : {0, 1, 258, -1}) {
+            for (unsigned const op : {128U, 129U, 255U}) {
+                EXPECT_EQ(raised([&] { readOnly->attributeOp(id, OpId(op)); }),
+                          "const attempting to modify a const instance");
+            }
+            for (unsigned const op : {0U, 127U, 256U}) {
+                EXPECT_EQ(raised([&] { readOnly->attributeOp(id, OpId(op)); }),
+                          id == 1 ? "nothing"
+                                  : std::string("unknown attribute ") + Qor::EnumTable<E>::type);
+            }
+        }
+    };
+    Vgw::OvsdbDataTypesEnumerations::forEach(check);
+    Vgw::VgwTypesEnumerations::forEach(check);
+}
+
+TEST(GenericValue, EnumeratorsOneAttributeIsNamedValue) {
+    auto const check = []<class E>() {
+        Wrapper const wrapper = wrapperOver(static_cast<E>(0));
+        EXPECT_EQ(wrapper->attributeId("value"), 1);
+        EXPECT_EQ(wrapper->attributeString(1), "value");
+        EXPECT_EQ(wrapper->attributeString(0), Qor::EnumTable<E>::names[0]);
+        EXPECT_EQ(wrapper->attributeString(258), "unknown");
+    };
+    Vgw::OvsdbDataTypesEnumerations::forEach(check);
+    Vgw::VgwTypesEnumerations::forEach(check);
+}
+
 TEST(GenericValue, KnowsNoEntityAndNoCollection) {
     Wrapper const wrapper = wrapperOver(Vgw::MacVniPair());
     EXPECT_FALSE(wrapper->entity());

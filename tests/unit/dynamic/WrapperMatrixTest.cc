@@ -6,6 +6,7 @@
 
 #include <qor/core/Exception.h>
 #include <qor/dynamic/DynamicEntity.h>
+#include <qor/generic/GenericException.h>
 
 #include <gtest/gtest.h>
 
@@ -219,6 +220,28 @@ TEST(DescribedValues, ReadPrintAndRefuseTheTextsOfTheirClasses) {
             }
         }
     }
+}
+
+TEST(DescribedValues, ConstEnumeratorIsAskedNothingElseFirst) {
+    auto const readOnly =
+        Described::twin("Vgw::VtepListType").genericIf(static_cast<void const*>(nullptr), true);
+    for (int const id : {0, 1, 9999}) {
+        for (unsigned const op : {128U, 129U, 255U}) {
+            GenericIf::AttributeOp const asked{id, static_cast<Tree::OpId>(op)};
+            EXPECT_THROW(readOnly->attributeOp(asked, nullptr, nullptr), Qor::ConstException);
+        }
+    }
+    EXPECT_TRUE(readOnly->attributeOp(1));
+    EXPECT_THROW(readOnly->attributeOp(9999), Qor::UnknownAttrException);
+}
+
+TEST(DescribedValues, EnumeratorsOneAttributeIsNamedValue) {
+    auto const at = value("Vgw::VtepListType", "'sendToAll'");
+    EXPECT_EQ(at.described->attributeId("value"), 1);
+    for (int const id : {0, 1, 2}) {
+        EXPECT_EQ(at.described->attributeString(id), at.compiled->attributeString(id)) << id;
+    }
+    EXPECT_EQ(at.described->attributeString(1), "value");
 }
 
 TEST(DescribedValues, CompareAsTheirClassesDo) {

@@ -69,6 +69,7 @@ class EntityWrapper : public Base {
         adapter->notifierIs(Ptr<PtrInterface const>(entity));
         Base::qorAdapterRegisteredIs(false);
         adapter_ = std::move(adapter);
+        adapter_->hasNotificationActiveIs(true);
     }
     ~EntityWrapper() override {
         this->isWeakReferenceIs(false);

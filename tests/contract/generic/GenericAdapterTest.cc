@@ -41,12 +41,52 @@ TEST(GenericAdapter, WithoutAnOwnerDoesNothing) {
     auto const adapter = Qor::make<Vgw::Global::GenericIf_::GenericIf_Adapter_>(nullptr);
     adapter->notifierIs(row);
     EXPECT_EQ(row->notifierList().count(), 1U);
+    adapter->hasNotificationActiveIs(true);
     row->pSwitchIs("u", true);
     row->typeIs(Vgw::manager);
     row->invalidAttribIs("manager", true);
+    EXPECT_TRUE(adapter->hasNotificationActive());
     row->zeroReferencesIs(true);
     EXPECT_FALSE(adapter->hasNotificationActive());
     EXPECT_TRUE(row->pSwitch("u"));
+}
+
+TEST(GenericAdapter, IsMarkedAsHeldUntilTheEntityEnds) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    Wrapper const wrapper = wrapperOf(row);
+    auto const* const adapter = row->notifierList().head();
+    EXPECT_TRUE(adapter->hasNotificationActive());
+    row->pSwitchIs("u", true);
+    EXPECT_TRUE(adapter->hasNotificationActive());
+    row->zeroReferencesIs(true);
+    EXPECT_FALSE(adapter->hasNotificationActive());
+}
+
+TEST(GenericAdapter, IsMarkedForDeletionWithItsWrapper) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    Wrapper const wrapper = wrapperOf(row);
+    auto const* const adapter = row->notifierList().head();
+    wrapper->markedForDeletionIs(true);
+    EXPECT_TRUE(wrapper->qorMarkedForDeletion());
+    EXPECT_TRUE(adapter->qorMarkedForDeletion());
+    wrapper->markedForDeletionIs(false);
+    EXPECT_FALSE(wrapper->qorMarkedForDeletion());
+    EXPECT_FALSE(adapter->qorMarkedForDeletion());
+    EXPECT_FALSE(row->qorMarkedForDeletion());
+}
+
+TEST(GenericAdapter, MarkThatTheWrapperHasAlreadyChangesNothing) {
+    auto const row = Qor::make<Vgw::Global>("g");
+    Wrapper const wrapper = wrapperOf(row);
+    auto* const adapter = row->notifierList().head();
+    adapter->qorMarkedForDeletionIs(true);
+    wrapper->markedForDeletionIs(false);
+    EXPECT_TRUE(adapter->qorMarkedForDeletion()) << "it is not asked";
+    wrapper->markedForDeletionIs(true);
+    adapter->qorMarkedForDeletionIs(false);
+    wrapper->markedForDeletionIs(true);
+    EXPECT_FALSE(adapter->qorMarkedForDeletion()) << "it is not asked";
+    wrapper->markedForDeletionIs(false);
 }
 
 /// A wrapper of a user's own, which hears by itself and has no watcher.

@@ -95,20 +95,22 @@ TEST_F(NoAllocation, ByAKeyedChangeThatNobodyHears) {
               0);
 }
 
-TEST_F(NoAllocation, ByAChangeThatUpToEightHear) {
-    attach(8);
-    EXPECT_EQ(allocationsOf([this] { port->speedIs(1); }), 0);
-    for (auto const& notifiee : notifiees) {
-        EXPECT_EQ(notifiee->heard, 1);
+TEST_F(NoAllocation, ByAChangeThatUpToSixteenHear) {
+    for (std::size_t const many : {1U, 8U, 9U, 16U}) {
+        attach(many);
+        EXPECT_EQ(allocationsOf([this] { port->speedIs(port->speed() + 1); }), 0) << many;
     }
+    EXPECT_EQ(notifiees.front()->heard, 4);
+    EXPECT_EQ(notifiees.back()->heard, 1);
 }
 
-TEST_F(NoAllocation, OneArrayForAChangeThatMoreThanEightHear) {
-    attach(50);
-    EXPECT_EQ(allocationsOf([this] { port->speedIs(1); }), 1);
-    for (auto const& notifiee : notifiees) {
-        EXPECT_EQ(notifiee->heard, 1);
+TEST_F(NoAllocation, OneArrayForAChangeThatMoreThanSixteenHear) {
+    for (std::size_t const many : {17U, 50U}) {
+        attach(many);
+        EXPECT_EQ(allocationsOf([this] { port->speedIs(port->speed() + 1); }), 1) << many;
     }
+    EXPECT_EQ(notifiees.front()->heard, 2);
+    EXPECT_EQ(notifiees.back()->heard, 1);
 }
 
 TEST_F(NoAllocation, ByAWalkOverACollection) {

@@ -137,7 +137,7 @@ std::string definedName(Class const& one) {
 
 struct BuildRowOf {
     std::string operator()(Entity const* one) const {
-        return "{&" + recordOf(*one->type) + ", &Qor::forcePointerAccess<" + one->name + ">},\n";
+        return "{&" + recordOf(*one->type) + ", &Qor::forcePointerAccesses<" + one->name + ">},\n";
     }
     template <typename Class>
     std::string operator()(Class const* one) const {

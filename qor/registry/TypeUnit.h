@@ -12,6 +12,7 @@
 #ifndef QOR_REGISTRY_TYPE_UNIT_H
 #define QOR_REGISTRY_TYPE_UNIT_H
 
+#include <ios>
 #include <span>
 
 #include <qor/core/Trace.h>
@@ -124,15 +125,22 @@ class QOR_EXPORT TypeUnitLoader {
     TypeUnitLoader& operator=(TypeUnitLoader const&) = delete;
 
   private:
+    std::ios_base::Init const streams_;  // in front: what is loaded may print, and until the end
     TraceHandle trace_;
 };
 
-/// Makes the two accesses of a counted pointer exist out of line, for debuggers and for code that
-/// is compiled against no header of the class.
+/// Makes the library hold a copy of an operation that is inlined wherever it is called: one whose
+/// address is taken has to stand somewhere. A debugger can then call it.
+template <class Operation>
+void forcePointerAccess(Operation operation) {
+    [[maybe_unused]] Operation volatile const taken = operation;
+}
+
+/// The same of both accesses of a counted pointer.
 template <class X>
-void forcePointerAccess() {
-    [[maybe_unused]] auto volatile const dereference = &Ptr<X>::operator*;
-    [[maybe_unused]] auto volatile const access = &Ptr<X>::operator->;
+void forcePointerAccesses() {
+    forcePointerAccess(&Ptr<X>::operator*);
+    forcePointerAccess(&Ptr<X>::operator->);
 }
 
 }  // namespace Qor

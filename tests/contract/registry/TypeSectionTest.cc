@@ -73,5 +73,12 @@ TEST_F(TypeSection, IsReadOnlyDataOfItsSizeAlignedToBytes) {
     EXPECT_FALSE(section_->header.sh_flags & SHF_EXECINSTR);
 }
 
+// What it registers may print while it is loaded, and when the process ends.
+TEST(LibraryFile, HoldsTheStreamsOfTheLanguageWhileItIsLoaded) {
+    auto const names = section(fileContents(VGW_STATEMART_FILE), ".dynstr");
+    ASSERT_TRUE(names);
+    EXPECT_NE(names->contents.find("_ZNSt8ios_base4InitD1Ev"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace Contract

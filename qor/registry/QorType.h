@@ -21,6 +21,7 @@ namespace Qor {
 
 class Dir;
 class GenericIf;
+class TypeUnit;
 class ValueSteps;
 
 namespace NboAttrLog {
@@ -68,6 +69,8 @@ class QOR_EXPORT QorType : public Entity {
     bool isA(QorType const& other) const noexcept;
     QorType* base() const noexcept { return base_; }
     QorType* scope() const noexcept { return scope_; }
+    /// What fills the record with its attributes; null for one that is filled by hand.
+    TypeUnit* unit() const noexcept { return unit_; }
     U32 typeFlags() const noexcept { return typeFlags_; }
     /// Of an object of the class, in bytes.
     U32 size() const noexcept { return size_; }
@@ -103,6 +106,7 @@ class QOR_EXPORT QorType : public Entity {
     static std::vector<QorType*> types();
 
     void scopeIs(QorType* scope) noexcept { scope_ = scope; }
+    void unitIs(TypeUnit* unit) noexcept { unit_ = unit; }
     void typeFlagsIs(U32 flags) noexcept { typeFlags_ = flags; }
     void sizeIs(U32 size) noexcept { size_ = size; }
     void isValueIs(bool isValue) noexcept { isValue_ = isValue; }
@@ -124,6 +128,7 @@ class QOR_EXPORT QorType : public Entity {
   private:
     QorType* scope_;
     QorType* base_;
+    TypeUnit* unit_ = nullptr;
     U32 typeFlags_;
     U32 size_ = 0;
     bool isValue_ = false;

@@ -154,6 +154,7 @@ QorType* TypeUnit::typeOf(TypeRecord& record) {
     Ptr<QorType> made = record.make(record.shortName(), base);
     record.type = made.ptr();
     made->isNondestructingIs(true);
+    made->unitIs(this);
     if (base) {
         base->derivedTypeQEnq(made);
     }
@@ -176,9 +177,20 @@ void TypeUnit::describe() {
             row.pointerAccess();
         }
     }
+    describeBases();
     NameSpaceScope const scope(*reactor, nameSpace_);
     for (TypeRecord* const record : records_) {
         describeType(*reactor, *record);
+    }
+}
+
+// What is inherited is copied from the base, which has to have it by then.
+void TypeUnit::describeBases() const {
+    for (TypeRecord* const record : records_) {
+        QorType* const base = typeOrNull(record->base);
+        if (base && base->unit()) {
+            base->unit()->describe();
+        }
     }
 }
 

@@ -109,6 +109,7 @@ class QOR_EXPORT TypeUnit {
 
   private:
     void publish(TypeRecord& record);
+    void describeBases() const;
 
     char const* nameSpace_;
     std::span<TypeRecord* const> records_;

@@ -84,6 +84,28 @@ struct Lamps {
     static inline Qor::TypeUnit unit{"Acme", records, byName};
 };
 
+/// A unit of one class, which derives from the lamp of the unit `Base`.
+template <class Base>
+struct Lanterns {
+    static Qor::QorType* type() { return unit.typeOf(lantern); }
+
+    static constexpr Qor::AttributeRow rows[] = {
+        {"fuel", 386, &Qor::Builtin<bool>::_fwkType, nullptr, Qor::FlagClasses::scalar},
+    };
+    static inline Qor::TypeRecord lantern{.fullName = "Acme::Lantern",
+                                          .sort = Qor::TypeSort::entity,
+                                          .size = 72,
+                                          .self = &type,
+                                          .base = &Base::lampType,
+                                          .make = &Base::make,
+                                          .constructorArguments = Base::nameArgument,
+                                          .attributes = rows,
+                                          .handleNames = {},
+                                          .handles = {}};
+    static constexpr Qor::TypeRecord* records[] = {&lantern};
+    static inline Qor::TypeUnit unit{"Acme", records, {}};
+};
+
 }  // namespace Sample
 
 #endif

@@ -143,6 +143,23 @@ TEST_F(TypeUnit, SwitchedOnAndAskedForATypeBeforeItsTurnIsFilledAsWell) {
     EXPECT_EQ(namesOf(*Unit::hallType()).back(), "lamp");
 }
 
+TEST_F(TypeUnit, BaseOfAnotherUnitIsDescribedBeforeWhatDerivesFromIt) {
+    using Base = Lamps<__LINE__>;
+    using Derived = Lanterns<Base>;
+    reactor->isOnIs(false);
+    Derived::unit.initialise();
+    Base::unit.initialise();
+    auto const before = reactor->typesHeard();
+    reactor->isOnIs(true);
+    EXPECT_EQ(namesOf(*Derived::type()),
+              behindInherited({"isOn", "colour", "isEqualTo", "hall", "fuel"}));
+    auto const inherited = Derived::type()->attr(Qor::Name("isOn"));
+    ASSERT_TRUE(inherited);
+    EXPECT_EQ(inherited->definedBy(), Base::lampType());
+    EXPECT_EQ(Base::lamp.handle(258), Base::lampType()->attr(Qor::Name("isOn")));
+    EXPECT_EQ(reactor->typesHeard(), before + 4) << "each once";
+}
+
 TEST_F(TypeUnit, SwitchedOffAgainKeepsWhatWasDescribed) {
     using Unit = Lamps<__LINE__>;
     Unit::unit.initialise();

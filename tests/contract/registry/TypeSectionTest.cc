@@ -73,6 +73,23 @@ TEST_F(TypeSection, IsReadOnlyDataOfItsSizeAlignedToBytes) {
     EXPECT_FALSE(section_->header.sh_flags & SHF_EXECINSTR);
 }
 
+// The two accesses are inlined wherever they are called; a debugger finds these copies.
+TEST(LibraryFile, HoldsACopyOfTheAccessesOfEachEntitysPointer) {
+    auto const names = section(fileContents(VGW_STATEMART_FILE), ".strtab");
+    ASSERT_TRUE(names);
+    for (auto const& type : registryTable()) {
+        if (type.sort != Sort::entity) {
+            continue;
+        }
+        std::string const name = type.name.substr(type.name.rfind(':') + 1);
+        std::string const pointer =
+            "_ZNK3Qor3PtrIN3Vgw" + std::to_string(name.size()) + name + "EE";
+        for (char const* const access : {"deEv", "ptEv"}) {
+            EXPECT_NE(names->contents.find(pointer + access), std::string::npos) << name << access;
+        }
+    }
+}
+
 // What it registers may print while it is loaded, and when the process ends.
 TEST(LibraryFile, HoldsTheStreamsOfTheLanguageWhileItIsLoaded) {
     auto const names = section(fileContents(VGW_STATEMART_FILE), ".dynstr");

@@ -3,6 +3,7 @@
 #define QOR_ATTRLOG_MESSAGESIZE_H
 
 #include <qor/attrlog/MsgHeader.h>
+#include <qor/attrlog/RingBlocks.h>
 #include <qor/core/String8.h>
 
 #include <type_traits>
@@ -22,6 +23,22 @@ inline U32 wireSize(String8 const& text) noexcept { return text.length() + 4; }
 template <class Key, class Value>
 U32 pessimisticMessageSizeEstimate(Key const& key, Value const& value, bool keyOnly) {
     return frameOverhead + wireSize(key) + (keyOnly ? 0 : wireSize(value));
+}
+
+// The greatest key of a text, as it goes over: its removal is shorter than a block of a ring.
+inline constexpr U32 greatestTextKey = Connection::ringBlockSize - frameOverhead - 1;
+static_assert(greatestTextKey + frameOverhead + leastTextChunk <= leastGreatestFrame);
+
+// Whether the records of a text can hold that key.
+template <class Key>
+constexpr bool fitsTextRecord(Key const& key) {
+    return wireSize(key) <= greatestTextKey;
+}
+
+// The most of a text that goes into one record beside a key, whose removal is so long.
+constexpr U32 textChunkLimit(U32 removalSize) noexcept {
+    bool const hasRoom = removalSize <= greatestTextRecord - leastTextChunk;
+    return hasRoom ? greatestTextRecord - removalSize : leastTextChunk;
 }
 
 }  // namespace NboAttrLog

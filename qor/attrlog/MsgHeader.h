@@ -62,8 +62,13 @@ inline void storeHeader(unsigned char* at, MsgHeader const& header) noexcept {
 
 // What a connection takes unless both ends say otherwise.
 inline constexpr U32 defaultGreatestFrame = 1U << 20;
-// No record of a text is longer than this.
+// What each end takes at least.
+inline constexpr U32 leastGreatestFrame = 1U << 16;
+// No record of a text is longer than this, but where a chunk under a long key would be shorter than
+// leastTextChunk.
 inline constexpr U32 greatestTextRecord = 32768;
+// Beside a key of any length that may be, a record has room for so much of the text.
+inline constexpr U32 leastTextChunk = 1024;
 
 // In headerWordB of a record that announces a child.
 inline constexpr U32 adapterAnnounceCode = 151;

@@ -1,6 +1,6 @@
 #include <qor/dynamic/DynamicEntity.h>
 
-#include <qor/attrlog/MsgHeader.h>
+#include <qor/attrlog/MessageSize.h>
 #include <qor/dynamic/DynamicAttributes.h>
 
 namespace Qor {
@@ -124,9 +124,6 @@ Qor::Ptr<DynamicEntity> DynamicEntity::Notifiee::notifier() const {
 
 namespace {
 
-// The longest key of a text: beside it, a record has room for half a chunk at least.
-constexpr U32 greatestTextKey = NboAttrLog::greatestTextRecord / 2;
-
 // A class may own its like; but what is within each other ends one within the other.
 void needShallow(Entity const& owner) {
     constexpr int greatestDepth = 64;
@@ -144,7 +141,7 @@ void take(DynamicEntity& owner, Entity& child) {
 }  // namespace
 
 void DynamicTextAttr::set(DynamicEntity& entity, DynamicKey const& key, String8 const& text) {
-    if (wireSize(key) > greatestTextKey) {
+    if (!NboAttrLog::fitsTextRecord(key)) {
         throwRangeException(String8(name) + ": a key that no record can hold");
     }
     setKeyed<DynamicTextAttr>(entity, key, text);

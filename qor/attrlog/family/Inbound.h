@@ -2,6 +2,7 @@
 #ifndef QOR_ATTRLOG_FAMILY_INBOUND_H
 #define QOR_ATTRLOG_FAMILY_INBOUND_H
 
+#include <qor/attrlog/MessageSize.h>
 #include <qor/attrlog/family/StreamAttribute.h>
 #include <qor/attrlog/flow/Demuxer.h>
 #include <qor/core/Expect.h>
@@ -78,7 +79,22 @@ namespace family {
 /// a tree, and what ends one, goes down step by step.
 QOR_EXPORT void needShallow(Entity const& owner);
 
+[[noreturn]] QOR_EXPORT void throwKeyTooLong(char const* attributeName);
+
 }  // namespace family
+
+/// The key that comes next. One of a text is refused if the text's records could not hold it on
+/// their way to others.
+template <class S>
+typename S::Key nextKey(NboAttrLog::In& in) {
+    auto key = NboAttrLog::nextValue<typename S::Key>(in);
+    if constexpr (S::kind == StreamKind::textMember) {
+        if (!NboAttrLog::fitsTextRecord(key)) [[unlikely]] {
+            family::throwKeyTooLong(S::name);
+        }
+    }
+    return key;
+}
 
 inline void channelModeIs(StreamAdapter const& adapter, MsgChannel::Mode mode) {
     if (adapter.msgChannel()) adapter.msgChannel()->modeIs(mode);

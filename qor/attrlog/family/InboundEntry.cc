@@ -22,6 +22,10 @@ void needShallow(Entity const& owner) {
     }
 }
 
+void throwKeyTooLong(char const* attributeName) {
+    throw AttrLogRecordException(String8(attributeName) + ": a key that no record can hold");
+}
+
 AttributeId selectAlias(InboundRecord& record, bool (*isKnown)(AttributeId id)) {
     auto& in = record.in;
     U64 const listEnd = record.origin + in.nextU16();

@@ -77,7 +77,7 @@ void keepChunk(NboAttrLog::Demuxer& demuxer, StreamAdapter& adapter, typename S:
 template <class S, class Adapter>
 void readTextMember(Adapter& adapter, InboundRecord& record) {
     U64 const end = record.in.readPosition() + record.size;
-    auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    auto const key = nextKey<S>(record.in);
     channelModeIs(adapter, MsgChannel::Mode::applied);
     if (record.echoOnly) return S::on(adapter, key);
     auto& demuxer = record.demuxer;

@@ -13,9 +13,9 @@ namespace Qor {
 
 /// A key that no record can hold stops the process; only texts can be so long.
 template <class S>
-void needKeyFits(typename S::Key const& key, U32 removalSize, NboAttrLog::Out const& out) {
+void needKeyFits([[maybe_unused]] typename S::Key const& key) {
     if constexpr (std::is_same_v<typename S::Key, String8>) {
-        if (removalSize < out.bufferBlockSize()) [[likely]] {
+        if (NboAttrLog::fitsTextRecord(key)) [[likely]] {
             return;
         }
         std::string const text =
@@ -23,7 +23,6 @@ void needKeyFits(typename S::Key const& key, U32 removalSize, NboAttrLog::Out co
             ",true)<alOut->bufferBlockSize()";
         assertionFailed(text.c_str(), "Qor/NboAttrLogFlow", __LINE__, "serializeTextMember");
     }
-    static_cast<void>(key);
 }
 
 /// One text under one key on its way out.
@@ -38,7 +37,7 @@ class TextMemberOut {
         estimate_ = NboAttrLog::pessimisticMessageSizeEstimate(key, value, deleted);
         isLow_ = out_.freeBytes() < U64{estimate_} + out_.bufferBlockSize();
         flow_ = flowInCharge(adapter);
-        needKeyFits<S>(key, keySize_, out_);
+        needKeyFits<S>(key);
     }
 
     bool send(bool deleted) {
@@ -107,7 +106,7 @@ class TextMemberOut {
         using Token = NboAttrLog::Out::TransactToken;
         auto const& out = adapter_.nboAttrLogOut();
         Ptr<Connection::Out> const connection(out);
-        ConnectionOutSizeAnchor const limit(connection, NboAttrLog::greatestTextRecord - keySize_);
+        ConnectionOutSizeAnchor const limit(connection, NboAttrLog::textChunkLimit(keySize_));
         adapter_.beginRecord(S::id);
         out << Token::begin << key_;
         connection << position;

@@ -33,7 +33,7 @@ void readScalar(Adapter& adapter, InboundRecord& record) {
 
 template <class S, class Adapter>
 void readFlagMember(Adapter& adapter, InboundRecord& record) {
-    auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    auto const key = nextKey<S>(record.in);
     bool const value = record.in.nextbool();
     if (record.echoOnly) return S::on(adapter, key);
     auto& entity = targetOf<S>(adapter);
@@ -46,7 +46,7 @@ void readFlagMember(Adapter& adapter, InboundRecord& record) {
 /// A target that has gone here leaves no reference, and an original says so.
 template <class S, class Adapter>
 void readReference(Adapter& adapter, InboundRecord& record) {
-    auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    auto const key = nextKey<S>(record.in);
     EntityId const id = peekEntityId(record.in);
     auto const target = record.in.nextEntity<typename S::Target>();
     channelModeIs(adapter, MsgChannel::Mode::applied);
@@ -60,7 +60,7 @@ void readReference(Adapter& adapter, InboundRecord& record) {
 
 template <class S, class Adapter>
 void readRemoval(Adapter& adapter, InboundRecord& record) {
-    auto const key = NboAttrLog::nextValue<typename S::Key>(record.in);
+    auto const key = nextKey<S>(record.in);
     if (record.echoOnly) return S::on(adapter, key);
     if (isToBeReplaced<S>(adapter, key)) return;
     S::del(targetOf<S>(adapter), key);

@@ -92,7 +92,7 @@ void Session::handleHello(In& in) {
             format("the peer speaks protocol %u, expected %u", spoken, protocol));
     }
     U32 const greatest = in.nextU32();
-    if (greatest < greatestTextRecord) {
+    if (greatest < leastGreatestFrame) {
         throw AttrLogRecordException(format("the peer takes frames of %u bytes only", greatest));
     }
     demuxer_->out()->greatestFrameIs(greatest);

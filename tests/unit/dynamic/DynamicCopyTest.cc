@@ -322,10 +322,15 @@ TEST_F(DynamicCopy, KeyOfATextThatNoRecordCanHoldIsRefused) {
     mount();
     auto const locator = at({"ovsdb", "physicalLocatorRaw", "l"});
     auto const text = Tree::valueOf(*Qor::QorType::type("Qor::String8"), "'text'");
-    auto const key =
-        Tree::valueOf(*Qor::QorType::type("Qor::String8"), "'" + std::string(20000, 'k') + "'");
-    EXPECT_THROW(locator->attributeOp(387, Tree::OpId::opSet, key, text), Qor::RangeException);
+    auto const keyOf = [](std::size_t length) {
+        return Tree::valueOf(*Qor::QorType::type("Qor::String8"),
+                             "'" + std::string(length, 'k') + "'");
+    };
+    EXPECT_THROW(locator->attributeOp(387, Tree::OpId::opSet, keyOf(49119), text),
+                 Qor::RangeException);
     EXPECT_EQ(locator->attributeOp(387, Tree::OpId::opCount)->strRep(), "0");
+    locator->attributeOp(387, Tree::OpId::opSet, keyOf(49118), text);
+    EXPECT_EQ(locator->attributeOp(387, Tree::OpId::opCount)->strRep(), "1");
 }
 
 TEST_F(DynamicCopy, EntitiesWithinEachOtherEnd) {

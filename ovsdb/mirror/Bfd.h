@@ -3,7 +3,8 @@
 
 // Where a locator's BFD state comes from: columns of its own row (schema up to 1.2.0), else the
 // tunnels that end in it (1.3.0 and later). Tunnels that agree give the locator their maps; tunnels
-// that don't give none, and the attribute is marked.
+// that don't give none, and the attribute is marked. So it is where a key is longer than the
+// attribute log takes: that key is left out.
 
 #include <ovsdb/mirror/Graph.h>
 #include <ovsdb/schema/MonitorPlan.h>
@@ -15,7 +16,7 @@ namespace Ovsdb {
 
 struct BfdMap {
     std::string_view datum;  // map of string to string, in the store
-    bool disagrees = false;
+    bool isLost = false;     // all of it, as tunnels disagree, or some keys
 };
 
 /// The maps for `bfd` and for `bfdStatus`. REQUIRES: the locator is a row.

@@ -81,8 +81,8 @@ std::vector<std::string_view> Mirror::lost(Table table, Uuid const& uuid) const 
     if (table != Table::physicalLocator) return lost;
     auto const node = graph_.locators().find(uuid);
     if (node == graph_.locators().end()) return lost;
-    if (bfdOf(node->second, plan_, store_).disagrees) lost.push_back("bfd");
-    if (bfdStatusOf(node->second, plan_, store_).disagrees) lost.push_back("bfdStatus");
+    if (bfdOf(node->second, plan_, store_).isLost) lost.push_back("bfd");
+    if (bfdStatusOf(node->second, plan_, store_).isLost) lost.push_back("bfdStatus");
     return lost;
 }
 

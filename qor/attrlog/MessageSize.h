@@ -27,6 +27,8 @@ U32 pessimisticMessageSizeEstimate(Key const& key, Value const& value, bool keyO
 
 // The greatest key of a text, as it goes over: its removal is shorter than a block of a ring.
 inline constexpr U32 greatestTextKey = Connection::ringBlockSize - frameOverhead - 1;
+// The longest that is itself a text.
+inline constexpr U32 longestTextKey = greatestTextKey - sizeof(U32);
 static_assert(greatestTextKey + frameOverhead + leastTextChunk <= leastGreatestFrame);
 
 // Whether the records of a text can hold that key.

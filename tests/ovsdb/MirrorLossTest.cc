@@ -2,6 +2,8 @@
 
 #include "MirrorMessages.h"
 
+#include <qor/attrlog/flow/Demuxer.h>
+
 #include <gtest/gtest.h>
 
 namespace Ovsdb {
@@ -118,6 +120,57 @@ TEST(MirrorLoss, BfdColumnsOfALocatorGoBeforeTunnels) {
     mirror.planIs(schema);
     mirror.update(json::object());
     EXPECT_EQ(status(), pairs({{"state", "up"}}));
+}
+
+// An adapter that sends to a peer which never reads.
+class Sending {
+  public:
+    explicit Sending(Vgw::PhysicalLocator::Ptr const& row) {
+        auto const bits = Qor::AdapterState::Bits(Qor::AdapterState::weakNotifier);
+        row->qorNboAttrLogSaIs(bits, 1, demuxer_->out(), nullptr)->qorOnInit();
+    }
+    ~Sending() { demuxer_->close(); }
+    Sending(Sending const&) = delete;
+    Sending& operator=(Sending const&) = delete;
+
+  private:
+    using Demuxer = Qor::NboAttrLog::Demuxer;
+    Demuxer::Ptr demuxer_ =
+        Qor::make<Demuxer>(Qor::Name("peer"), Qor::make<Qor::NboAttrLog::In>(),
+                           Qor::make<Qor::NboAttrLog::Out>(), Demuxer::Side::accepting);
+};
+
+// Not as it is: the message of a failure would hold the long texts.
+bool holdsKey(json const& keysAndValues, std::string const& key) {
+    for (json const& item : keysAndValues)
+        if (item.front() == key) return true;
+    return false;
+}
+
+TEST(MirrorLoss, AKeyOfBfdThatNoRecordCanHoldIsMarkedAndTheOthersAreHeld) {
+    std::string const tooLong(60'000, 'k');
+    MirrorUnderTest mirror;
+    mirror.update(network());
+    std::string const uuid = uuidText(locatorA);
+    Sending const sending(mirror.database()->physicalLocatorRaw(std::string_view(uuid)));
+    mirror.update({{"Physical_Locator",
+                    {{uuid, modify({{"bfd", map({{tooLong, "v"}, {"a", "1"}})},
+                                    {"bfd_status", map({{"state", "up"}, {tooLong, "v"}})}})}}}});
+    auto const row = [&] { return mirror.dump()["ovsdb"]["physicalLocatorRaw"][uuid]; };
+    EXPECT_TRUE(row()["bfd"] == pairs({{"a", "1"}}));
+    EXPECT_TRUE(row()["bfdStatus"] == pairs({{"state", "up"}}));
+    EXPECT_EQ(row()["invalidAttrib"], json::array({"bfd", "bfdStatus"}));
+    EXPECT_EQ(mirror.dump()["lost"], json::array({"Physical_Locator " + uuid + " bfd",
+                                                  "Physical_Locator " + uuid + " bfdStatus"}));
+    // Differences go on applying to it: the long key goes, another of the longest that is held
+    // comes.
+    std::string const longest(49'118, 'k');
+    mirror.update({{"Physical_Locator",
+                    {{uuid, modify({{"bfd", map({{tooLong, "v"}, {longest, "v"}})},
+                                    {"bfd_status", map({{tooLong, "v"}})}})}}}});
+    EXPECT_TRUE(holdsKey(row()["bfd"], longest));
+    EXPECT_TRUE(row()["invalidAttrib"].empty());
+    EXPECT_TRUE(mirror.dump()["lost"].empty());
 }
 
 TEST(MirrorLoss, AnEmptyBfdValueIsNeitherLostNorToldTwice) {

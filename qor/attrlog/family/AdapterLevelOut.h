@@ -19,6 +19,8 @@ AttributeId AdapterLevel<X, Base>::handleAttrFlowOut(AttributeId startAttr) {
     if (startAttr < List::first()) {
         AttributeId const left = Base::handleAttrFlowOut(startAttr);
         if (left != 0) return left;
+        // A handler that heard of what was sent may have ended the flow.
+        if (this->StreamAdapter::flowOut() != flow.ptr()) return 0;
         if (!this->continueFlowOut()) return List::first();
     } else if (!List::has(startAttr)) {
         return 0;

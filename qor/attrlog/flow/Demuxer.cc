@@ -46,6 +46,7 @@ EntityId Demuxer::newEntityId() noexcept {
 void Demuxer::adapterIs(StreamAdapter& adapter) {
     ++announced_;
     if (!adapter.hasUnifiedEntityId()) return;
+    adapter.demuxer_ = this;
     U64& newest = newestEntered(adapter.entityId());
     bool const isFresh = adapter.entityId().value() > newest;
     if (isFresh) newest = adapter.entityId().value();
@@ -61,11 +62,14 @@ Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
     flowInDel(id);
     dropFlow(*gone);
     if (gone->qorNotifierEntity()) gone->doRemountSelf(out_);
+    gone->leave();
     return Qor::Ptr<Entity::QorNboAttrLogSa>(static_cast<Entity::QorNboAttrLogSa*>(gone.ptr()));
 }
 
 void Demuxer::adapterEnds(StreamAdapter& adapter) {
-    if (!reactorDel(adapter.entityId())) dropFlow(adapter);
+    if (reactorDel(adapter.entityId())) return;
+    dropFlow(adapter);
+    adapter.leave();
 }
 
 void Demuxer::needPeersId(EntityId const& id) {
@@ -185,8 +189,7 @@ void Demuxer::close() {
         for (HashMap<StreamAdapter, EntityId>::IteratorConst at(&adapters_); at; ++at) {
             Qor::Ptr<StreamAdapter> const adapter = at.member();
             reactorDel(adapter->entityId());
-            adapter->streamDemuxerIs(nullptr);
-            adapter->out_ = nullptr;
+            adapter->leave();
         }
     }
     flowsIn_.deleteAll();

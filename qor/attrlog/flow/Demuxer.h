@@ -298,7 +298,8 @@ QOR_EXPORT Demuxer* demuxerOf(Out const& out) noexcept;
 }  // namespace NboAttrLog
 
 inline bool StreamAdapter::continueFlowOut() const {
-    return demuxer_ != nullptr && demuxer_->continueFlowOut();
+    auto const* const demuxer = qorRawDemuxer();
+    return demuxer != nullptr && demuxer->continueFlowOut();
 }
 
 }  // namespace Qor

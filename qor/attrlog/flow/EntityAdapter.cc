@@ -234,7 +234,7 @@ Entity::QorNboAttrLogSa* adapterOnList(ListRawGeneric const& list, Qor::Ptr<Out 
         if (out && adapter->nboAttrLogOut() == out) return adapter;
         if (out && !isLookedFor) {
             demuxer = demuxerOf(*out);
-            if (!demuxer) return nullptr;
+            if (!demuxer && out->in()) return nullptr;
             isLookedFor = true;
         }
         if (serves(*adapter, out, demuxer)) {

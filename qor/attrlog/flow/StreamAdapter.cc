@@ -19,9 +19,6 @@ StreamAdapter::StreamAdapter(AdapterState::Bits bits, U32 version,
       version_(version) {
     qorState() = bits;
     isRegisteredFlagIs(false);
-    if (auto* const in = NboAttrLog::attrLogIn(out ? out->in() : nullptr)) {
-        demuxer_ = in->demuxer();
-    }
 }
 
 StreamAdapter::~StreamAdapter() { swapEntity(nullptr); }
@@ -57,9 +54,14 @@ Entity const* StreamAdapter::qorNotifierEntity() const { return entity_; }
 
 Entity* StreamAdapter::qorNotifierEntity() { return const_cast<Entity*>(entity_); }
 
-NboAttrLog::Demuxer const* StreamAdapter::streamDemuxer() const { return demuxer_; }
+NboAttrLog::Demuxer const* StreamAdapter::streamDemuxer() const { return qorRawDemuxer(); }
 
-NboAttrLog::Demuxer* StreamAdapter::streamDemuxer() { return demuxer_; }
+NboAttrLog::Demuxer* StreamAdapter::streamDemuxer() { return qorRawDemuxer(); }
+
+// The demuxer unties the Out when it ends, and so cannot be outlived by who asks that.
+NboAttrLog::Demuxer* StreamAdapter::connectionsDemuxer() const noexcept {
+    return out_ ? NboAttrLog::demuxerOf(*out_) : nullptr;
+}
 
 void StreamAdapter::streamDemuxerIs(NboAttrLog::Demuxer* demuxer) { demuxer_ = demuxer; }
 
@@ -89,9 +91,10 @@ void StreamAdapter::handleAttrDeserialization(AttributeId id, DeserializationOpt
 void StreamAdapter::handleAttrTransaction(AttributeId, AttrTransactionType, U32) {}
 
 void StreamAdapter::doAssignEntityId() {
-    if (demuxer_ == nullptr) return;
-    entityIdIs(demuxer_->newEntityId());
-    demuxer_->adapterIs(*this);
+    auto* const demuxer = qorRawDemuxer();
+    if (demuxer == nullptr) return;
+    entityIdIs(demuxer->newEntityId());
+    demuxer->adapterIs(*this);
 }
 
 Qor::Ptr<NboAttrLog::FlowOut> StreamAdapter::flowOutIs(Qor::Ptr<NboAttrLog::Out> const&,
@@ -104,10 +107,16 @@ EntityId StreamAdapter::realEntityId() const { return entityId_; }
 
 void StreamAdapter::doNotification(AttributeId, void*) {}
 
+void StreamAdapter::leave() {
+    streamDemuxerIs(nullptr);
+    out_ = nullptr;
+}
+
 U32 StreamAdapter::audit() const {
     U32 errors = 0;
     errors += steadyState() && flowOut_ ? 1 : 0;
-    errors += demuxer_ && hasUnifiedEntityId() && demuxer_->adapter(entityId_) != this ? 1 : 0;
+    auto* const demuxer = qorRawDemuxer();
+    errors += demuxer && hasUnifiedEntityId() && demuxer->adapter(entityId_) != this ? 1 : 0;
     return errors;
 }
 
@@ -137,7 +146,7 @@ void StreamAdapter::qorDoZombieReactors(bool zombie) {
 void StreamAdapter::doRemountSelf(Qor::Ptr<NboAttrLog::Out> const&) {}
 
 void StreamAdapter::doThis() {
-    if (demuxer_ != nullptr) demuxer_->sendWhole(*this);
+    if (auto* const demuxer = qorRawDemuxer()) demuxer->sendWhole(*this);
 }
 
 void StreamAdapter::doFixChildFlags(Qor::Ptr<StreamAdapter> const& child) {
@@ -148,10 +157,12 @@ void StreamAdapter::doEntityIdIs(EntityId const& id, Qor::Ptr<NboAttrLog::Demuxe
                                  bool isPeers) {
     Qor::Ptr<StreamAdapter> const held(this);
     if (demuxer_ != nullptr && !entityId_.isNull() && entityId_ != id) {
+        Qor::Ptr<NboAttrLog::Out> const out = out_;
         demuxer_->reactorDel(entityId_);
+        out_ = out;
     }
-    streamDemuxerIs(demuxer.ptr());
     if (!isPeers) {
+        streamDemuxerIs(demuxer.ptr());
         entityIdIs(id);
         return;
     }
@@ -175,7 +186,7 @@ void StreamAdapter::doThrowReadOnly(char const* attributeName) const {
 
 void StreamAdapter::doBaseQorNboAttrLogSaMsg(AttributeId, DeserializationOptions, U32,
                                              NboAttrLog::In&) {
-    if (demuxer_ != nullptr) demuxer_->unknownAttributesInc(1);
+    if (auto* const demuxer = qorRawDemuxer()) demuxer->unknownAttributesInc(1);
 }
 
 }  // namespace Qor

@@ -1,5 +1,7 @@
 // What binds an object to one attribute log connection. A stream adapter is made for a pair of an
 // entity and an Out, and stands in the connection's demuxer under the entity's id, which owns it.
+// When it is taken out there it is tied to no connection any more: whoever holds it may keep it for
+// as long as he likes.
 // The notifiee that hears for it, its companion, is another object on the entity's list; the
 // adapter itself stands on no list.
 //
@@ -78,9 +80,6 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     virtual AttributeId handleAttrFlowOut(AttributeId startAttr);
     // As a start attribute: all of them.
     static constexpr AttributeId everything = 1;
-    // Sends the whole state without a flow, as far as that goes. The attribute from which on a flow
-    // has to send it; 0 when all is sent.
-    virtual AttributeId sendAtOnce();
     // Frees what the flow holds for the attribute that it works on.
     virtual void freeResyncState(Qor::Ptr<NboAttrLog::FlowOut> const& flowOut);
     // The adapter has been made for sending: it gets an id and is entered in the demuxer.
@@ -92,7 +91,9 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     virtual Entity const* qorNotifierEntity() const;
     virtual Entity* qorNotifierEntity();
     // The same two without a virtual call.
-    NboAttrLog::Demuxer* qorRawDemuxer() const noexcept { return demuxer_; }
+    NboAttrLog::Demuxer* qorRawDemuxer() const noexcept {
+        return demuxer_ != nullptr ? demuxer_ : connectionsDemuxer();
+    }
     Entity* qorRawEntity() const noexcept { return const_cast<Entity*>(entity_); }
     // Announces an entity without a parent on this connection, and sends its state.
     virtual void doSerializeOrphan();
@@ -120,6 +121,9 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     virtual void qorDoZombieReactors(bool zombie);
     // Takes down the adapters of what the entity owns, so that a new snapshot makes them anew.
     virtual void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out);
+    // Sends the whole state without a flow, as far as that goes. The attribute from which on a flow
+    // has to send it; 0 when all is sent.
+    virtual AttributeId sendAtOnce();
 
     bool isStreamAdapter() const override;
     String8 name() const override;
@@ -158,12 +162,16 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
 
   private:
     friend class NboAttrLog::Demuxer;
+    // It is entered nowhere any more, and sends nothing.
+    void leave();
+    // Of one that is not entered: the demuxer behind its Out, or null.
+    NboAttrLog::Demuxer* connectionsDemuxer() const noexcept;
 
     Qor::Ptr<NboAttrLog::Out> out_;
     // Of the demuxer's table: its chains lead through these two, which lie in one line of memory.
     EntityId entityId_;
     StreamAdapter* fwkHmNext_ = nullptr;
-    NboAttrLog::Demuxer* demuxer_ = nullptr;
+    NboAttrLog::Demuxer* demuxer_ = nullptr;  // while it is entered there
     Entity const* entity_ = nullptr;
     Qor::Ptr<NboAttrLog::FlowOut> flowOut_;
     MsgChannel::Constrainer::QorEntry* msgChannel_ = nullptr;

@@ -40,7 +40,12 @@ TEST_F(Adapter, IsMadeOnceForAnOut) {
 }
 
 TEST_F(Adapter, NullOutIsRefused) {
-    EXPECT_THROW(row->qorNboAttrLogSaIs(Bits(), 1, nullptr, nullptr), Qor::RangeException);
+    try {
+        row->qorNboAttrLogSaIs(Bits(), 1, nullptr, nullptr);
+        ADD_FAILURE() << "was not refused";
+    } catch (Qor::RangeException const& refusal) {
+        EXPECT_EQ(refusal.message(), "null ValidPtr");
+    }
 }
 
 TEST_F(Adapter, FlagsThatAreSetAlreadyLeaveTheWordUntouched) {
@@ -78,6 +83,17 @@ TEST_F(Adapter, IsFoundForEachOfSeveralOuts) {
     EXPECT_EQ(row->qorNboAttrLogSa(reader()), first.ptr());
     EXPECT_EQ(row->qorNboAttrLogSa(Qor::Ptr<Qor::NboAttrLog::Out const>(other.outPtr())),
               second.ptr());
+}
+
+TEST_F(Adapter, OnAnOutWithoutAnInIsFoundBehindOthers) {
+    auto const out = make<Qor::NboAttrLog::Out>();
+    auto const made = row->qorNboAttrLogSaIs(Bits(), 1, out, nullptr);
+    auto const other = peer.attach(row);
+    EXPECT_EQ(row->qorNboAttrLogSa(Qor::Ptr<Qor::NboAttrLog::Out const>(out)), made.ptr());
+    EXPECT_EQ(row->qorNboAttrLogSaIs(Bits(), 1, out, nullptr), made);
+    EXPECT_EQ(row->notifierList().count(), 2U);
+    auto const stranger = make<Qor::NboAttrLog::Out>();
+    EXPECT_EQ(row->qorNboAttrLogSa(Qor::Ptr<Qor::NboAttrLog::Out const>(stranger)), nullptr);
 }
 
 TEST_F(Adapter, IsFoundWithoutAnOutOnAChannelOnly) {
@@ -122,6 +138,51 @@ TEST_F(Adapter, IsRemovedAndHandedOver) {
     EXPECT_FALSE(row->qorNboAttrLogSaDel(reader()));
 }
 
+TEST_F(Adapter, HandedOverOutlivesItsDemuxer) {
+    Qor::Ptr<Qor::Entity::QorNboAttrLogSa> gone;
+    {
+        Peer other(Peer::Demuxer::Side::connecting);
+        auto const made = other.attach(row);
+        gone = row->qorNboAttrLogSaDel(Qor::Ptr<Qor::NboAttrLog::Out const>(other.outPtr()));
+        ASSERT_EQ(gone, made);
+        EXPECT_EQ(gone->streamDemuxer(), nullptr);
+        EXPECT_FALSE(gone->nboAttrLogOut());
+        row->tunnelKeyIs(6);
+        EXPECT_EQ(takeBytes(other.out()), "");
+    }
+    row->tunnelKeyIs(7);
+    gone->doNotification(388, nullptr);
+    EXPECT_EQ(row->notifierList().count(), 1U);
+    gone = nullptr;
+    EXPECT_EQ(row->notifierList().count(), 0U);
+}
+
+TEST_F(Adapter, NeverEnteredOutlivesItsDemuxer) {
+    Qor::Ptr<Qor::Entity::QorNboAttrLogSa> made;
+    {
+        Peer other(Peer::Demuxer::Side::connecting);
+        made = row->qorNboAttrLogSaIs(Bits(), 1, other.outPtr(), nullptr);
+        EXPECT_EQ(made->streamDemuxer(), other.demuxer.ptr());
+    }
+    EXPECT_EQ(made->streamDemuxer(), nullptr);
+    row->tunnelKeyIs(7);
+    EXPECT_EQ(made->audit(), 0U);
+    made = nullptr;
+    EXPECT_EQ(row->notifierList().count(), 0U);
+}
+
+TEST_F(Adapter, WhoseIdIsRefusedOutlivesItsDemuxer) {
+    Qor::Ptr<Qor::Entity::QorNboAttrLogSa> made;
+    {
+        Peer other(Peer::Demuxer::Side::connecting);
+        made = row->qorNboAttrLogSaIs(Bits(), 1, other.outPtr(), nullptr);
+        EXPECT_THROW(made->doEntityIdIs(Qor::EntityId(3), other.demuxer, true),
+                     Qor::AttrLogRecordException);
+    }
+    row->tunnelKeyIs(7);
+    EXPECT_EQ(made->streamDemuxer(), nullptr);
+}
+
 TEST_F(Adapter, OnAnOutWithoutAnInIsNotRemoved) {
     auto const out = make<Qor::NboAttrLog::Out>();
     auto const made = row->qorNboAttrLogSaIs(Bits(), 1, out, nullptr);
@@ -137,6 +198,19 @@ TEST_F(Adapter, PassesNotificationActiveToItsCompanionAndBack) {
     EXPECT_TRUE(made->hasNotificationActive());
     made->hasNotificationActiveIs(true);
     EXPECT_TRUE(made->companion()->hasNotificationActive());
+}
+
+// Each is turned off behind the other's back, which nothing but this test does.
+TEST_F(Adapter, NotificationActiveAsItIsDoesNothingAtEitherLevel) {
+    auto const made = peer.attach(row);
+    auto* const companion = made->companion();
+    companion->Qor::PtrInterface::NotifieeConst::hasNotificationActiveIs(false);
+    made->hasNotificationActiveIs(true);
+    EXPECT_FALSE(companion->hasNotificationActive());
+    companion->Qor::PtrInterface::NotifieeConst::hasNotificationActiveIs(true);
+    made->Qor::PtrInterface::NotifieeConst::hasNotificationActiveIs(false);
+    companion->hasNotificationActiveIs(true);
+    EXPECT_FALSE(made->hasNotificationActive());
 }
 
 TEST_F(Adapter, MarkedForDeletionIsNotCalledByItsCompanion) {

@@ -56,7 +56,7 @@ void AttrLogEmitter::nameHoles() {
     holes_["origin"] = originText(unit, {});
     holes_["FlowBase"] =
         entity_.isRoot() ? "Qor::EntityFlowOut" : base + "::QorNboAttrLogSa::FlowOut";
-    holes_["word"] = entity_.level() > 1 ? "qorDirtyBitSet1" : "qorDirtyBitSet0";
+    holes_["wordNumber"] = entity_.level() > 1 ? "1" : "0";
     holes_["fullName"] = entity_.type->fullName;
 }
 
@@ -178,7 +178,8 @@ class $export$$Class$::QorNboAttrLogSa::FlowOut : public Qor::FlowOutLevel<QorSt
     using Ptr = Qor::Ptr<FlowOut>;
     using FlowOutLevel::FlowOutLevel;
 
-    Qor::U32 $word$() const { return qorDirtyBitSet(); }
+    using QorDirtyBitSet$wordNumber$ = Qor::U32;
+    QorDirtyBitSet$wordNumber$ qorDirtyBitSet$wordNumber$() const { return qorDirtyBitSet(); }
     $flowOuts$
 };
 )");

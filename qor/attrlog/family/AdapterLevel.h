@@ -19,6 +19,7 @@ template <class X, class Base = typename X::QorBase::QorNboAttrLogSa>
 class QOR_EXPORT AdapterLevel : public Base {
   public:
     using Adapter = typename X::QorNboAttrLogSa;
+    using EntityClass = X;
     using Transaction = StreamAdapter::AttrTransactionType;
 
     AttributeId handleAttrFlowOut(AttributeId startAttr) override;

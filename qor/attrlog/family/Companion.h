@@ -5,6 +5,7 @@
 #define QOR_ATTRLOG_FAMILY_COMPANION_H
 
 #include <qor/attrlog/flow/EntityAdapter.h>
+#include <qor/core/ValidPtr.h>
 
 namespace Qor {
 
@@ -13,6 +14,15 @@ template <class Adapter, class Base>
 class Companion : public Base {
   public:
     explicit Companion(Adapter* adapter) noexcept : adapter_(adapter) {}
+    /// A companion that hears of the entity, if there is one, for that adapter.
+    static auto QorNboAttrLogSaAdapter_Is(Qor::Ptr<typename Adapter::EntityClass> const& entity,
+                                          Qor::Ptr<Adapter> const& adapter) {
+        using Hearing = typename Adapter::QorNboAttrLogSaAdapter_;
+        Qor::Ptr<Hearing> const companion = validPtr(make<Hearing>(adapter.ptr()));
+        if (entity) companion->attachWeaklyTo(*entity);
+        companion->hasNotificationActiveIs(true);
+        return companion;
+    }
 
     /// The adapter, borrowed; null once it has gone.
     Adapter* qorReactorAdapter() const noexcept { return adapter_; }

@@ -11,14 +11,10 @@ template <class Adapter, class X>
 Ptr<Adapter> makeAdapter(AdapterState::Bits bits, Ptr<X> const& entity, U32 version,
                          Ptr<NboAttrLog::Out> const& out, PtrInterface* owner) {
     auto adapter = validPtr(make<Adapter>(bits, version, out, owner));
-    auto companion = make<typename Adapter::QorNboAttrLogSaAdapter_>(adapter.ptr());
-    auto& hearing = *companion;
-    adapter->companionIs(std::move(companion));
+    using Hearing = typename Adapter::QorNboAttrLogSaAdapter_;
+    adapter->companionIs(Hearing::QorNboAttrLogSaAdapter_Is(entity, adapter));
     if (bits.bit(6)) adapter->isWeakReferenceIs(true);
-    if (entity) {
-        hearing.attachWeaklyTo(*entity);
-        adapter->attachedTo(*entity);
-    }
+    if (entity) adapter->attachedTo(*entity);
     adapter->syncModeIs(adapter->syncMode());
     adapter->hasNotificationActiveIs(true);
     return adapter;

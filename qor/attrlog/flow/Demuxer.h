@@ -297,6 +297,8 @@ QOR_EXPORT Demuxer* demuxerOf(Out const& out) noexcept;
 
 }  // namespace NboAttrLog
 
+using NboAttrLog::demuxFor;
+
 inline bool StreamAdapter::continueFlowOut() const {
     auto const* const demuxer = qorRawDemuxer();
     return demuxer != nullptr && demuxer->continueFlowOut();

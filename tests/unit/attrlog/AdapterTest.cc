@@ -190,6 +190,43 @@ TEST_F(Adapter, OnAnOutWithoutAnInIsNotRemoved) {
     EXPECT_EQ(row->notifierList().count(), 1U);
 }
 
+TEST_F(Adapter, MayHaveASecondCompanionOfItsClass) {
+    using Companion = RowAdapter::QorNboAttrLogSaAdapter_;
+    auto const made = peer.attach(row);
+    auto const second = Companion::QorNboAttrLogSaAdapter_Is(row, made);
+    EXPECT_EQ(second->qorReactorAdapter(), made.ptr());
+    EXPECT_TRUE(second->hasNotificationActive());
+    EXPECT_TRUE(second->isRegisteredNotifiee());
+    EXPECT_EQ(row->notifierList().head(), second.ptr());
+    row->tunnelKeyIs(7);
+    auto const once = record(3, 388, "00000007");
+    EXPECT_EQ(hex(takeBytes(peer.out())), once + once);
+    auto const unattached = Companion::QorNboAttrLogSaAdapter_Is(nullptr, made);
+    EXPECT_FALSE(unattached->qorNotifier());
+    second->qorReactorAdapterIs(nullptr);
+    unattached->qorReactorAdapterIs(nullptr);
+}
+
+TEST_F(Adapter, IsTheDemuxersOfItsConnectionByEitherName) {
+    EXPECT_EQ(Qor::demuxFor(peer.demuxer->in()), peer.demuxer.ptr());
+    EXPECT_EQ(Qor::demuxFor(nullptr), nullptr);
+    static_assert(std::is_same_v<RowAdapter::FlowOut::QorDirtyBitSet1, Qor::U32>);
+    static_assert(
+        std::is_same_v<Vgw::OvsdbDataModel::QorNboAttrLogSa::FlowOut::QorDirtyBitSet0, Qor::U32>);
+}
+
+TEST_F(Adapter, AnchorClearsTheMarkWhateverHappens) {
+    auto const made = peer.attach(row);
+    made->flagIs(Qor::AdapterState::isActive, true);
+    try {
+        Qor::ClearIsActiveAnchor const anchor(*made);
+        EXPECT_TRUE(made->isActive());
+        throw 1;
+    } catch (int) {
+    }
+    EXPECT_FALSE(made->isActive());
+}
+
 TEST_F(Adapter, PassesNotificationActiveToItsCompanionAndBack) {
     auto const made = peer.attach(row);
     made->hasNotificationActiveIs(false);

@@ -69,7 +69,7 @@ class SessionAnswers : public testing::Test {
         config.peerMayWrite = true;
         agent = std::make_unique<Session>(config, far, root);
         Session::Config readers;
-        readers.greatestFrame = 32768;
+        readers.greatestFrame = leastGreatestFrame;
         reader = std::make_unique<Session>(readers, near, nullptr);
         reader->listenerIs(&heard);
     }
@@ -83,7 +83,7 @@ class SessionAnswers : public testing::Test {
         EXPECT_EQ(agent->closed(), String8());
         EXPECT_EQ(reader->closed(), String8());
     }
-    static String8 longPath() { return std::string_view("/vgw/" + std::string(40000, 'a')); }
+    static String8 longPath() { return std::string_view("/vgw/" + std::string(80000, 'a')); }
 
     MemoryTransport near;
     MemoryTransport far;
@@ -109,12 +109,12 @@ TEST_F(SessionAnswers, DigestOfAPathLongerThanAFrameIsRefusedInShort) {
 
 TEST_F(SessionAnswers, DigestWhoseNextKeyIsLongerThanAFrameIsRefusedByName) {
     auto const rows = status->ovsdb();
-    rows->logicalSwitchIs(Name(std::string_view(std::string(40000, 'a'))));
-    rows->logicalSwitchIs(Name(std::string_view(std::string(40000, 'b'))));
+    rows->logicalSwitchIs(Name(std::string_view(std::string(80000, 'a'))));
+    rows->logicalSwitchIs(Name(std::string_view(std::string(80000, 'b'))));
     reader->askForDigest({"/vgw/status/ovsdb", 263, "", 1});
     settle();
     ASSERT_EQ(heard.faults.size(), 1U);
-    EXPECT_TRUE(heard.faults[0].view().ends_with("the greatest is 32768")) << heard.faults[0];
+    EXPECT_TRUE(heard.faults[0].view().ends_with("the greatest is 65536")) << heard.faults[0];
     EXPECT_EQ(heard.digests[0].rows, 0U);
     expectOpen();
 }
@@ -136,9 +136,9 @@ TEST_F(SessionAnswers, FaultThatHoldsALongNameOfThePeersIsToldInShort) {
     Session::Config config;
     config.takesTypes = true;
     Session session(config, own, nullptr);
-    peer.write(bytesOf(frameHex(2, 0, 0, "01" + hexOf("QORL") + "00000002" + "00008000", 1, 0)));
+    peer.write(bytesOf(frameHex(2, 0, 0, "01" + hexOf("QORL") + "00000002" + "00010000", 1, 0)));
     session.service();
-    std::string const name = "00009c40" + hexOf(std::string(40000, 'n'));
+    std::string const name = "00013880" + hexOf(std::string(80000, 'n'));
     peer.write(bytesOf(frameHex(2, 0, 0, "0b00000001" + name + "00000000" + "07", 1, 0)));
     ASSERT_NO_THROW(session.service());
     EXPECT_TRUE(session.closed().view().starts_with("a type of an unknown kind: nnn"))

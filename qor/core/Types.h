@@ -9,9 +9,9 @@ namespace Qor {
 using U8 = std::uint8_t;
 using U16 = std::uint16_t;
 using U32 = std::uint32_t;
-using U64 = std::uint64_t;
+using U64 = unsigned long long;
 using I32 = std::int32_t;
-using I64 = std::int64_t;
+using I64 = long long;
 
 /// The number of an attribute in its class. Ids below 256 are the framework's; a negated id on the
 /// attribute log means removal.

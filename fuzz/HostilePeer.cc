@@ -24,7 +24,7 @@ constexpr std::array<std::string_view, 8> classes{
     "Vgw::UcastMacsLocal", "Vgw::CliConfig",      "Sim::None", "Qor::Entity"};
 constexpr std::array<std::string_view, 8> types{
     "Fuzz::A", "Fuzz::B", "Fuzz::C", "Vgw::CliConfig", "Qor::Entity", "Qor::Name", "U32", ""};
-constexpr std::array<std::string_view, 8> operations{
+constexpr std::array<std::string_view, 8> operationNames{
     "reset", "managerTarget",          "clear",   "isEqualTo",
     "clone", "qorHasAttrLogInterface", "running", "qorNboAttrLogSaForMsgChannel"};
 constexpr std::array<std::string_view, 4> rows{
@@ -163,7 +163,7 @@ void HostilePeer::described(std::string& payload) {
 
 void HostilePeer::call(std::string& payload) {
     std::uint8_t const choice = reader_.byte();
-    payload += network(1, 4) + path() + whole(operations[choice & 7]);
+    payload += network(1, 4) + path() + whole(operationNames[choice & 7]);
     payload += network(choice >> 6, 4);
     for (int left = choice >> 6; left > 0; --left) payload += path();
 }

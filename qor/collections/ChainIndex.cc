@@ -13,11 +13,8 @@ void ChainIndex::forget(HashMapVTableGeneric const& table, PtrInterface* member)
     auto at = std::partition_point(posts_.begin(), posts_.end(), [&](PtrInterface* post) {
         return table.standsBefore(member, post);
     });
-    while (at != posts_.end() && *at != member && !table.standsBefore(*at, member)) {
-        ++at;
-    }
-    if (at != posts_.end() && *at == member) {
-        posts_.erase(at);
+    while (at != posts_.end() && !table.standsBefore(*at, member)) {
+        at = *at == member ? posts_.erase(at) : at + 1;
     }
 }
 

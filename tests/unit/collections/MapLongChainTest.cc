@@ -119,6 +119,32 @@ TEST_P(MapLongChain, MapThatEndsLetsAllGo) {
     EXPECT_EQ(PlaceNode::living, before);
 }
 
+// Tied members stand in the order of their coming, however many of them share the bucket.
+TEST(MapLongChainOfTies, StandsInTheOrderOfHashesAndOfComing) {
+    std::mt19937 random(9);
+    TiedMap map;
+    std::vector<TiedKey> expected;
+    for (U32 step = 0; step < 6'000; ++step) {
+        if (expected.size() < 100 || (expected.size() < 600 && random() % 2 == 0)) {
+            TiedKey const key{static_cast<U32>(random() % 3 + random() % 20 * 16), step};
+            auto const place =
+                std::upper_bound(expected.begin(), expected.end(), key,
+                                 [](auto const& a, auto const& b) { return a.place < b.place; });
+            expected.insert(place, key);
+            add(map, key);
+        } else {
+            auto const gone =
+                expected.begin() + static_cast<std::ptrdiff_t>(random() % expected.size());
+            ASSERT_NE(map.member(*gone), nullptr);
+            ASSERT_TRUE(map.memberDel(*gone));
+            expected.erase(gone);
+        }
+        if (step % 50 == 0) {
+            ASSERT_EQ(keys(map), expected);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Ways, MapLongChain,
                          testing::Values(Way::rising, Way::falling, Way::shuffled),
                          [](auto const& chosen) {

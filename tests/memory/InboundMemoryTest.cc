@@ -238,7 +238,7 @@ class InboundTypes : public InboundMemory {
         type += listOf(arguments, [](std::uint32_t) { return text("a") + text("b"); });
         type += listOf(attributes, [](std::uint32_t n) {
             return number(258 + n, 4) + text("a" + std::to_string(n)) + text("b") + text("") +
-                   number(0, 12) + text("") + number(0, 4);
+                   std::string(12, '\0') + text("") + number(0, 4);
         });
         type += listOf(initials, [](std::uint32_t) { return number(258, 4) + text(""); });
         send(hostileFrame(2, 0, 0, 1, 0, "\13" + number(1, 4) + type + number(0, 4)));

@@ -174,8 +174,14 @@ class HashMap : public HashMapGeneric {
         return deleteMemberG(qorVTable(), member.fwkHash(), &member);
     }
     bool contains(Member const& member) const {
-        Member const* at = head(bucketIndex(member.fwkHash()));
-        while (at && at != &member && at->fwkHash() <= member.fwkHash()) {
+        U32 const hash = member.fwkHash();
+        Member const* at = head(bucketIndex(hash));
+        for (U32 steps = 0; at && at != &member && at->fwkHash() <= hash; ++steps) {
+            if (steps == longChain) [[unlikely]] {
+                Key const& key = member.fwkKey();
+                at = static_cast<Member const*>(placeInLongChain(qorVTable(), hash, &key).at);
+                continue;
+            }
             at = at->fwkHmNext();
         }
         return at == &member;

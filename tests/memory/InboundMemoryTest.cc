@@ -189,6 +189,18 @@ TEST_F(InboundMemory, CallsOfWhoNeverReadsCostNoMoreThanARing) {
         21);
 }
 
+// One is answered in each turn; what comes beside it is held, and that is little.
+TEST_F(InboundMemory, DigestsOfLongPathsEndAtTheirBytes) {
+    std::string questions;
+    for (int i = 0; i < 4; ++i) {
+        questions += hostileFrame(2, 0, 0, 1, 0,
+                                  "\26" + text("/vgw/" + std::string(50'000, 'a')) + number(0, 4) +
+                                      text("") + number(1, 4));
+    }
+    send(questions);
+    EXPECT_EQ(closed(), "more digests asked for than are answered at a time");
+}
+
 TEST_F(InboundMemory, RecordsForNobodyLeaveNothingBehind) {
     for (std::uint64_t i = 0; i < 3000; ++i) {
         send(hostileFrame(0, 1001 + 2 * i, 387, 1, 0, "x"));

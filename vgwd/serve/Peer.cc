@@ -6,6 +6,8 @@
 #include <exception>
 #include <utility>
 
+#include <qor/attrlog/MessageSize.h>
+
 namespace Vgwd {
 
 using Ovsdb::LogLevel;
@@ -158,7 +160,13 @@ void Peer::awaitWritable() {
     });
 }
 
+// A mount stands in the books under its path.
 Qor::String8 Peer::onAsked(Qor::String8 const& path, bool writable, Qor::Entity& entity) {
+    if (path.length() > Qor::NboAttrLog::longestTextKey) {
+        return std::string_view("a path of " + std::to_string(path.length()) +
+                                " bytes; the longest that can be mounted has " +
+                                std::to_string(Qor::NboAttrLog::longestTextKey));
+    }
     if (writable) {
         std::string const why = host_.whyReadOnly(std::string(path.view()), entity);
         if (!why.empty()) return std::string_view(why);

@@ -252,6 +252,7 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     if (isNewState) [[unlikely]] {
         dir.entryStateIs(told.key, told.state);
     }
+    if (hasLeft(adapter)) return;
     enter(adapter, record.demuxer, *member, *entity, told.id);
     settleEntry(adapter, record, told.key);
     // Of what is known the state alone was told, a value as others are.

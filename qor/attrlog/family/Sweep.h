@@ -25,6 +25,12 @@ void walkUntilQuiet(typename S::Entity& entity, Visit const& visit) {
     } while (map.version() != seen);
 }
 
+/// Whether a handler let the adapter go: what is left of the copy stays as it is.
+template <class Adapter>
+bool hasLeft(Adapter const& adapter) {
+    return !adapter.nboAttrLogOut();
+}
+
 /// Whether something was sent to the peer for the entity that it had not taken when its snapshot
 /// began; never of a copy, whose snapshots are the original's.
 template <class Adapter>
@@ -58,6 +64,7 @@ void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
     if (type == StreamAdapter::begin && adapter.hasCrossed()) return;
     bool const goesAgain = hasCrossedSnapshot(adapter);
     walkUntilQuiet<S>(entity, [&](typename S::Member const& member) {
+        if (hasLeft(adapter)) return;
         if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);
         if (!member.qorMarkedForDeletion()) return;
         typename S::Key const key = member.fwkKey();
@@ -73,6 +80,7 @@ void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
 template <class S, class Adapter>
 void sweepChild(Adapter& adapter, typename S::Key const& key, Entity& child,
                 StreamAdapter::AttrTransactionType type) {
+    if (hasLeft(adapter)) return;
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     auto* const known = child.qorNboAttrLogSa(out);
     if (type == StreamAdapter::begin) {

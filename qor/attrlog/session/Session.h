@@ -81,7 +81,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         Demuxer::Side side = Demuxer::Side::connecting;
         // Whether the peer may change what it mounts.
         bool peerMayWrite = false;
-        // The longest frame that is taken; at least that of a text's chunk.
+        // The longest frame that is taken; at least 64 KiB, for a text under the longest key.
         U32 greatestFrame = defaultGreatestFrame;
         U32 ringBlocks = Out::defaultBlocks;
         Demuxer::Quota quota;
@@ -208,6 +208,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleLink(Frame const& frame, In& in) override;
     bool mayTake(In& in) override;
     void handleOp(Op op, In& in);
+    static bool isAnsweredAtOnce(Op op);
     Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) override;
     Orphan mountedHere(MountId mount, EntityId const& id);
     void failed(String8 const& reason) override;

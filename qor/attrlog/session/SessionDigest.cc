@@ -12,6 +12,7 @@ namespace {
 
 constexpr U32 mostRows = 4096;
 constexpr std::size_t mostPending = 64;
+constexpr std::size_t mostBytesPending = std::size_t{128} << 10;  // of their paths and keys
 
 }  // namespace
 
@@ -26,7 +27,10 @@ void Session::handleDigest(In& in) {
     page.attribute = static_cast<AttributeId>(in.nextU32());
     page.from = in.nextString();
     page.most = std::min(in.nextU32(), mostRows);
-    if (digestsOwed_.size() >= mostPending) {
+    std::size_t held = page.path.length() + page.from.length();
+    for (auto const& owed : digestsOwed_) held += owed.path.length() + owed.from.length();
+    bool const isTooMuch = !digestsOwed_.empty() && held > mostBytesPending;
+    if (isTooMuch || digestsOwed_.size() >= mostPending) {
         throw AttrLogRecordException("more digests asked for than are answered at a time");
     }
     digestsOwed_.push_back(page);

@@ -20,16 +20,20 @@ constexpr std::size_t greatestDepth = 64;
 
 }  // namespace
 
+bool Session::isAnsweredAtOnce(Op op) {
+    return op == Op::mount || op == Op::call || op == Op::ping;
+}
+
 // What is answered at once waits for room, and all that comes behind it. Records do not: they lead
 // to no more than marks. Nor does the connecting end wait: of two that wait for each other one has
 // to read on. It answers as much as a ring holds beyond its own, and ends by name.
 bool Session::mayTake(In& in) {
-    auto const op = in.available() != 0 ? static_cast<Op>(in.byteAt(in.readPosition())) : Op::error;
-    if (op != Op::mount && op != Op::call && op != Op::ping) return true;
     if (demuxer_->out()->freeBytes() >= Out::blockSize) {
         answered_ = 0;
         return true;
     }
+    auto const op = in.available() != 0 ? static_cast<Op>(in.byteAt(in.readPosition())) : Op::error;
+    if (!isAnsweredAtOnce(op) && op != Op::digest) return true;
     if (config_.side == Demuxer::Side::accepting) return false;
     if (answered_ > U64{config_.ringBlocks} * Out::blockSize) {
         throw AttrLogRecordException("the peer asks for more than it takes");
@@ -45,7 +49,8 @@ void Session::handleLink(Frame const&, In& in) {
     Alive const alive(*this);
     U64 const before = demuxer_->out()->written();
     handleOp(op, in);
-    if (alive) answered_ += std::max(demuxer_->out()->written(), before) - before;
+    if (alive && isAnsweredAtOnce(op))
+        answered_ += std::max(demuxer_->out()->written(), before) - before;
 }
 
 void Session::handleOp(Op op, In& in) {

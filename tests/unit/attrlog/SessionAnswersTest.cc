@@ -216,7 +216,7 @@ TEST_F(SessionAnswers, OneDigestIsToldInEachTurn) {
     expectOpen();
 }
 
-TEST_F(SessionAnswers, SyncModeReachesTheAdaptersOfTheEntityOnAllConnections) {
+TEST_F(SessionAnswers, SyncModeReachesTheAdaptersUnderTheSameIdOnAllConnections) {
     auto const& manager = Qor::globalNboAttrLogDemuxerManager();
     ASSERT_EQ(manager.nboDemuxers(), 2U);
     Session::Config config;
@@ -341,6 +341,29 @@ TEST_F(SessionAnswers, PeerThatAsksWithoutReadingAndLeavesEndsItsSession) {
                 session.closed() == "read: Connection reset by peer")
         << session.closed();
     ::close(ends[0]);
+}
+
+// Asks for the next pong in each, so often.
+struct AsksOn : Qor::NboAttrLog::SessionListener {
+    void onPong(Qor::Seconds) override {
+        if (++pongs < 12'000) session->ping();
+    }
+    Session* session = nullptr;
+    int pongs = 0;
+};
+
+TEST_F(SessionAnswers, WhatTheConnectingEndAsksOfItselfIsNoAnswer) {
+    AsksOn asking;
+    asking.session = reader.get();
+    reader->listenerIs(&asking);
+    reader->ping();
+    while (asking.pongs < 12'000) settle();
+    far.roomIs(0);
+    while (reader->demuxer().out()->freeBytes() >= Qor::NboAttrLog::Out::blockSize) reader->ping();
+    agent->ping();
+    settle();
+    expectOpen();
+    reader->listenerIs(nullptr);
 }
 
 }  // namespace

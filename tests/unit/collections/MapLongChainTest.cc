@@ -45,7 +45,9 @@ void useAll(U32 count, Way way) {
     }
     ASSERT_EQ(map.size(), count);
     for (U32 const i : keysInOrder) {
-        ASSERT_NE(map.member({2 * i, 0}), nullptr);
+        PlaceNode const* const node = map.member({2 * i, 0});
+        ASSERT_NE(node, nullptr);
+        ASSERT_TRUE(map.contains(*node));
         ASSERT_EQ(map.member({2 * i + 1, 0}), nullptr);
         ASSERT_EQ(map.startAtHash({2 * i, 0})->fwkKey().place, 2 * i);
     }

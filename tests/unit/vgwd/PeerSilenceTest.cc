@@ -199,5 +199,29 @@ TEST_F(PeerSilence, ExcusedFramesAreNoTraffic) {
     EXPECT_TRUE(becomes([&] { return listener_.traffic > before; }));
 }
 
+struct Refusals : Qor::NboAttrLog::SessionListener {
+    void onRefused(Qor::NboAttrLog::MountId, Qor::String8 const& reason) override {
+        reasons.emplace_back(reason.view());
+    }
+    std::vector<std::string> reasons;
+};
+
+// It stands in the books under its path, which a peer that may write can have made.
+TEST_F(PeerSilence, APathThatNoKeyCanHoldIsNotMounted) {
+    std::string const name(50'000, 'a');
+    root_->entryIs(std::string_view(name), Qor::make<Vgw::CliConfig>("long"));
+    connectUnix();
+    mount();
+    Refusals refusals;
+    session_->listenerIs(&refusals);
+    session_->mount(std::string_view("/vgw/" + name), false);
+    EXPECT_TRUE(becomes([&] { return !refusals.reasons.empty(); }));
+    EXPECT_EQ(refusals.reasons,
+              std::vector<std::string>{
+                  "a path of 50005 bytes; the longest that can be mounted has 49118"});
+    EXPECT_EQ(server_.peers().front()->mounts().size(), 1U);
+    session_->listenerIs(nullptr);
+}
+
 }  // namespace
 }  // namespace Vgwd

@@ -114,6 +114,8 @@ void Client::handleMonitor(RpcReply const& reply) {
     try {
         applyCopy(reply.result);
     } catch (std::exception const& e) {
+        // What can't be applied once can't be the next time: a whole copy is asked for then.
+        lastTransaction_.clear();
         RpcError const unreadable{RpcError::Kind::refused, "unreadable reply", e.what(), 0};
         listener_.onOutcome(RequestKind::monitor, there(), &unreadable);
         throw;

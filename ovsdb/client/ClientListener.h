@@ -29,8 +29,9 @@ class ClientListener {
     virtual void onState(ClientState state, std::string const& reason) = 0;
     /// A request goes out. `detail` says what it is about, the most telling part first.
     virtual void onRequest(RequestKind kind, std::string const& detail) = 0;
-    /// How it ended, once for each request, before onState() tells what follows from that; null:
-    /// well. A request that was pending when the connection ended has failed (Kind::lost).
+    /// How it ended, once for each request; null: well. A failure is told before onState() tells
+    /// what follows from it, a success behind that. A request that was pending when the connection
+    /// ended has failed (Kind::lost).
     virtual void onOutcome(RequestKind kind, std::string const& detail, RpcError const* error) = 0;
     /// The server has not answered for longer than it should (the rows may be out of step), or
     /// speaks again (they are not). A connection that ends says so by onState() alone.

@@ -1,5 +1,8 @@
 #include <ovsdb/mirror/Bfd.h>
 
+#include <string>
+#include <unordered_set>
+
 #include <ovsdb/mirror/RowWriter.h>
 #include <ovsdb/store/Datum.h>
 #include <qor/attrlog/MessageSize.h>
@@ -39,16 +42,13 @@ BfdMap mapOf(LocatorNode const& locator, MonitorPlan const& plan, RowStore const
     return asHeld(map);
 }
 
-bool hasKey(std::string_view datum, std::string_view key) {
-    for (DatumItems at(textToText, datum); at.next();)
-        if (at.key() == key) return true;
-    return false;
-}
-
 template <class Walk>
 void removeOthers(Walk walk, std::string_view datum) {
+    std::unordered_set<std::string> keys;
+    if (walk)
+        for (DatumItems at(textToText, datum); at.next();) keys.emplace(at.key());
     for (; walk; ++walk)
-        if (!hasKey(datum, walk.key().view())) walk.del();
+        if (!keys.contains(std::string(walk.key().view()))) walk.del();
 }
 
 }  // namespace

@@ -71,6 +71,30 @@ TEST_F(ClientTest, AKnownTransactionIsCarriedOnFrom) {
     EXPECT_EQ(client_->rows().size(), 2U);
 }
 
+TEST_F(ClientTest, ACarryingOnThatCannotBeAppliedIsFollowedByAWholeCopy) {
+    database_.transaction = "72734239-c0d7-4066-8095-adae591df7d5";
+    start();
+    ASSERT_TRUE(inStep());
+    std::string const unknown = "00000000-0000-4000-8000-0000000000ff";
+    std::vector<json> askedFrom;
+    auto const whole = database_.rows;
+    server_.scriptIs([&](FakeServer& server, json const& message) {
+        if (message["method"] == "monitor_cond_since") {
+            askedFrom.push_back(message["params"][3]);
+            database_.found = askedFrom.size() == 1;
+            database_.rows = whole;
+            if (database_.found)
+                database_.rows = {{"Logical_Switch", {{unknown, {{"modify", {{"name", "x"}}}}}}}};
+        }
+        database_(server, message);
+    });
+    server_.hangUp();
+    ASSERT_TRUE(runUntil(
+        loop_, [&] { return askedFrom.size() >= 2 && client_->state() == ClientState::inStep; }));
+    EXPECT_EQ(askedFrom[0], database_.transaction);
+    EXPECT_EQ(askedFrom[1], zero);
+}
+
 TEST_F(ClientTest, ZeroTransactionsAreNeverCarriedOnFrom) {
     start();
     ASSERT_TRUE(inStep());

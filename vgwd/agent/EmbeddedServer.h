@@ -3,7 +3,7 @@
 
 // An ovsdb-server of our own: in the run directory, on a unix socket there, with a hardware_vtep
 // database that is made from the schema the first time. It is wanted or not; what there is follows,
-// without keeping the event loop waiting:
+// without keeping the event loop waiting, but for the making of the database:
 //
 //     idle -> starting -> listening -> (not wanted) -> ending -> idle
 //

@@ -129,7 +129,9 @@ void DatabaseWriter::schedule() {
 
 bool DatabaseWriter::isInDatabase(Place const& place) const {
     auto const uuid = Ovsdb::Uuid::parse(place.second);
-    return uuid && client_.rows().find(place.first, *uuid) != nullptr;
+    // In another spelling it is a writer's name, and no row stands under it.
+    return uuid && uuid->text() == place.second &&
+           client_.rows().find(place.first, *uuid) != nullptr;
 }
 
 // A row of the mirror stands under its UUID, as long as nobody writes over that.

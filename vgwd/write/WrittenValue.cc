@@ -5,6 +5,7 @@
 #include <vgw/tables/PhysicalPort.h>
 #include <vgw/tables/PhysicalSwitch.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -105,6 +106,32 @@ WrittenValue written(Vgw::LogicalBindingStats const& row, Qor::AttributeId attri
     }
 }
 
+bool holdsZeroByte(json const& value) {
+    if (value.is_string())
+        return value.get_ref<std::string const&>().find('\0') != std::string::npos;
+    return value.is_structured() && std::any_of(value.begin(), value.end(), holdsZeroByte);
+}
+
+// Why the database can't be told the value; empty if it can. A server hangs up on a zero byte, and
+// bytes that are not UTF-8 can't be written as JSON (RFC 8259, section 8.1).
+std::string whyNotText(json const& value) {
+    if (holdsZeroByte(value)) return " holds a zero byte, which the database does not take";
+    try {
+        static_cast<void>(value.dump());
+    } catch (json::type_error const&) {
+        return " holds bytes that are not UTF-8";
+    }
+    return {};
+}
+
+WrittenValue valueOf(Qor::Entity const& row, Qor::AttributeId attribute) {
+    if (auto const* const found = dynamic_cast<Vgw::PhysicalSwitch const*>(&row))
+        return written(*found, attribute);
+    if (auto const* const found = dynamic_cast<Vgw::PhysicalPort const*>(&row))
+        return written(*found, attribute);
+    return written(static_cast<Vgw::LogicalBindingStats const&>(row), attribute);
+}
+
 }  // namespace
 
 std::optional<Table> writableTable(Qor::Entity const& row) {
@@ -115,11 +142,11 @@ std::optional<Table> writableTable(Qor::Entity const& row) {
 }
 
 WrittenValue writtenValue(Qor::Entity const& row, Qor::AttributeId attribute) {
-    if (auto const* const found = dynamic_cast<Vgw::PhysicalSwitch const*>(&row))
-        return written(*found, attribute);
-    if (auto const* const found = dynamic_cast<Vgw::PhysicalPort const*>(&row))
-        return written(*found, attribute);
-    return written(static_cast<Vgw::LogicalBindingStats const&>(row), attribute);
+    WrittenValue result = valueOf(row, attribute);
+    if (!result.refusal.empty()) return result;
+    std::string const why = whyNotText(result.value);
+    if (!why.empty()) result.refusal = std::string(row.attributeString(attribute).view()) + why;
+    return result;
 }
 
 }  // namespace Vgwd

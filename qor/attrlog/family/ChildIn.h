@@ -127,8 +127,7 @@ void takeDownChild(Adapter& adapter, Name const& key) {
 template <class S, class Adapter>
 void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id) {
     bool const isMade = makeChild<S>(adapter, key);
-    bool const hasLeft = !adapter.nboAttrLogOut();
-    if (!adapter.isActive() || hasLeft) return;
+    if (!adapter.isActive() || hasLeft(adapter)) return;
     if (isMade && !hasToMakeRoom<S>(adapter, record, key, id)) {
         return childChanged<S>(adapter, key);
     }

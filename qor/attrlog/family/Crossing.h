@@ -11,6 +11,12 @@
 
 namespace Qor {
 
+/// Whether a handler let the adapter go: what is left of the copy stays as it is.
+template <class Adapter>
+bool hasLeft(Adapter const& adapter) {
+    return !adapter.nboAttrLogOut();
+}
+
 /// In the place of a key, of an attribute that has none.
 struct Unkeyed {};
 

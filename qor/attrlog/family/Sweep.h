@@ -25,12 +25,6 @@ void walkUntilQuiet(typename S::Entity& entity, Visit const& visit) {
     } while (map.version() != seen);
 }
 
-/// Whether a handler let the adapter go: what is left of the copy stays as it is.
-template <class Adapter>
-bool hasLeft(Adapter const& adapter) {
-    return !adapter.nboAttrLogOut();
-}
-
 /// Whether something was sent to the peer for the entity that it had not taken when its snapshot
 /// began; never of a copy, whose snapshots are the original's.
 template <class Adapter>

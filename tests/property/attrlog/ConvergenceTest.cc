@@ -2,8 +2,7 @@
 // its source, and both equal a naive model. VGW_SEED=n repeats one run.
 #include "TreeModel.h"
 
-#include <qor/attrlog/session/Session.h>
-
+#include <tests/support/SessionPair.h>
 #include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
@@ -15,50 +14,25 @@ namespace {
 
 using Qor::make;
 using Qor::Name;
-using Qor::NboAttrLog::MemoryTransport;
 using Qor::NboAttrLog::MountId;
 using Qor::NboAttrLog::Session;
-using Side = Qor::NboAttrLog::Demuxer::Side;
 
 // Both ends of one connection.
-struct Link {
+struct Link : SessionPair {
     Link(Qor::Ptr<Qor::Dir> const& root, Vgw::Status::Ptr const& copy, bool writable,
          Qor::U32 blocks) {
-        MemoryTransport::connect(near, far);
         Session::Config agents;
-        agents.side = Side::accepting;
         agents.peerMayWrite = true;
         agents.ringBlocks = blocks;
         Session::Config readers;
         readers.ringBlocks = blocks;
-        agent = std::make_unique<Session>(agents, far, root);
-        reader = std::make_unique<Session>(readers, near, nullptr);
+        connect(root, agents, readers);
         reader->mount("/vgw/status", writable, copy);
-    }
-    void roomIs(std::size_t bytes) {
-        near.roomIs(bytes);
-        far.roomIs(bytes);
-    }
-    Qor::U64 written() const { return agent->counters().bytesOut + reader->counters().bytesOut; }
-    void turn() {
-        agent->service();
-        reader->service();
     }
     void settle() {
         roomIs(~std::size_t{0});
-        for (Qor::U64 before = ~Qor::U64{0}; before != written();) {
-            before = written();
-            turn();
-        }
+        SessionPair::settle();
     }
-    std::string closed() const {
-        return std::string(agent->closed().view()) + std::string(reader->closed().view());
-    }
-
-    MemoryTransport near;
-    MemoryTransport far;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 struct World {

@@ -3,8 +3,7 @@
 // run.
 #include "TreeModel.h"
 
-#include <qor/attrlog/session/Session.h>
-
+#include <tests/support/SessionPair.h>
 #include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
@@ -17,9 +16,7 @@ namespace {
 
 using Qor::make;
 using Qor::Name;
-using Qor::NboAttrLog::MemoryTransport;
 using Qor::NboAttrLog::Session;
-using Side = Qor::NboAttrLog::Demuxer::Side;
 
 // A process: a tree, and random changes of it.
 struct Node {
@@ -35,34 +32,16 @@ struct Node {
 };
 
 // One node's tree is mounted by the next.
-struct WritersLink {
+struct WritersLink : SessionPair {
     WritersLink(Node const& source, Node const& copy, Qor::U32 blocks) {
-        MemoryTransport::connect(near, far);
         Session::Config gives;
-        gives.side = Side::accepting;
         gives.peerMayWrite = true;
         gives.ringBlocks = blocks;
         Session::Config takes;
         takes.ringBlocks = blocks;
-        given = std::make_unique<Session>(gives, far, source.root);
-        taken = std::make_unique<Session>(takes, near, nullptr);
-        taken->mount("/vgw/status", true, copy.status);
+        connect(source.root, gives, takes);
+        reader->mount("/vgw/status", true, copy.status);
     }
-    // Bytes in and out, at both ends.
-    Qor::U64 moved() const {
-        auto const one = given->counters();
-        auto const other = taken->counters();
-        return one.bytesIn + one.bytesOut + other.bytesIn + other.bytesOut;
-    }
-    void roomIs(std::size_t one, std::size_t other) {
-        near.roomIs(one);
-        far.roomIs(other);
-    }
-
-    MemoryTransport near;
-    MemoryTransport far;
-    std::unique_ptr<Session> given;
-    std::unique_ptr<Session> taken;
 };
 
 class Chain {
@@ -92,12 +71,11 @@ class Chain {
         }
         Qor::U64 const before = moved();
         for (auto const& link : links_) {
-            ASSERT_EQ(link->given->closed(), Qor::String8());
-            ASSERT_EQ(link->taken->closed(), Qor::String8());
-            ASSERT_FALSE(link->given->demuxer().hasFlowsIn());
-            ASSERT_FALSE(link->taken->demuxer().hasFlowsIn());
-            ASSERT_FALSE(link->given->demuxer().owes());
-            ASSERT_FALSE(link->taken->demuxer().owes());
+            ASSERT_EQ(link->closed(), "");
+            ASSERT_FALSE(link->agent->demuxer().hasFlowsIn());
+            ASSERT_FALSE(link->reader->demuxer().hasFlowsIn());
+            ASSERT_FALSE(link->agent->demuxer().owes());
+            ASSERT_FALSE(link->reader->demuxer().owes());
         }
         settle();
         ASSERT_EQ(moved(), before);
@@ -110,20 +88,20 @@ class Chain {
         constexpr std::size_t rooms[] = {0, 1, 60, 500, 5000, 40000, 1U << 20};
         for (std::uint64_t i = below(6); i > 0; --i) nodes_[below(nodes_.size())]->tree.step();
         WritersLink& link = *links_[below(links_.size())];
-        link.roomIs(rooms[below(std::size(rooms))], rooms[below(std::size(rooms))]);
+        link.near.roomIs(rooms[below(std::size(rooms))]);
+        link.far.roomIs(rooms[below(std::size(rooms))]);
         for (std::uint64_t i = below(3); i > 0; --i) {
             WritersLink& served = *links_[below(links_.size())];
-            (below(2) == 0 ? served.given : served.taken)->service();
+            (below(2) == 0 ? served.agent : served.reader)->service();
         }
     }
 
     std::string closed() const {
         std::string reasons;
         for (auto const& link : links_) {
-            reasons += std::string(link->given->closed().view()) + "; ";
-            reasons += std::string(link->taken->closed().view()) + "; ";
-            reasons += std::to_string(link->given->demuxer().flows()) + " and ";
-            reasons += std::to_string(link->taken->demuxer().flows()) + " flows; ";
+            reasons += link->closed() + "; ";
+            reasons += std::to_string(link->agent->demuxer().flows()) + " and ";
+            reasons += std::to_string(link->reader->demuxer().flows()) + " flows; ";
         }
         return reasons;
     }
@@ -135,13 +113,10 @@ class Chain {
     }
 
     void settle() {
-        for (auto const& link : links_) link->roomIs(~std::size_t{0}, ~std::size_t{0});
+        for (auto const& link : links_) link->roomIs(~std::size_t{0});
         for (Qor::U64 before = ~Qor::U64{0}; before != moved();) {
             before = moved();
-            for (auto const& link : links_) {
-                link->given->service();
-                link->taken->service();
-            }
+            for (auto const& link : links_) link->turn();
         }
     }
 

@@ -1,8 +1,8 @@
 // Operations that one end calls at the other, by their names.
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
 
 #include <qor/registry/QorType.h>
+#include <tests/support/SessionPair.h>
 #include <vgw/agent/CliConfig.h>
 #include <vgw/agent/Status.h>
 
@@ -35,43 +35,31 @@ struct Owner : Qor::NboAttrLog::SessionListener {
     }
 };
 
-class RemoteCall : public testing::Test {
+class RemoteCall : public testing::Test, protected SessionPair {
   protected:
     void connect(bool peerMayWrite = true) {
-        Qor::NboAttrLog::MemoryTransport::connect(near, far);
         root->entryIs(Name("cliConfig"), cli);
         root->entryIs(Name("status"), status);
         Session::Config config;
-        config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
         config.peerMayWrite = peerMayWrite;
-        agent = std::make_unique<Session>(config, far, root);
+        SessionPair::connect(root, config);
         agent->listenerIs(&owner);
-        reader = std::make_unique<Session>(Session::Config(), near, nullptr);
         reader->listenerIs(&caller);
     }
     // The answer's text; whether it was done stands in the caller.
     String8 called(char const* path, char const* operation, std::vector<String8> arguments = {}) {
         CallId const call = reader->call(path, operation, arguments);
-        for (int round = 0; round < 4; ++round) {
-            reader->service();
-            agent->service();
-        }
-        reader->service();
+        EXPECT_TRUE(settle());
         EXPECT_EQ(caller.last, call);
-        EXPECT_TRUE(reader->closed().empty()) << reader->closed().view();
-        EXPECT_TRUE(agent->closed().empty()) << agent->closed().view();
+        EXPECT_EQ(closed(), "");
         return caller.text;
     }
 
     Qor::Dir::Ptr const root = make<Qor::Dir>(Name("vgw"));
     Vgw::CliConfig::Ptr const cli = make<Vgw::CliConfig>(Name("cliConfig"));
     Vgw::Status::Ptr const status = make<Vgw::Status>(Name("status"));
-    Qor::NboAttrLog::MemoryTransport near;
-    Qor::NboAttrLog::MemoryTransport far;
     Caller caller;
     Owner owner;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 TEST_F(RemoteCall, IsDoneAtTheOwner) {

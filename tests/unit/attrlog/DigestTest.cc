@@ -1,7 +1,7 @@
 // Whether a copy is what the other end holds, found out by digests.
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
 
+#include <tests/support/SessionPair.h>
 #include <vgw/agent/Status.h>
 
 #include <gtest/gtest.h>
@@ -36,28 +36,18 @@ struct Comparer : SessionListener {
     int answers = 0;
 };
 
-class Digest : public testing::Test {
+class Digest : public testing::Test, protected SessionPair {
   protected:
     Digest() {
-        MemoryTransport::connect(near, far);
         root->entryIs(Name("status"), status);
         for (int n = 0; n < 100; ++n) {
             std::string const name = "ls" + std::to_string(n);
             database->logicalSwitchIs(name.c_str())->tunnelKeyIs(static_cast<Qor::U32>(n));
         }
-        Session::Config config;
-        config.side = Demuxer::Side::accepting;
-        agent = std::make_unique<Session>(config, far, root);
-        reader = std::make_unique<Session>(Session::Config(), near, nullptr);
+        connect(root);
         reader->listenerIs(&comparer);
         reader->mount("/vgw/status", false);
         settle();
-    }
-    void settle() {
-        for (int round = 0; round < 20; ++round) {
-            reader->service();
-            agent->service();
-        }
     }
     void ask(Qor::AttributeId attribute, String8 const& from, Qor::U32 most) {
         reader->askForDigest({"/vgw/status/ovsdb", attribute, from, most});
@@ -66,11 +56,7 @@ class Digest : public testing::Test {
     Qor::Dir::Ptr const root = make<Qor::Dir>(Name("vgw"));
     Vgw::Status::Ptr const status = make<Vgw::Status>(Name("status"));
     Vgw::HwVtepOvsdb::Ptr const database = status->ovsdbIs(Name("ovsdb"));
-    MemoryTransport near;
-    MemoryTransport far;
     Comparer comparer;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 TEST_F(Digest, OfACopyThatIsInStepIsTheSame) {

@@ -1,7 +1,7 @@
 // Listeners of a directory's copy that change it while its entries arrive.
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
 
+#include <tests/support/SessionPair.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 
 #include <gtest/gtest.h>
@@ -34,29 +34,20 @@ struct Attaching : Qor::NboAttrLog::SessionListener {
 };
 
 TEST(EntryListener, OneThatTakesAnEntryOutWhileItArrivesEndsNoProcess) {
-    Qor::NboAttrLog::MemoryTransport near;
-    Qor::NboAttrLog::MemoryTransport far;
-    Qor::NboAttrLog::MemoryTransport::connect(near, far);
     auto const root = make<Qor::Dir>(Name("rows"));
     for (char const* const name : {"before", "taken", "stays"}) {
         root->entryIs(Name(name), make<Vgw::LogicalSwitch>(Name(name)));
     }
-    Session::Config agents;
-    agents.side = Qor::NboAttrLog::Demuxer::Side::accepting;
-    Session agent(agents, far, root);
-    Session reader(Session::Config(), near, nullptr);
     Attaching heard;
-    reader.listenerIs(&heard);
-    reader.mount("/rows", false);
-    for (int turn = 0; turn < 10; ++turn) {
-        reader.service();
-        agent.service();
-    }
+    SessionPair pair;
+    pair.connect(root);
+    pair.reader->listenerIs(&heard);
+    pair.reader->mount("/rows", false);
+    pair.settle();
     ASSERT_TRUE(heard.dir);
     EXPECT_EQ(heard.dir->entrys(), 2U);
     EXPECT_FALSE(heard.dir->entry(Name("taken")));
-    EXPECT_EQ(reader.closed(), Qor::String8());
-    EXPECT_EQ(agent.closed(), Qor::String8());
+    EXPECT_EQ(pair.closed(), "");
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 // A path and one above it, mounted on one connection, in each order.
-#include <qor/attrlog/session/Session.h>
 #include <qor/tree/Dir.h>
 
+#include <tests/support/SessionPair.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 #include <vgw/attrlog/Status.h>
 
@@ -18,7 +18,6 @@ using Qor::Name;
 using Qor::String8;
 using Qor::NboAttrLog::MountId;
 using Qor::NboAttrLog::Session;
-using Side = Qor::NboAttrLog::Demuxer::Side;
 
 struct HeardOfMounts : Qor::NboAttrLog::SessionListener {
     void onMounted(MountId mount, Qor::Ptr<Qor::Entity> const& entity) override {
@@ -40,18 +39,15 @@ struct AskedGiver : Qor::NboAttrLog::SessionListener {
     int asked = 0;
 };
 
-class OverlappingMounts : public testing::Test {
+class OverlappingMounts : public testing::Test, protected SessionPair {
   protected:
     OverlappingMounts() {
-        Qor::NboAttrLog::MemoryTransport::connect(near, far);
         root->entryIs(Name("status"), status);
         status->ovsdbIs(Name("db"));
         Session::Config agents;
-        agents.side = Side::accepting;
         agents.ringBlocks = 1;
-        agent = std::make_unique<Session>(agents, far, root);
+        connect(root, agents);
         agent->listenerIs(&given);
-        reader = std::make_unique<Session>(Session::Config(), near, nullptr);
         reader->listenerIs(&heard);
     }
     Vgw::LogicalSwitch::Ptr rows(unsigned count) {
@@ -71,14 +67,10 @@ class OverlappingMounts : public testing::Test {
     }
     static std::string_view path(Qor::Entity const& entity) { return entity.uriPath().view(); }
 
-    Qor::NboAttrLog::MemoryTransport near;
-    Qor::NboAttrLog::MemoryTransport far;
     Qor::Ptr<Qor::Dir> root = make<Qor::Dir>(Name("vgw"));
     Qor::Ptr<Vgw::Status> status = make<Vgw::Status>(Name("status"));
     HeardOfMounts heard;
     AskedGiver given;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 TEST_F(OverlappingMounts, OneAboveAnotherIsRefusedByBothPathsAndTheOtherGoesOn) {

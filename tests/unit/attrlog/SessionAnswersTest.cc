@@ -3,8 +3,8 @@
 #include "Records.h"
 
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
 
+#include <tests/support/SessionPair.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 #include <vgw/attrlog/Status.h>
 
@@ -58,19 +58,16 @@ struct ThrowingOwner : SessionListener {
 };
 
 // A tree's owner, and one who takes frames as short as may be.
-class SessionAnswers : public testing::Test {
+class SessionAnswers : public testing::Test, protected SessionPair {
   protected:
     SessionAnswers() {
-        MemoryTransport::connect(near, far);
         root->entryIs(Name("status"), status);
         status->ovsdbIs(Name("db"));
         Session::Config config;
-        config.side = Demuxer::Side::accepting;
         config.peerMayWrite = true;
-        agent = std::make_unique<Session>(config, far, root);
         Session::Config readers;
         readers.greatestFrame = leastGreatestFrame;
-        reader = std::make_unique<Session>(readers, near, nullptr);
+        connect(root, config, readers);
         reader->listenerIs(&heard);
     }
     void settle() {
@@ -85,14 +82,10 @@ class SessionAnswers : public testing::Test {
     }
     static String8 longPath() { return std::string_view("/vgw/" + std::string(80000, 'a')); }
 
-    MemoryTransport near;
-    MemoryTransport far;
     Qor::Ptr<Qor::Dir> root = make<Qor::Dir>(Name("vgw"));
     Qor::Ptr<Vgw::Status> status = make<Vgw::Status>(Name("status"));
     AnswersHeard heard;
     ThrowingOwner thrower;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 TEST_F(SessionAnswers, DigestOfAPathLongerThanAFrameIsRefusedInShort) {

@@ -2,9 +2,9 @@
 #include "Records.h"
 
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
 #include <qor/core/Now.h>
 
+#include <tests/support/SessionPair.h>
 #include <vgw/attrlog/CliConfig.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 #include <vgw/attrlog/Status.h>
@@ -38,48 +38,24 @@ struct Heard : Qor::NboAttrLog::SessionListener {
 };
 
 // An agent with a tree and a reader without one.
-class Sessions : public testing::Test {
+class Sessions : public testing::Test, protected SessionPair {
   protected:
     Sessions() {
-        Qor::NboAttrLog::MemoryTransport::connect(near, far);
         root->entryIs(Name("cliConfig"), cli);
         root->entryIs(Name("status"), status);
     }
     void connect(bool peerMayWrite = true) {
         Session::Config agents;
         agents.name = Name("agent");
-        agents.side = Side::accepting;
         agents.peerMayWrite = peerMayWrite;
-        agent = std::make_unique<Session>(agents, far, root);
-        reader = std::make_unique<Session>(Session::Config(), near, nullptr);
+        SessionPair::connect(root, agents);
         reader->listenerIs(&heard);
     }
-    // What a connection before has left goes.
-    void clearTransports() {
-        unsigned char room[4096];
-        for (auto* const end : {&near, &far})
-            while (end->read(room) != 0) {
-            }
-    }
-    // Until nothing goes over any more.
-    void settle() {
-        Qor::U64 before = 0;
-        do {
-            before = reader->counters().bytesOut + agent->counters().bytesOut;
-            reader->service();
-            agent->service();
-        } while (before != reader->counters().bytesOut + agent->counters().bytesOut ||
-                 agent->wantsWrite() || reader->wantsWrite());
-    }
 
-    Qor::NboAttrLog::MemoryTransport near;
-    Qor::NboAttrLog::MemoryTransport far;
     Qor::Ptr<Qor::Dir> root = make<Qor::Dir>(Name("vgw"));
     Qor::Ptr<Vgw::CliConfig> cli = make<Vgw::CliConfig>(Name("cliConfig"));
     Qor::Ptr<Vgw::Status> status = make<Vgw::Status>(Name("status"));
     Heard heard;
-    std::unique_ptr<Session> agent;
-    std::unique_ptr<Session> reader;
 };
 
 TEST_F(Sessions, EntityIsMountedByItsPathIntoACopyOfItsClass) {
@@ -249,7 +225,6 @@ TEST_F(Sessions, RowOfAnotherAddressUnderTheSameKeyIsNotTheCopyFromBeforeTheCut)
     reader.reset();
     agent.reset();
     macs->entryIs(Name("moves"), make<Vgw::UcastMacsLocal>(Kelp::EthAddr("00:00:5e:00:53:03")));
-    clearTransports();
     connect();
     reader->mount("/vgw/ucastMacsLocal", false, copy);
     settle();
@@ -298,8 +273,7 @@ TEST_F(Sessions, PingMeasuresTheRoundTrip) {
 }
 
 TEST_F(Sessions, OneByteOfRoomIsEnough) {
-    near.roomIs(1);
-    far.roomIs(1);
+    roomIs(1);
     connect();
     for (int i = 0; i < 20; ++i) {
         status->ovsdbIs(Name("db"))->logicalSwitchIs(Name(std::to_string(i).c_str()));
@@ -320,15 +294,13 @@ TEST_F(Sessions, ReaderThatStopsCostsItsRingAndAMark) {
     auto const row = db->logicalSwitchIs(Name("ls"));
     reader->mount("/vgw/status", false);
     settle();
-    far.roomIs(0);
-    near.roomIs(0);
+    roomIs(0);
     for (Qor::U32 i = 0; i < 1'000'000; ++i) row->tunnelKeyIs(i);
     agent->service();
     EXPECT_LE(agent->counters().flows, 1U);
     EXPECT_LE(agent->demuxer().out()->written() - agent->counters().bytesOut,
               8U * Qor::NboAttrLog::Out::blockSize);
-    near.roomIs(1 << 20);
-    far.roomIs(1 << 20);
+    roomIs(1 << 20);
     settle();
     auto const copy = Qor::dynamicCast<Vgw::Status>(heard.mounted);
     EXPECT_EQ(copy->ovsdb()->logicalSwitch(Name("ls"))->tunnelKey(), 999'999U);

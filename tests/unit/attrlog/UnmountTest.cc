@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <qor/attrlog/dir/DirAdapter.h>
-#include <qor/attrlog/session/Session.h>
+#include <tests/support/SessionPair.h>
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 
@@ -12,34 +12,13 @@ namespace {
 using Qor::Dir;
 using Qor::make;
 using Qor::Name;
-using Qor::NboAttrLog::Demuxer;
-using Qor::NboAttrLog::MemoryTransport;
 using Qor::NboAttrLog::Session;
 using Vgw::HwVtepOvsdb;
 using Vgw::LogicalSwitch;
 
-// Two sessions, one of which gives "/top".
-struct Link {
-    explicit Link(Dir::Ptr const& top) {
-        MemoryTransport::connect(near_, far_);
-        Session::Config given;
-        given.side = Demuxer::Side::accepting;
-        agent.emplace(given, far_, top);
-        reader.emplace(Session::Config(), near_, nullptr);
-    }
-    void run() {
-        for (int i = 0; i < 10; ++i) {
-            reader->service();
-            agent->service();
-        }
-    }
-
-    std::optional<Session> agent;
-    std::optional<Session> reader;
-
-  private:
-    MemoryTransport near_;
-    MemoryTransport far_;
+// One that gives "/top".
+struct Link : SessionPair {
+    explicit Link(Dir::Ptr const& top) { connect(top); }
 };
 
 // Gives the first mount back, once, when `wants` says so.
@@ -82,7 +61,7 @@ TEST(Unmount, WithinTheTellingOfAnEntryLeavesTheOtherMount) {
     hearer->session = &*link.reader;
     link.reader->mount("/top/rows", false, copy);
     auto const other = link.reader->mount("/top/other", false, make<LogicalSwitch>("other"));
-    link.run();
+    link.turns(10);
     EXPECT_FALSE(hearer->session) << "it heard of an entry";
     EXPECT_EQ(link.reader->closed(), "");
     EXPECT_EQ(link.agent->closed(), "");
@@ -100,13 +79,13 @@ void expectTheRestToStay(Qor::Ptr<X> const& original, Qor::Ptr<X> const& copy, R
     {
         Link first(top);
         first.reader->mount("/top/x", false, copy);
-        first.run();
+        first.turns(10);
     }
     remove();
     Link second(top);
     hearer->session = &*second.reader;
     second.reader->mount("/top/x", false, copy);
-    second.run();
+    second.turns(10);
     EXPECT_FALSE(hearer->session) << "it heard of the removal";
     EXPECT_EQ(second.reader->closed(), "");
 }

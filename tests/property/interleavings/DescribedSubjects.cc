@@ -1,0 +1,242 @@
+// The sorts of attributes once more, of a row of ends whose middle knows the class by its
+// description alone. All that is done goes through the generic interface.
+#include "Subject.h"
+
+#include "../../unit/dynamic/Described.h"
+#include "../../unit/dynamic/Tree.h"
+
+#include <qor/dynamic/DynamicAdapter.h>
+
+#include <vgw/attrlog/Status.h>
+
+#include <array>
+
+namespace Ends {
+
+namespace {
+
+using Qor::AttributeId;
+using Tree::OpId;
+using Tree::Wrapper;
+
+class DescribedSubject : public Subject {
+  public:
+    Qor::Ptr<Qor::Entity> top(End end) const final { return tops_[end]; }
+    std::string picture(End end) const override { return Tree::dump(tops_[end]); }
+
+  protected:
+    explicit DescribedSubject(char const* type)
+        : tops_{compiled(type), Described::twin(type).newInstance(Qor::Name("top")),
+                compiled(type)} {}
+    Wrapper at(End end) const { return Tree::wrapperOf(tops_[end]); }
+    // Of each value that is written another, so that no two writes look the same.
+    std::string fresh() { return std::to_string(++last_); }
+
+  private:
+    static Qor::Ptr<Qor::Entity> compiled(char const* type) {
+        return Qor::QorType::type(Qor::Name(type))->newInstance(Qor::Name("top"));
+    }
+
+    std::array<Qor::Ptr<Qor::Entity>, greatestEnds> tops_;
+    unsigned last_ = 0;
+};
+
+Qor::QorAttr const& attributeOf(Wrapper const& row, AttributeId id) {
+    return *row->fwkType()->attr(id);
+}
+
+Wrapper keyOf(Wrapper const& row, AttributeId id, char const* text) {
+    return Tree::valueOf(*attributeOf(row, id).keyType(), text);
+}
+
+// What stands under the key, if something does.
+Wrapper memberOf(Wrapper const& row, AttributeId id, Wrapper const& key) {
+    bool const isThere = row->attributeOp(id, OpId::opExists, key)->strRep() == "true";
+    return isThere ? row->attributeOp(id, OpId::opGet, key) : nullptr;
+}
+
+void valueIs(Wrapper const& row, AttributeId id, std::string const& text) {
+    row->attributeOp(id, OpId::opSet, nullptr,
+                     Tree::valueOf(*attributeOf(row, id).valueType(), text));
+}
+
+void memberIs(Wrapper const& row, AttributeId id, Wrapper const& key, std::string const& text) {
+    row->attributeOp(id, OpId::opSet, key, Tree::valueOf(*attributeOf(row, id).valueType(), text));
+}
+
+constexpr AttributeId tunnelKey = 388;  // of a logical switch
+
+// A child comes and goes; the second change is one of its value.
+class DescribedRow final : public DescribedSubject {
+  public:
+    DescribedRow() : DescribedSubject("Vgw::HwVtepOvsdb") {}
+
+  private:
+    static constexpr AttributeId rows = 263;
+    bool change(End end, unsigned which) override {
+        auto const database = at(end);
+        auto const key = keyOf(database, rows, "'k'");
+        auto there = memberOf(database, rows, key);
+        if (which == 1 && !there) return false;
+        if (which == 0 && there) {
+            database->attributeOp(rows, OpId::opDel, key);
+            return true;
+        }
+        if (which == 0) {
+            database->attributeOp(rows, OpId::opSet, nullptr, Tree::listOf(key));
+            there = memberOf(database, rows, key);
+        }
+        valueIs(there, tunnelKey, fresh());
+        return true;
+    }
+};
+
+class DescribedChild final : public DescribedSubject {
+  public:
+    DescribedChild() : DescribedSubject("Vgw::Status") {}
+
+  private:
+    static constexpr AttributeId only = 258;
+    static constexpr AttributeId number = 259;
+    bool change(End end, unsigned which) override {
+        auto const status = at(end);
+        auto there = status->attributeOp(only);
+        bool const isThere = static_cast<bool>(there->entity());
+        if (which == 1 && !isThere) return false;
+        if (which == 0 && isThere) {
+            status->attributeOp(only, OpId::opDel);
+            return true;
+        }
+        if (which == 0) {
+            auto const name = Tree::valueOf(*Qor::Name::_fwkType(), "'only'");
+            status->attributeOp(only, OpId::opSet, nullptr, Tree::listOf(name));
+            there = status->attributeOp(only);
+        }
+        valueIs(there, number, fresh());
+        return true;
+    }
+};
+
+class DescribedFlag final : public DescribedSubject {
+  public:
+    DescribedFlag() : DescribedSubject("Vgw::PhysicalPort") {}
+
+  private:
+    static constexpr AttributeId faults = 390;
+    bool change(End end, unsigned which) override {
+        auto const port = at(end);
+        auto const key = keyOf(port, faults, "'k'");
+        auto const there = memberOf(port, faults, key);
+        if (which == 1 && !there) return false;
+        if (which == 0 && there) {
+            port->attributeOp(faults, OpId::opDel, key);
+        } else {
+            bool const isSet = there && there->strRep() == "true";
+            memberIs(port, faults, key, isSet ? "false" : "true");
+        }
+        return true;
+    }
+};
+
+// A text of `length` and more under a key.
+template <std::size_t length>
+class DescribedLabel final : public DescribedSubject {
+  public:
+    DescribedLabel() : DescribedSubject("Vgw::PhysicalPort") {}
+
+  private:
+    static constexpr AttributeId bindings = 388;
+    bool change(End end, unsigned which) override {
+        auto const port = at(end);
+        auto const key = keyOf(port, bindings, "7");
+        auto const there = memberOf(port, bindings, key);
+        if (which == 1 && !there) return false;
+        if (which == 0 && there) {
+            port->attributeOp(bindings, OpId::opDel, key);
+        } else {
+            memberIs(port, bindings, key, "'" + fresh() + std::string(length, '.') + "'");
+        }
+        return true;
+    }
+};
+
+class DescribedScalar final : public DescribedSubject {
+  public:
+    DescribedScalar() : DescribedSubject("Vgw::LogicalSwitch") {}
+
+  private:
+    bool change(End end, unsigned) override {
+        valueIs(at(end), tunnelKey, fresh());
+        return true;
+    }
+};
+
+template <std::size_t length>
+class DescribedText final : public DescribedSubject {
+  public:
+    DescribedText() : DescribedSubject("Vgw::LogicalSwitch") {}
+
+  private:
+    static constexpr AttributeId text = 387;
+    bool change(End end, unsigned) override {
+        valueIs(at(end), text, "'" + fresh() + std::string(length, '.') + "'");
+        return true;
+    }
+};
+
+// A child comes and goes, and takes the reference to it along; the second change sets or removes
+// that.
+class DescribedReference final : public DescribedSubject {
+  public:
+    DescribedReference() : DescribedSubject("Vgw::HwVtepOvsdb") {}
+
+  private:
+    static constexpr AttributeId links = 260;
+    static constexpr AttributeId rows = 266;
+    static constexpr AttributeId description = 387;  // of a physical switch
+    bool change(End end, unsigned which) override {
+        auto const database = at(end);
+        auto const key = keyOf(database, rows, "'k'");
+        auto const link = keyOf(database, links, "'link'");
+        auto const there = memberOf(database, rows, key);
+        auto const referred = memberOf(database, links, link);
+        if (which == 1 && !there && !referred) return false;
+        if (referred) database->attributeOp(links, OpId::opDel, link);
+        if (which == 1) {
+            if (!referred) database->attributeOp(links, OpId::opSet, link, there);
+        } else if (there) {
+            database->attributeOp(rows, OpId::opDel, key);
+        } else {
+            database->attributeOp(rows, OpId::opSet, nullptr, Tree::listOf(key));
+            valueIs(memberOf(database, rows, key), description, "'" + fresh() + "'");
+        }
+        return true;
+    }
+    void tidyUp(End end) override { Tree::dropDangling(top(end)); }
+};
+
+template <class S>
+std::unique_ptr<Subject> made() {
+    return std::make_unique<S>();
+}
+
+}  // namespace
+
+std::vector<Sort> const& sorts() {
+    static std::vector<Sort> const all{
+        {"DescribedRow", 1, 1, false, &made<DescribedRow>},
+        {"DescribedRowAndValue", 2, 2, true, &made<DescribedRow>},
+        {"DescribedChild", 1, 1, false, &made<DescribedChild>},
+        {"DescribedChildAndValue", 2, 2, true, &made<DescribedChild>},
+        {"DescribedFlag", 2, 2, true, &made<DescribedFlag>},
+        {"DescribedLabel", 2, 2, true, &made<DescribedLabel<1>>},
+        {"DescribedLongLabel", 2, 3, true, &made<DescribedLabel<40000>>},
+        {"DescribedScalar", 1, 1, true, &made<DescribedScalar>},
+        {"DescribedText", 1, 1, true, &made<DescribedText<1>>},
+        {"DescribedLongText", 1, 3, true, &made<DescribedText<40000>>},
+        {"DescribedReference", 2, 2, true, &made<DescribedReference>},
+    };
+    return all;
+}
+
+}  // namespace Ends

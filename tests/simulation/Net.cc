@@ -51,21 +51,53 @@ void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> co
     connect_ = std::make_unique<Session>(config, *connectEnd_, roots[connecting_]);
     config.side = Side::accepting;
     accept_ = std::make_unique<Session>(config, *acceptEnd_, roots[accepting_]);
-    synced_ = 0;
-    wanted_ = 0;
-    auto const mount = [&](Session& session, Tree const& tree, unsigned process) {
-        session.listenerIs(this);
-        session.mount(Qor::String8(std::string_view(tree.path)), settings.isWritable,
-                      tree.tops[process]);
-        ++wanted_;
+    acceptHearer_ = std::make_unique<Hearer>(*this, *accept_);
+    connectHearer_ = std::make_unique<Hearer>(*this, *connect_);
+    areWritable_ = settings.isWritable;
+    mounts_.clear();
+    auto const add = [&](Session& session, Tree const& tree, unsigned process) {
+        mounts_.push_back({&session, std::string_view(tree.path), tree.tops[process]});
+        mount(mounts_.back());
     };
     for (Tree const& tree : trees) {
         auto const& from = tree.route.from;
         bool const isDown = from[connecting_] == accepting_ && tree.route.maker != connecting_;
         bool const isUp = from[accepting_] == connecting_ && tree.route.maker != accepting_;
-        if (isDown) mount(*connect_, tree, connecting_);
-        if (isUp) mount(*accept_, tree, accepting_);
+        if (isDown) add(*connect_, tree, connecting_);
+        if (isUp) add(*accept_, tree, accepting_);
     }
+}
+
+void Link::mount(Mounted& mounted) const {
+    mounted.id = mounted.session->mount(mounted.path, areWritable_, mounted.copy);
+    mounted.isSynced = false;
+}
+
+bool Link::remount(Dice& dice) {
+    if (!isUp() || mounts_.empty()) return false;
+    Mounted& mounted = mounts_[dice.below(mounts_.size())];
+    bool const wasMounted = mounted.id != 0;
+    if (wasMounted) mounted.session->unmount(std::exchange(mounted.id, 0));
+    mounted.isSynced = false;
+    if (!wasMounted || dice.oneIn(2)) mount(mounted);
+    return true;
+}
+
+void Link::mountAll() {
+    for (Mounted& mounted : mounts_) {
+        if (mounted.id == 0) mount(mounted);
+    }
+}
+
+void Link::synced(Session const& session, Qor::NboAttrLog::MountId mount) {
+    for (Mounted& mounted : mounts_) {
+        if (mounted.session == &session && mounted.id == mount) mounted.isSynced = true;
+    }
+}
+
+bool Link::isSynced() const {
+    return isUp() && std::all_of(mounts_.begin(), mounts_.end(),
+                                 [](Mounted const& mounted) { return mounted.isSynced; });
 }
 
 void Link::cut() {
@@ -73,6 +105,7 @@ void Link::cut() {
     acceptEnd_->memory().cut();
     service(true, 1);
     service(false, 1);
+    mounts_.clear();
     connect_.reset();
     accept_.reset();
 }
@@ -187,6 +220,16 @@ void Net::connect(Link& link) {
 
 void Net::cut(Link& link) {
     link.cut();
+    outOfStep();
+}
+
+bool Net::remount(Link& link, Dice& dice) {
+    if (!link.remount(dice)) return false;
+    outOfStep();
+    return true;
+}
+
+void Net::outOfStep() {
     for (Tree& tree : trees_) tree.inStep.assign(roots_.size(), false);
 }
 
@@ -237,6 +280,7 @@ unsigned Net::settle() {
         for (auto const& link : links_) {
             Qor::U64 const before = link->bytes();
             if (!link->isUp()) connect(*link);
+            link->mountAll();
             link->roomIs(true, ~std::size_t{0});
             link->roomIs(false, ~std::size_t{0});
             link->service(true, 1U << 20);

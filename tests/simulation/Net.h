@@ -53,7 +53,7 @@ struct Tree {
     std::string path;
 };
 
-class Link final : public Qor::NboAttrLog::SessionListener {
+class Link final {
   public:
     Link(unsigned accepting, unsigned connecting)
         : accepting_(accepting), connecting_(connecting) {}
@@ -64,11 +64,15 @@ class Link final : public Qor::NboAttrLog::SessionListener {
     void connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> const& trees,
                  Settings const& settings);
     void cut();
+    // One of its mounts is given back, and perhaps made again at once; or, if it was given back
+    // before, it is made again now. Whether it has any.
+    bool remount(Dice& dice);
+    void mountAll();
     void roomIs(bool towardsAccepting, std::size_t bytes);
     void service(bool accepting, Qor::U64 budget);
     // Bytes that have gone over it, both ways.
     Qor::U64 bytes() const { return bytes_; }
-    bool isSynced() const { return isUp() && synced_ == wanted_; }
+    bool isSynced() const;
     // Nothing is owed or under way.
     bool isIdle() const;
     std::string closed() const;
@@ -78,9 +82,31 @@ class Link final : public Qor::NboAttrLog::SessionListener {
     // What went over it since the last call, in words.
     std::vector<std::string> traceOn();
 
-    void onSynced(Qor::NboAttrLog::MountId) override { ++synced_; }
-
   private:
+    // A tree that one end mounts of the other, and whether it has all of it.
+    struct Mounted {
+        Session* session;
+        Qor::String8 path;
+        Qor::Dir::Ptr copy;
+        Qor::NboAttrLog::MountId id = 0;  // 0: given back
+        bool isSynced = false;
+    };
+    // Hears of one end's mounts.
+    class Hearer final : public Qor::NboAttrLog::SessionListener {
+      public:
+        Hearer(Link& link, Session& session) : link_(link), session_(session) {
+            session.listenerIs(this);
+        }
+        void onSynced(Qor::NboAttrLog::MountId mount) override { link_.synced(session_, mount); }
+
+      private:
+        Link& link_;
+        Session& session_;
+    };
+
+    void mount(Mounted& mounted) const;
+    void synced(Session const& session, Qor::NboAttrLog::MountId mount);
+
     unsigned const accepting_;
     unsigned const connecting_;
     std::vector<Sent> history_;
@@ -88,10 +114,12 @@ class Link final : public Qor::NboAttrLog::SessionListener {
     std::unique_ptr<Tap> connectEnd_;
     std::unique_ptr<Session> accept_;
     std::unique_ptr<Session> connect_;
+    std::unique_ptr<Hearer> acceptHearer_;
+    std::unique_ptr<Hearer> connectHearer_;
+    std::vector<Mounted> mounts_;
+    bool areWritable_ = false;
     Qor::U64 bytes_ = 0;
     std::size_t traced_ = 0;
-    unsigned synced_ = 0;
-    unsigned wanted_ = 0;
 };
 
 class Net {
@@ -108,6 +136,8 @@ class Net {
     // Unless who would serve has come back empty and is not whole again: it would serve that.
     void connect(Link& link);
     void cut(Link& link);
+    // The same of a tree that is mounted over it, while the connection stays. Whether there is one.
+    bool remount(Link& link, Dice& dice);
     // The process forgets all its copies and connections, as if it had ended and come back.
     void crash(unsigned process);
     // Makes no trees: only then it may crash.
@@ -120,6 +150,7 @@ class Net {
 
   private:
     bool isWhole(unsigned process);
+    void outOfStep();
 
     Settings const settings_;
     std::vector<bool> isHollow_;  // has come back empty

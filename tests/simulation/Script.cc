@@ -29,7 +29,8 @@ Settings settingsOf(Dice& dice, Topology const& topology, Request const& request
 class Run {
   public:
     explicit Run(Request const& request)
-        : dice_(request.seed),
+        : remounts_(request.remounts),
+          dice_(request.seed),
           topology_(dice_.oneOf(topologies())),
           settings_(settingsOf(dice_, topology_, request)),
           net_(topology_, settings_, dice_) {}
@@ -55,6 +56,7 @@ class Run {
     }
     bool mayWrite(Tree& tree, unsigned process) const;
 
+    bool const remounts_;
     Dice dice_;
     Topology const& topology_;
     Settings const settings_;
@@ -107,7 +109,12 @@ void Run::cutSomewhere() {
         ++outcome_.volumes.crashes;
         return;
     }
-    net_.cut(*dice_.oneOf(net_.links()));
+    Link& link = *dice_.oneOf(net_.links());
+    if (remounts_ && dice_.oneIn(2) && net_.remount(link, dice_)) {
+        ++outcome_.volumes.remounts;
+        return;
+    }
+    net_.cut(link);
     ++outcome_.volumes.cuts;
 }
 

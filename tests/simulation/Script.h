@@ -14,6 +14,7 @@ struct Volumes {
     std::uint64_t changes = 0;
     std::uint64_t cuts = 0;
     std::uint64_t crashes = 0;
+    std::uint64_t remounts = 0;
     std::uint64_t bytes = 0;
 };
 
@@ -30,6 +31,7 @@ struct Request {
     std::uint64_t seed = 1;
     unsigned steps = 0;     // 0: the seed decides
     bool rivals = false;    // several authors write the same values
+    bool remounts = false;  // mounts are given back and made again while the connection stays
     bool isTraced = false;  // everything that happens on standard output
 };
 

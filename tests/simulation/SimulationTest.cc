@@ -36,6 +36,19 @@ TEST(Simulation, AuthorsOfTheSameValuesConverge) {
     }
 }
 
+TEST(Simulation, MountsAreGivenBackAndMadeAgainOnTheSameConnection) {
+    std::uint64_t remounts = 0;
+    for (std::uint64_t seed = 1; seed <= scripts / 3; ++seed) {
+        Request const request{seed, 0, seed % 4 == 0, true};
+        auto const outcome = runScript(request);
+        remounts += outcome.volumes.remounts;
+        ASSERT_EQ(outcome.violation, "")
+            << outcome.topology << "; to see it again: simulate --remounts --trace --scripts 1 "
+            << (request.rivals ? "--rivals " : "") << "--seed " << seed;
+    }
+    EXPECT_GT(remounts, scripts / 9);
+}
+
 // Each is a run in which a child, or what its author wrote below it, had got lost while the source
 // removed or replaced others of the same collection; or a flow was owed for ever.
 TEST(Simulation, NoWriteIsLostThatNobodyOpposes) {

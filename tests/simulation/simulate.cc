@@ -15,12 +15,13 @@ struct Options {
 };
 
 constexpr char const* help =
-    "simulate [--seed N] [--steps N] [--scripts N] [--seconds N] [--rivals] [--trace]\n"
+    "simulate [--seed N] [--steps N] [--scripts N] [--seconds N] [--rivals] [--remounts] "
+    "[--trace]\n"
     "\n"
     "Runs script after script from the seed on (1 unless told), each of so many steps (as the\n"
     "seed decides unless told), until so many scripts or seconds (60) are over. --rivals lets\n"
-    "several authors write the same values, --trace tells everything. Ends with 1 at the first "
-    "violation.\n";
+    "several authors write the same values, --remounts has mounts given back and made again while\n"
+    "their connection stays, --trace tells everything. Ends with 1 at the first violation.\n";
 
 Options parsed(int count, char** words) {
     Options options;
@@ -39,6 +40,8 @@ Options parsed(int count, char** words) {
             options.seconds = static_cast<double>(number());
         } else if (is("--rivals")) {
             options.request.rivals = true;
+        } else if (is("--remounts")) {
+            options.request.remounts = true;
         } else if (is("--trace")) {
             options.request.isTraced = true;
         } else {
@@ -57,10 +60,12 @@ void print(Sim::Volumes const& sum, std::uint64_t scripts, double seconds) {
                 static_cast<unsigned long long>(scripts), each(scripts),
                 static_cast<unsigned long long>(sum.steps),
                 static_cast<unsigned long long>(sum.changes), each(sum.changes));
-    std::printf("%llu cuts, %llu crashes, %.1f MB over the links, %.1f s\n",
-                static_cast<unsigned long long>(sum.cuts),
-                static_cast<unsigned long long>(sum.crashes), static_cast<double>(sum.bytes) / 1e6,
-                seconds);
+    std::printf(
+        "%llu cuts, %llu crashes, %llu mounts given back or made again, %.1f MB over the links, "
+        "%.1f s\n",
+        static_cast<unsigned long long>(sum.cuts), static_cast<unsigned long long>(sum.crashes),
+        static_cast<unsigned long long>(sum.remounts), static_cast<double>(sum.bytes) / 1e6,
+        seconds);
 }
 
 }  // namespace
@@ -82,6 +87,7 @@ int main(int count, char** words) {
         sum.changes += outcome.volumes.changes;
         sum.cuts += outcome.volumes.cuts;
         sum.crashes += outcome.volumes.crashes;
+        sum.remounts += outcome.volumes.remounts;
         sum.bytes += outcome.volumes.bytes;
         if (outcome.violation.empty()) continue;
         std::printf("--seed %llu --steps %u (%s): %s\n",

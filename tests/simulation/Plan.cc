@@ -44,6 +44,13 @@ void Plan::cutAt(Lines const& source) {
     }
 }
 
+void Plan::unmountedAt(Lines const& source, bool isSomethingOnItsWay) {
+    if (!isSomethingOnItsWay) return cutAt(source);
+    for (auto const& [line, author] : authors) {
+        if (author != 0) unsure.insert(line);
+    }
+}
+
 // A row that may have got lost takes all below with it. A reference goes with its target.
 bool Plan::isSure(std::string const& line) const {
     auto const found = lines.find(line);

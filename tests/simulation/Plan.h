@@ -40,6 +40,8 @@ struct Plan {
     void eraseRow(std::string const& row);
     // A connection is cut: what the source does not hold yet may get lost.
     void cutAt(Lines const& source);
+    // A mount is given back: what is on its way still arrives, and what was to follow it does not.
+    void unmountedAt(Lines const& source, bool isSomethingOnItsWay);
     // Whether nothing but its author's word decides about a line that somebody wrote.
     bool isSure(std::string const& line) const;
     // Takes over what the source holds of what others than its author wrote, where that is unsure.

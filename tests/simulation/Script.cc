@@ -42,6 +42,7 @@ class Run {
     void changeSomewhere();
     void serveSomeone();
     void cutSomewhere();
+    void remountSomewhere();
     void traceOn(Link& link) const;
     void look();
     void finish();
@@ -100,6 +101,7 @@ void Run::traceOn(Link& link) const {
 
 void Run::cutSomewhere() {
     if (!settings_.hasCuts) return;
+    if (remounts_ && dice_.oneIn(3)) return remountSomewhere();
     for (Tree& tree : net_.trees()) {
         tree.plan.cutAt(pictureOf(*tree.tops[tree.route.maker]).lines);
     }
@@ -109,13 +111,18 @@ void Run::cutSomewhere() {
         ++outcome_.volumes.crashes;
         return;
     }
-    Link& link = *dice_.oneOf(net_.links());
-    if (remounts_ && dice_.oneIn(2) && net_.remount(link, dice_)) {
-        ++outcome_.volumes.remounts;
-        return;
-    }
-    net_.cut(link);
+    net_.cut(*dice_.oneOf(net_.links()));
     ++outcome_.volumes.cuts;
+}
+
+void Run::remountSomewhere() {
+    auto const& links = net_.links();
+    bool const areIdle =
+        std::all_of(links.begin(), links.end(), [](auto const& link) { return link->isIdle(); });
+    for (Tree& tree : net_.trees()) {
+        tree.plan.unmountedAt(pictureOf(*tree.tops[tree.route.maker]).lines, !areIdle);
+    }
+    if (net_.remount(*dice_.oneOf(links), dice_)) ++outcome_.volumes.remounts;
 }
 
 void Run::look() {

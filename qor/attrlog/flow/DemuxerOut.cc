@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace Qor {
 
@@ -128,7 +129,6 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
     bool const isWhole = flow.hasResume_ && flow.resumeAt_ == 0;
     U64 const knownBefore = announced_;
     U64 const writtenBefore = out_->written();
-    bool waits = false;
     bool leadsNowhere = false;
     AttributeId next = flow.hasResume_ ? flow.resumeAt_ : flow.attrId();
     do {
@@ -143,7 +143,7 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
         if (adapter.flowOut() != &flow) return false;
         if (next != 0 && flow.retryLater()) {
             adapter.freeResyncState(Qor::Ptr<FlowOut>(&flow));
-            waits = true;
+            flow.waits_ = true;
             ++next;
         }
         bool const isStuck = next == at && at != 0 && out_->written() == before;
@@ -157,6 +157,7 @@ bool Demuxer::runPass(FlowOut& flow, StreamAdapter& adapter) {
         flow.resumeAt_ = next;
         flow.hasResume_ = true;
     } while (next != 0);
+    bool const waits = std::exchange(flow.waits_, false);
     if (waits && !flow.leavesOut_) {
         flow.leavesOut_ = true;
         return true;

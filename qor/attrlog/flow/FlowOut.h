@@ -111,6 +111,7 @@ class QOR_EXPORT FlowOut : public VFPtrInterface {
     bool hasResume_ = false;  // resumeAt_ says more than attrId_
     bool isRunning_ = false;
     bool isWhole_ = false;
+    bool waits_ = false;  // in this pass, which may take several turns, something had no id
     bool leavesOut_ = false;
     HashMap<QorPendingAbort, AttributeId> pendingAborts_;
     StreamAdapter* adapter_;

@@ -288,6 +288,27 @@ TEST_F(Sessions, OneByteOfRoomIsEnough) {
     EXPECT_EQ(copy->ovsdb()->logicalSwitchs(), 20U);
 }
 
+// A ring of one block is full as soon as something stands in it, so a pass over the attributes
+// takes many turns; one that found no id for a target forgot that at the end of its turn.
+TEST_F(Sessions, ReferenceWhoseTargetNeverComesIsNotTriedForEverInAShortRing) {
+    auto const database = status->ovsdbIs(Name("db"));
+    auto const elsewhere = make<Vgw::PhysicalSwitch>(Name("elsewhere"));
+    database->physicalSwitchIs("away", elsewhere);
+    Session::Config agents;
+    agents.ringBlocks = 1;
+    SessionPair::connect(root, agents);
+    reader->listenerIs(&heard);
+    reader->mount("/vgw/status", false);
+    ASSERT_TRUE(settle());
+    EXPECT_NE(heard.synced, 0U);
+    EXPECT_EQ(closed(), "");
+    auto const there = database->physicalSwitchRawIs(Name("there"));
+    database->physicalSwitchIs("away", there);
+    ASSERT_TRUE(settle());
+    auto const copy = Qor::dynamicCast<Vgw::Status>(heard.mounted)->ovsdb();
+    EXPECT_EQ(copy->physicalSwitch("away"), copy->physicalSwitchRaw(Name("there")));
+}
+
 TEST_F(Sessions, ReaderThatStopsCostsItsRingAndAMark) {
     connect();
     auto const db = status->ovsdbIs(Name("db"));

@@ -72,6 +72,7 @@ void Peer::makeSession(bool mayWrite, Qor::Ptr<Qor::Entity> root) {
     config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
     config.peerMayWrite = mayWrite;
     config.quota.openTextBytes = host_.quotas().limits().halfTexts;
+    config.quota.entities = static_cast<Qor::U32>(host_.quotas().limits().entities);
     session_.emplace(config, *transport_, std::move(root));
     session_->listenerIs(this);
 }
@@ -120,7 +121,7 @@ void Peer::runTurn() {
     Qor::U64 const before = session_->counters().bytesIn + session_->counters().bytesOut;
     if (!serve()) return;
     noteTraffic();
-    countHalfTexts();
+    countHeld();
     if (session_->closed().length() != 0) return end(std::string(session_->closed().view()));
     bool const isMoving = session_->counters().bytesIn + session_->counters().bytesOut != before;
     bool const isFlowing = session_->wantsWrite() && !transport_->isBlocked();
@@ -191,7 +192,7 @@ void Peer::onGiven(MountId mount, Qor::String8 const& path, bool writable) {
 void Peer::onTakenBack(MountId mount) {
     if (mounts_.erase(mount) == 0) return;
     --taken_.mounts;
-    host_.quotas().giveBack(identity_.name, {0, 1, 0});
+    host_.quotas().giveBack(identity_.name, {0, 1, 0, 0});
 }
 
 void Peer::onWritten(Qor::Entity& entity, Qor::AttributeId attribute) {
@@ -200,16 +201,29 @@ void Peer::onWritten(Qor::Entity& entity, Qor::AttributeId attribute) {
 
 void Peer::onPong(Qor::Seconds) { ++pongs_; }
 
-void Peer::countHalfTexts() {
-    Qor::U64 const held = session_->demuxer().openText();
-    if (held == taken_.halfTexts) return;
-    bool const isWithin = host_.quotas().moveHalfTexts(identity_.name, taken_.halfTexts, held);
-    taken_.halfTexts = held;
-    if (isWithin) return;
-    host_.log(LogLevel::warning, name_ + ": " + identity_.name + " has too many half sent texts");
-    session_->close(std::string_view("the texts that " + identity_.name +
-                                     " has sent by half are over " +
-                                     std::to_string(host_.quotas().limits().halfTexts) + " bytes"));
+// What the session holds for the peer, against what its identity may have.
+void Peer::countHeld() {
+    Quotas& quotas = host_.quotas();
+    auto const& demuxer = session_->demuxer();
+    if (Qor::U64 const held = demuxer.openText(); held != taken_.halfTexts) {
+        bool const isWithin = quotas.moveHalfTexts(identity_.name, taken_.halfTexts, held);
+        taken_.halfTexts = held;
+        if (!isWithin)
+            return closeFor("the texts that " + identity_.name + " has sent by half are over " +
+                            std::to_string(quotas.limits().halfTexts) + " bytes");
+    }
+    if (Qor::U64 const held = demuxer.peersEntities(); held != taken_.entities) {
+        bool const isWithin = quotas.moveEntities(identity_.name, taken_.entities, held);
+        taken_.entities = held;
+        if (!isWithin)
+            closeFor(identity_.name + " has made more than " +
+                     std::to_string(quotas.limits().entities) + " entities");
+    }
+}
+
+void Peer::closeFor(std::string const& reason) {
+    host_.log(LogLevel::warning, name_ + ": " + reason);
+    session_->close(std::string_view(reason));
     session_->service(turnBytes);
 }
 

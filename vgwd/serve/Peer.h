@@ -76,7 +76,8 @@ class Peer final : public std::enable_shared_from_this<Peer>,
     void runTurn();
     bool serve();
     void noteTraffic();
-    void countHalfTexts();
+    void countHeld();
+    void closeFor(std::string const& reason);
     void await();
     void awaitReadable();
     void awaitWritable();

@@ -16,6 +16,11 @@ Count difference(Count a, Count b) {
     return a > b ? static_cast<Count>(a - b) : Count{0};
 }
 
+bool move(std::uint64_t& count, std::uint64_t from, std::uint64_t to, std::uint64_t limit) {
+    count = sum(difference(count, from), to);
+    return count <= limit;
+}
+
 bool take(std::uint32_t& count, std::uint32_t limit) {
     if (count >= limit) return false;
     ++count;
@@ -33,9 +38,11 @@ bool Quotas::takeMount(std::string const& identity) {
 }
 
 bool Quotas::moveHalfTexts(std::string const& identity, std::uint64_t from, std::uint64_t to) {
-    std::uint64_t& bytes = used_[identity].halfTexts;
-    bytes = sum(difference(bytes, from), to);
-    return bytes <= limits_.halfTexts;
+    return move(used_[identity].halfTexts, from, to, limits_.halfTexts);
+}
+
+bool Quotas::moveEntities(std::string const& identity, std::uint64_t from, std::uint64_t to) {
+    return move(used_[identity].entities, from, to, limits_.entities);
 }
 
 void Quotas::giveBack(std::string const& identity, QuotaUse const& use) {
@@ -45,6 +52,7 @@ void Quotas::giveBack(std::string const& identity, QuotaUse const& use) {
     left.sessions = difference(left.sessions, use.sessions);
     left.mounts = difference(left.mounts, use.mounts);
     left.halfTexts = difference(left.halfTexts, use.halfTexts);
+    left.entities = difference(left.entities, use.entities);
     if (left.sessions == 0) used_.erase(found);
 }
 

@@ -15,6 +15,10 @@ struct QuotaLimits {
     std::uint32_t sessions = 256;
     std::uint32_t mounts = 1024;
     std::uint64_t halfTexts = 64U << 20;  ///< bytes of texts that have not come whole
+    /// That it has made in the tree, until they have gone from it: a few hundred bytes each, and up
+    /// to nine times what their announcements took. A MAC row is the database's as soon as that has
+    /// it.
+    std::uint64_t entities = 1U << 18;
 };
 
 /// What an identity has.
@@ -22,6 +26,7 @@ struct QuotaUse {
     std::uint32_t sessions = 0;
     std::uint32_t mounts = 0;
     std::uint64_t halfTexts = 0;
+    std::uint64_t entities = 0;
 };
 
 class Quotas {
@@ -31,9 +36,10 @@ class Quotas {
     /// Takes so much more, or nothing: then false.
     bool takeSession(std::string const& identity);
     bool takeMount(std::string const& identity);
-    /// From so many bytes of one session to so many. Whether that is within the limit; it is
+    /// From so many of one session to so many. Whether that is within the limit; it is
     /// counted in any case, since the bytes are there.
     bool moveHalfTexts(std::string const& identity, std::uint64_t from, std::uint64_t to);
+    bool moveEntities(std::string const& identity, std::uint64_t from, std::uint64_t to);
     /// Gives a session back, with its mounts and bytes.
     void giveBack(std::string const& identity, QuotaUse const& use);
 

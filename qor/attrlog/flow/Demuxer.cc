@@ -52,6 +52,7 @@ void Demuxer::adapterIs(StreamAdapter& adapter) {
     if (isFresh) newest = adapter.entityId().value();
     if (!isFresh && adapters_.contains(adapter)) return;
     adapters_.newMember(Qor::Ptr<StreamAdapter>(&adapter), adapter.fwkHash());
+    if (isPeers(adapter.entityId())) ++peersEntities_;
     lastFound_ = &adapter;
 }
 
@@ -59,6 +60,7 @@ Qor::Ptr<Entity::QorNboAttrLogSa> Demuxer::reactorDel(EntityId const& id) {
     lastFound_ = nullptr;
     Qor::Ptr<StreamAdapter> const gone = adapters_.memberDel(id);
     if (!gone) return nullptr;
+    if (isPeers(id)) --peersEntities_;
     flowInDel(id);
     dropFlow(*gone);
     if (gone->qorNotifierEntity()) gone->doRemountSelf(out_);
@@ -73,8 +75,7 @@ void Demuxer::adapterEnds(StreamAdapter& adapter) {
 }
 
 void Demuxer::needPeersId(EntityId const& id) {
-    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
-    if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {
+    if (!isPeers(id) || id == orphanEntityId || id == EntityId(peersHalf | 1)) {
         throw AttrLogRecordException(format("the id %llx is not the peer's to give",
                                             static_cast<unsigned long long>(id.value())));
     }
@@ -85,7 +86,7 @@ void Demuxer::needPeersId(EntityId const& id) {
         throw AttrLogRecordException(format("the id %llx stands for another entity",
                                             static_cast<unsigned long long>(id.value())));
     }
-    if (adapters_.size() >= quota_.entities) {
+    if (peersEntities_ >= quota_.entities) {
         throwRangeException(format("more than %u entities", quota_.entities));
     }
 }
@@ -99,10 +100,9 @@ bool Demuxer::hasGoneHere(EntityId const& id) const {
 
 bool Demuxer::isOfTheGone(EntityId const& id, bool isCopy) {
     U64& newest = isCopy ? newestOfCopies_ : newestOfOriginals_;
-    bool const isPeers = id.isUnified() && (id.value() & peersHalf) != ownHalf_;
     U64 const number = id.value() & ~peersHalf;
-    if (!isPeers || number > newest) {
-        if (isPeers) newest = number;
+    if (!isPeers(id) || number > newest) {
+        if (isPeers(id)) newest = number;
         return false;
     }
     auto const* const known = adapter(id);

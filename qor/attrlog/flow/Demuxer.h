@@ -59,7 +59,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
 
     // What one peer may make this process hold.
     struct Quota {
-        U32 entities = 4'000'000;
+        U32 entities = 4'000'000;  // that it has announced, and that are there still
         U64 openTextBytes = 64U << 20;
     };
 
@@ -103,6 +103,8 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
         return static_cast<Entity::QorNboAttrLogSa*>(lastFound_);
     }
     U32 adapters() const noexcept { return adapters_.size(); }
+    // Those whose entities the peer has announced.
+    U32 peersEntities() const noexcept { return peersEntities_; }
     EntityId newEntityId() noexcept;
     // Enters an adapter under its id, and keeps it.
     void adapterIs(StreamAdapter& adapter);
@@ -216,6 +218,9 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     static constexpr U64 noEnd = std::numeric_limits<U64>::max();
 
     StreamAdapter* find(EntityId const& id) const noexcept;
+    bool isPeers(EntityId const& id) const noexcept {
+        return id.isUnified() && (id.value() & peersHalf) != ownHalf_;
+    }
     U64& newestEntered(EntityId const& id) noexcept {
         return newestEntered_[(id.value() & peersHalf) != 0 ? 1 : 0];
     }
@@ -275,6 +280,7 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 newestOfCopies_ = 0;  // the greatest id that the peer has announced
     U64 newestOfOriginals_ = 0;  // the same, of what the peer made in trees of this end's
     Quota quota_;
+    U32 peersEntities_ = 0;
     Counters counters_;
     U32 protocol_ = 2;
     U32 depth_ = 0;

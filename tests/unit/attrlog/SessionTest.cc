@@ -288,6 +288,34 @@ TEST_F(Sessions, OneByteOfRoomIsEnough) {
     EXPECT_EQ(copy->ovsdb()->logicalSwitchs(), 20U);
 }
 
+TEST_F(Sessions, WhatIsGivenCountsTowardsNoQuotaOfThePeers) {
+    auto const macs = make<Qor::Dir>(Name("macs"));
+    root->entryIs(Name("macs"), macs);
+    for (char const* const name : {"a", "b", "c"}) {
+        macs->entryIs(Name(name), make<Vgw::LogicalSwitch>(Name(name)));
+    }
+    Session::Config agents;
+    agents.peerMayWrite = true;
+    agents.quota.entities = 2;
+    SessionPair::connect(root, agents);
+    reader->listenerIs(&heard);
+    reader->mount("/vgw/macs", true);
+    ASSERT_TRUE(settle());
+    auto const copy = Qor::dynamicCast<Qor::Dir>(heard.mounted);
+    copy->entryIs(Name("d"), make<Vgw::LogicalSwitch>(Name("d")));
+    copy->entryIs(Name("e"), make<Vgw::LogicalSwitch>(Name("e")));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(agent->demuxer().peersEntities(), 2U);
+    copy->entryDel(Name("d"));
+    copy->entryIs(Name("f"), make<Vgw::LogicalSwitch>(Name("f")));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(closed(), "");
+    EXPECT_EQ(macs->entrys(), 5U);
+    copy->entryIs(Name("g"), make<Vgw::LogicalSwitch>(Name("g")));
+    settle();
+    EXPECT_EQ(agent->closed(), "more than 2 entities");
+}
+
 // A ring of one block is full as soon as something stands in it, so a pass over the attributes
 // takes many turns; one that found no id for a target forgot that at the end of its turn.
 TEST_F(Sessions, ReferenceWhoseTargetNeverComesIsNotTriedForEverInAShortRing) {

@@ -37,6 +37,16 @@ TEST(Quotas, HalfTextsOfAllSessionsCountTogether) {
     EXPECT_EQ(quotas.useOf("a").halfTexts, 60U);
 }
 
+TEST(Quotas, EntitiesOfAllSessionsCountTogether) {
+    Quotas quotas({2, 1, 100, 10});
+    EXPECT_TRUE(quotas.takeSession("a") && quotas.takeSession("a") && quotas.takeSession("b"));
+    EXPECT_TRUE(quotas.moveEntities("a", 0, 6));
+    EXPECT_FALSE(quotas.moveEntities("a", 0, 5));
+    EXPECT_TRUE(quotas.moveEntities("b", 0, 10));
+    quotas.giveBack("a", {1, 0, 0, 6});
+    EXPECT_EQ(quotas.useOf("a").entities, 5U);
+}
+
 TEST(Quotas, CountsStopAtTheGreatestNumberAndAtNone) {
     Quotas quotas({2, 1, most});
     EXPECT_TRUE(quotas.takeSession("a"));

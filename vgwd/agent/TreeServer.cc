@@ -45,7 +45,7 @@ std::string TreeServer::whyNotCalled(std::string const& path, Qor::Entity& entit
 
 std::string TreeServer::whyReadOnly(std::string const& path, Qor::Entity& entity) {
     bool const isWritable = &entity == tree_.cliConfig().ptr() || &entity == tree_.config().ptr() ||
-                            database_.writer().isWritable(entity);
+                            database_.writer().open(entity);
     return isWritable ? std::string() : path + " may only be read";
 }
 

@@ -20,12 +20,30 @@ Qor::String8 uuidOf(Qor::Entity const& row) {
     return multicast != nullptr ? multicast->uuid() : Qor::String8();
 }
 
-bool mayBeWritten(Table table, Qor::AttributeId attribute) {
-    if (table == Table::ucastMacsLocal)
-        return attribute == Vgw::UcastMacsLocal::VtepIpAttr::id ||
-               attribute == Vgw::UcastMacsLocal::LogicalSwitchAttr::id;
-    return attribute == Vgw::McastMacsLocal::VtepIpAttr::id ||
-           attribute == Vgw::McastMacsLocal::LogicalSwitchAttr::id;
+bool isVtepIp(Table table, Qor::AttributeId attribute) {
+    return attribute == (table == Table::ucastMacsLocal ? Vgw::UcastMacsLocal::VtepIpAttr::id
+                                                        : Vgw::McastMacsLocal::VtepIpAttr::id);
+}
+
+bool isLogicalSwitch(Table table, Qor::AttributeId attribute) {
+    return attribute == (table == Table::ucastMacsLocal
+                             ? Vgw::UcastMacsLocal::LogicalSwitchAttr::id
+                             : Vgw::McastMacsLocal::LogicalSwitchAttr::id);
+}
+
+// The row as the database and what is known to be written have it, beside what it is.
+std::map<Kelp::IpAddr, bool> differenceOf(LocatorSet const& there, MacChanges const& known,
+                                          Vgw::McastMacsLocal const& row) {
+    std::map<Kelp::IpAddr, bool> before;
+    for (auto const& [uuid, address] : there.members)
+        if (address) before[*address] = true;
+    for (auto const& [address, isThere] : known.vtepIps) before[address] = isThere;
+    std::map<Kelp::IpAddr, bool> changed;
+    for (auto const& [address, isThere] : before)
+        if (row.vtepIp(address) != isThere) changed[address] = !isThere;
+    for (auto at = row.vtepIpIteratorConst(); at; ++at)
+        if (at.value() && !before.contains(at.key())) changed[at.key()] = true;
+    return changed;
 }
 
 }  // namespace
@@ -52,16 +70,26 @@ DatabaseWriter::DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ov
 
 DatabaseWriter::~DatabaseWriter() {
     for (auto const& [table, watch] : watches_) watch->notifierIs(nullptr);
+    for (auto const& [place, watch] : rowWatches_) watch->notifierIs(nullptr);
 }
 
 void DatabaseWriter::stop() { timer_.cancel(); }
 
 Qor::Dir& DatabaseWriter::directory(Table table) const { return mirror_.directories().of(table); }
 
-bool DatabaseWriter::isWritable(Qor::Entity const& entity) const {
+bool DatabaseWriter::open(Qor::Entity& entity) {
     for (Table const table : {Table::ucastMacsLocal, Table::mcastMacsLocal})
         if (&entity == &directory(table) || entity.qorParent() == &directory(table)) return true;
-    return writableTable(entity) && entity.qorParent() == &mirror_.database();
+    auto const table = writableTable(entity);
+    if (!table || entity.qorParent() != &mirror_.database()) return false;
+    std::erase_if(rowWatches_, [](auto const& watch) { return !watch.second->qorNotifier(); });
+    Place const place(*table, std::string(entity.qorName().view()));
+    auto const found = rowWatches_.find(place);
+    if (found != rowWatches_.end() && found->second->qorNotifier() == &entity) return true;
+    auto const watch = watchMembers(
+        entity, [this, place](WrittenMember const& written) { handleMember(place, written); });
+    if (watch) rowWatches_[place] = watch;
+    return true;
 }
 
 void DatabaseWriter::handleWritten(std::string const& peer, Qor::Entity& entity,
@@ -80,6 +108,15 @@ void DatabaseWriter::handleEntry(Table table, Qor::Name const& name) {
     touch(unsigned_.back(), {});
 }
 
+void DatabaseWriter::handleMember(Place const& place, WrittenMember const& written) {
+    if (working_ != 0) return;
+    Pending& pending = touch(place, {});
+    if (written.refusal.empty())
+        pending.wanted.row.members[written.column][written.key] = written.member;
+    else
+        pending.refusal = written.refusal;
+}
+
 void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor::Entity& row,
                                       Qor::AttributeId attribute) {
     Place const place(table, nameOf(table, row));
@@ -87,21 +124,54 @@ void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor:
     if (!isInDatabase(place)) return;
     if (mirror_.macRow(table, *Ovsdb::Uuid::parse(place.second)).ptr() != &row)
         pending.refusal = "the row is there already";
-    else if (mayBeWritten(table, attribute))
-        pending.wanted.content = macContentOf(row);
+    else if (isVtepIp(table, attribute) || isLogicalSwitch(table, attribute))
+        noteMac(place, pending, row, attribute);
     else
         pending.refusal =
             std::string(row.attributeString(attribute).view()) + " may not be written";
+}
+
+void DatabaseWriter::noteMac(Place const& place, Pending& pending, Qor::Entity const& row,
+                             Qor::AttributeId attribute) {
+    Table const table = place.first;
+    auto const* const multicast = dynamic_cast<Vgw::McastMacsLocal const*>(&row);
+    MacContent const content = *macContentOf(row);
+    MacChanges changes;
+    if (isLogicalSwitch(table, attribute)) {
+        changes.logicalSwitch = content.logicalSwitch;
+    } else if (multicast == nullptr) {
+        changes.vtepIp = content.vtepIps.empty() ? Kelp::IpAddr() : content.vtepIps.front();
+    } else {
+        MacChanges known = pending.sent.mac;
+        known.add(pending.wanted.mac);
+        changes.vtepIps =
+            differenceOf(locatorSetOf(client_.rows(), table, place.second), known, *multicast);
+    }
+    pending.wanted.mac.add(changes);
 }
 
 void DatabaseWriter::handleRowWritten(std::string const& peer, Table table, Qor::Entity& row,
                                       Qor::AttributeId attribute) {
     Pending& pending = touch({table, std::string(row.qorName().view())}, peer);
     WrittenValue const written = writtenValue(row, attribute);
-    if (written.refusal.empty())
-        pending.wanted.columns[written.column] = written.value;
-    else
+    if (!written.refusal.empty())
         pending.refusal = written.refusal;
+    else if (!written.column.empty())
+        pending.wanted.row.columns[written.column] = written.value;
+}
+
+// Within the mirror's step nothing else changes the tree.
+void DatabaseWriter::handleApplied(std::vector<Ovsdb::RowChange> const& changes) {
+    if (work_.empty()) return;
+    for (Ovsdb::RowChange const& change : changes) {
+        if (change.table != Table::physicalSwitch && change.table != Table::physicalPort) continue;
+        auto const found = work_.find({change.table, change.uuid.text()});
+        if (found != work_.end()) putBack(found->first, found->second);
+    }
+    // What such a row shows also stands in other tables.
+    for (auto at = work_.lower_bound({Table::mcastMacsLocal, {}});
+         at != work_.end() && at->first.first == Table::mcastMacsLocal; ++at)
+        putBack(at->first, at->second);
 }
 
 DatabaseWriter::Pending& DatabaseWriter::touch(Place const& place, std::string const& peer) {
@@ -114,6 +184,7 @@ DatabaseWriter::Pending& DatabaseWriter::touch(Place const& place, std::string c
 }
 
 void DatabaseWriter::inStepIs(bool inStep) {
+    if (inStep && !inStep_) takesUuids_ = true;
     inStep_ = inStep;
     schedule();
 }

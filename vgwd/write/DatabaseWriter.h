@@ -5,11 +5,20 @@
 // local MAC rows, which peers also make and remove.
 //
 // A write is gathered for a moment, so that attributes that are set together go together, and sent
-// as one transaction a row, one at a time for each row. What a row holds beside the database
-// meanwhile is what the peer made of it. When the database refuses it, or when it may not be
-// written at all, the row is made again what the database says, and why is told in the report and
-// the log. A MAC row that a peer makes stands under the peer's name until the database has it, and
-// under its UUID from then on. What is written while the mirror is not in step waits until it is.
+// as one transaction a row, one at a time for each row. Members of sets and maps are kept and sent
+// one by one (RowChanges.h). What a row holds beside the database meanwhile is what the peer made
+// of it: members that the mirror takes out because the database does not have them yet are put back
+// at once, so that whatever a peer does to a member afterwards is a change, and heard. When the
+// database refuses it, or when it may not be written at all, the row is made again what the
+// database says, and why is told in the report and the log. A MAC row that a peer makes stands
+// under the peer's name until the database has it, and under its UUID from then on. What is written
+// while the mirror is not in step waits until it is.
+//
+// What was sent when the connection was lost may have been carried out, or may still be. It is sent
+// again: all transactions but one may be carried out twice. A MAC row is made under a UUID of our
+// own, which there can't be twice; a server that can't be told one is not asked again for a row
+// that is there. As some transaction may be why the connection was lost, those go one by one then,
+// and one that is lost each time is given up.
 //
 // Whatever changes the tree by itself says so by Working, so that it is not taken for a write.
 
@@ -17,6 +26,7 @@
 #include <ovsdb/mirror/Mirror.h>
 #include <qor/tree/Dir.h>
 #include <vgwd/write/MacRequest.h>
+#include <vgwd/write/RowMembers.h>
 #include <vgwd/write/WrittenValue.h>
 
 #include <asio/io_context.hpp>
@@ -58,10 +68,13 @@ class DatabaseWriter {
                    WriteListener& listener);
     ~DatabaseWriter();
 
-    /// Whether there is something in the entity that peers may write.
-    bool isWritable(Qor::Entity const& entity) const;
+    /// Whether there is something in the entity that peers may write. What they do there is heard
+    /// from then on.
+    bool open(Qor::Entity& entity);
     /// A peer of that identity has changed an attribute of it.
     void handleWritten(std::string const& peer, Qor::Entity& entity, Qor::AttributeId attribute);
+    /// The mirror has been brought up to date with those.
+    void handleApplied(std::vector<Ovsdb::RowChange> const& changes);
     void inStepIs(bool inStep);
     void stop();
 
@@ -72,22 +85,27 @@ class DatabaseWriter {
     using Place = std::pair<Ovsdb::Table, std::string>;  // and the row's name there
     class DirectoryWatch;
 
-    // What is to be done about a row.
+    // What is to be done about a row that the database has.
     struct Wanted {
-        nlohmann::json columns;             // null: none
-        std::optional<MacContent> content;  // of a MAC row that the database has
+        RowChanges row;
+        MacChanges mac;
+
+        bool isEmpty() const { return row.isEmpty() && mac.isEmpty(); }
     };
     struct Pending {
         std::string peer;
         Wanted wanted;
-        Wanted sent;          // by the transaction that is under way
-        std::string refusal;  // what was written may not be
+        Wanted sent;                     // by the transaction that is under way
+        std::optional<MacContent> made;  // as which a new MAC row was sent,
+        std::string uuid;                // and under which UUID
+        std::string refusal;             // what was written may not be
         Clock::time_point begun;
         Clock::time_point touched;
         bool isDue = false;
         bool isSent = false;                       // a transaction is under way
         bool makesLocators = false;                // it does
-        std::optional<Clock::time_point> clashed;  // first, with another's locator
+        std::optional<Clock::time_point> clashed;  // first, with what another did
+        int losses = 0;                            // of the connection, while it was under way
     };
     using Work = std::map<Place, Pending>;
 
@@ -95,9 +113,13 @@ class DatabaseWriter {
     std::string nameOf(Ovsdb::Table table, Qor::Entity const& row) const;
     std::string pathOf(Place const& place) const;
     bool isInDatabase(Place const& place) const;
+    Qor::Ptr<Vgw::OvsdbDataModel> rowAt(Place const& place) const;
     void handleEntry(Ovsdb::Table table, Qor::Name const& name);
+    void handleMember(Place const& place, WrittenMember const& written);
     void handleMacWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
                           Qor::AttributeId attribute);
+    void noteMac(Place const& place, Pending& pending, Qor::Entity const& row,
+                 Qor::AttributeId attribute);
     void handleRowWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
                           Qor::AttributeId attribute);
     Pending& touch(Place const& place, std::string const& peer);
@@ -107,13 +129,20 @@ class DatabaseWriter {
     void work(Place const& place, Pending& pending);
     void workOnMac(Place const& place, Pending& pending);
     void workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row);
+    void insertMac(Place const& place, Pending& pending, MacContent const& content);
+    std::string madeRow(Ovsdb::Table table, Pending const& pending) const;
     void send(Place const& place, Pending& pending, nlohmann::json const& operations);
+
     void handleOutcome(Place const& place, Ovsdb::RpcError const* error);
+    void handleFailure(Place const& place, Pending& pending, Ovsdb::RpcError const& error);
     void handleTaken(Place const& place, Pending& pending);
-    static bool mayBeTriedAgain(Pending& pending, Ovsdb::RpcError const& error);
+    void handleThere(Place const& place, Pending& pending, std::string const& uuid);
+    void handleLost(Place const& place, Pending& pending);
+    bool mayBeTriedAgain(Place const& place, Pending& pending, Ovsdb::RpcError const& error);
     static void takeBack(Pending& pending);
     void undo(Place const& place, std::string const& reason);
     void restore(Place const& place);
+    void putBack(Place const& place, Pending const& pending);
     void resetMarks(Place const& place);
 
     Ovsdb::Client& client_;
@@ -121,12 +150,14 @@ class DatabaseWriter {
     WriteListener& listener_;
     asio::steady_timer timer_;
     std::map<Ovsdb::Table, Qor::Dir::NotifieeConst::Ptr> watches_;
+    std::map<Place, Qor::PtrInterface::NotifieeConst::Ptr> rowWatches_;
     Work work_;
     std::vector<Place> unsigned_;  // changed by a peer that is not known yet
     std::size_t sent_ = 0;         // transactions under way
     int working_ = 0;
     bool inStep_ = false;
     bool isScheduled_ = false;
+    bool takesUuids_ = true;  // the server; until it says otherwise
 };
 
 }  // namespace Vgwd

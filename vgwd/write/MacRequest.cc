@@ -1,10 +1,13 @@
 #include <vgwd/write/MacRequest.h>
 
+#include <ovsdb/mirror/Values.h>
+#include <ovsdb/store/Datum.h>
 #include <ovsdb/store/Uuid.h>
 #include <vgw/tables/McastMacsLocal.h>
 #include <vgw/tables/UcastMacsLocal.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace Vgwd {
 namespace {
@@ -22,16 +25,19 @@ json whereIs(std::string const& row) {
     return json::array({json::array({"_uuid", "==", uuid(row)})});
 }
 
-// Fails when the row is gone: an update of no row would pass for one that was made.
-json mustBeThere(Table table, std::string const& row) {
+// Fails when the row is gone, or says something else: an update of no row would pass for one that
+// was made.
+json mustSay(Table table, std::string const& row, char const* column, std::string const& value) {
     return {{"op", "wait"},
             {"timeout", 0},
             {"table", tableName(table)},
             {"where", whereIs(row)},
-            {"columns", json::array({"_uuid"})},
+            {"columns", json::array({column})},
             {"until", "=="},
-            {"rows", json::array({json{{"_uuid", uuid(row)}}})}};
+            {"rows", json::array({json{{column, uuid(value)}}})}};
 }
+
+json mustBeThere(Table table, std::string const& row) { return mustSay(table, row, "_uuid", row); }
 
 // The locator of that address; made by the transaction if there is none.
 json locatorAt(Kelp::IpAddr address, Vgw::HwVtepOvsdb const& database, json& operations) {
@@ -46,25 +52,32 @@ json locatorAt(Kelp::IpAddr address, Vgw::HwVtepOvsdb const& database, json& ope
     return {"named-uuid", name};
 }
 
-json locatorSetOf(MacContent const& content, Vgw::HwVtepOvsdb const& database, json& operations) {
-    json members = json::array();
-    for (Kelp::IpAddr const address : content.vtepIps)
-        members.push_back(locatorAt(address, database, operations));
+json newLocatorSet(json members, json& operations) {
     operations.push_back({{"op", "insert"},
                           {"table", "Physical_Locator_Set"},
-                          {"row", {{"locators", {"set", members}}}},
+                          {"row", {{"locators", {"set", std::move(members)}}}},
                           {"uuid-name", "locators"}});
     return {"named-uuid", "locators"};
 }
 
-json columnsOf(Table table, MacContent const& content, Vgw::HwVtepOvsdb const& database,
-               json& operations) {
-    json columns{{"logical_switch", uuid(content.logicalSwitch)}};
-    if (isMulticast(table))
-        columns["locator_set"] = locatorSetOf(content, database, operations);
-    else
-        columns["locator"] = locatorAt(content.vtepIps.front(), database, operations);
-    return columns;
+json newLocatorSet(MacContent const& content, Vgw::HwVtepOvsdb const& database, json& operations) {
+    json members = json::array();
+    for (Kelp::IpAddr const address : content.vtepIps)
+        members.push_back(locatorAt(address, database, operations));
+    return newLocatorSet(std::move(members), operations);
+}
+
+json newLocatorSet(MacChanges const& changes, LocatorSet const& there,
+                   Vgw::HwVtepOvsdb const& database, json& operations) {
+    json members = json::array();
+    for (auto const& [row, address] : there.members) {
+        auto const changed = address ? changes.vtepIps.find(*address) : changes.vtepIps.end();
+        if (changed == changes.vtepIps.end() || changed->second) members.push_back(uuid(row));
+    }
+    for (auto const& [address, isThere] : changes.vtepIps)
+        if (isThere && !there.has(address))
+            members.push_back(locatorAt(address, database, operations));
+    return newLocatorSet(std::move(members), operations);
 }
 
 // The all-zero address stands for traffic to unknown destinations.
@@ -80,15 +93,33 @@ json updateOf(Table table, std::string const& row, json columns) {
             {"row", std::move(columns)}};
 }
 
-void insertStatistics(json const& columns, json& operations) {
-    auto const found = columns.find("vlan_stats");
-    if (found == columns.end()) return;
-    for (json const& ofVlan : (*found)[1])
-        if (json const& value = ofVlan[1]; value[0] == "named-uuid")
-            operations.push_back({{"op", "insert"},
-                                  {"table", tableName(Table::logicalBindingStats)},
-                                  {"row", json::object()},
-                                  {"uuid-name", value[1]}});
+// Of a map's VLANs; others than these can't be in the database.
+bool mayBeThere(json const& key) { return !key.is_number() || key <= 4095; }
+
+// The value of a map's member; a row that it only names by a name is made.
+json valueOf(json const& key, Member const& member, json& operations) {
+    if (Ovsdb::Uuid::parse(member.text)) return uuid(member.text);
+    std::string const name = "vlan" + key.dump();
+    operations.push_back({{"op", "insert"},
+                          {"table", tableName(Table::logicalBindingStats)},
+                          {"row", json::object()},
+                          {"uuid-name", name}});
+    return {"named-uuid", name};
+}
+
+// What a map holds under a key stays when something is inserted there, so that goes out first.
+void mutateMembers(std::string const& column, std::map<json, Member> const& members,
+                   json& mutations, json& operations) {
+    json gone = json::array();
+    json come = json::array();
+    bool const isMap = column == "vlan_stats";
+    for (auto const& [key, member] : members) {
+        if ((isMap || !member.isThere) && mayBeThere(key)) gone.push_back(key);
+        if (member.isThere)
+            come.push_back(isMap ? json::array({key, valueOf(key, member, operations)}) : key);
+    }
+    if (!gone.empty()) mutations.push_back({column, "delete", {"set", gone}});
+    if (!come.empty()) mutations.push_back({column, "insert", {isMap ? "map" : "set", come}});
 }
 
 }  // namespace
@@ -114,20 +145,77 @@ std::string macLacks(MacContent const& content) {
     return {};
 }
 
-json macInsertion(Table table, MacContent const& content, Vgw::HwVtepOvsdb const& database) {
+std::string macLacks(MacChanges const& changes, LocatorSet const& there) {
+    if (changes.logicalSwitch && changes.logicalSwitch->empty()) return "logicalSwitch is not set";
+    if (changes.logicalSwitch && !Ovsdb::Uuid::parse(*changes.logicalSwitch))
+        return "logicalSwitch is no row's UUID";
+    bool const hasVtep =
+        changes.vtepIps.empty() ||
+        std::any_of(changes.vtepIps.begin(), changes.vtepIps.end(),
+                    [](auto const& changed) { return changed.second; }) ||
+        std::any_of(there.members.begin(), there.members.end(), [&](auto const& member) {
+            return !member.second || !changes.vtepIps.contains(*member.second);
+        });
+    if (!hasVtep || (changes.vtepIp && *changes.vtepIp == Kelp::IpAddr()))
+        return "vtepIp is not set";
+    return {};
+}
+
+void MacChanges::add(MacChanges const& later) {
+    if (later.logicalSwitch) logicalSwitch = later.logicalSwitch;
+    if (later.vtepIp) vtepIp = later.vtepIp;
+    for (auto const& [address, isThere] : later.vtepIps) vtepIps[address] = isThere;
+}
+
+bool LocatorSet::has(Kelp::IpAddr address) const {
+    return std::any_of(members.begin(), members.end(),
+                       [&](auto const& member) { return member.second == address; });
+}
+
+LocatorSet locatorSetOf(Ovsdb::RowStore const& rows, Table table, std::string const& row) {
+    auto const name = Ovsdb::Uuid::parse(row);
+    Ovsdb::Row const* const mac = isMulticast(table) && name ? rows.find(table, *name) : nullptr;
+    if (mac == nullptr) return {};
+    Ovsdb::Uuid const uuid = Ovsdb::uuidOf(mac->column(Ovsdb::MacColumn::locator));
+    LocatorSet set{uuid.text(), {}};
+    Ovsdb::Row const* const found = rows.find(Table::physicalLocatorSet, uuid);
+    if (found == nullptr) return set;
+    for (Ovsdb::Uuid const& member :
+         Ovsdb::uuidsOf(found->column(Ovsdb::PhysicalLocatorSetColumn::locators))) {
+        Ovsdb::Row const* const locator = rows.find(Table::physicalLocator, member);
+        set.members[member.text()] =
+            locator ? Ovsdb::ipv4Of(locator->column(Ovsdb::PhysicalLocatorColumn::dstIp))
+                    : std::nullopt;
+    }
+    return set;
+}
+
+json macInsertion(Table table, MacContent const& content, Vgw::HwVtepOvsdb const& database,
+                  std::string const& row) {
     json operations = json::array();
-    json columns = columnsOf(table, content, database, operations);
+    json columns{{"logical_switch", uuid(content.logicalSwitch)}};
+    if (isMulticast(table))
+        columns["locator_set"] = newLocatorSet(content, database, operations);
+    else
+        columns["locator"] = locatorAt(content.vtepIps.front(), database, operations);
     columns["MAC"] = macText(table, content.mac);
     columns["ipaddr"] = "";
-    operations.push_back(
-        {{"op", "insert"}, {"table", tableName(table)}, {"row", std::move(columns)}});
+    json insertion{{"op", "insert"}, {"table", tableName(table)}, {"row", std::move(columns)}};
+    if (!row.empty()) insertion["uuid"] = row;
+    operations.push_back(std::move(insertion));
     return operations;
 }
 
-json macUpdate(Table table, std::string const& row, MacContent const& content,
-               Vgw::HwVtepOvsdb const& database) {
+json macUpdate(Table table, std::string const& row, MacChanges const& changes,
+               LocatorSet const& there, Vgw::HwVtepOvsdb const& database) {
     json operations = json::array({mustBeThere(table, row)});
-    json columns = columnsOf(table, content, database, operations);
+    json columns = json::object();
+    if (changes.logicalSwitch) columns["logical_switch"] = uuid(*changes.logicalSwitch);
+    if (changes.vtepIp) columns["locator"] = locatorAt(*changes.vtepIp, database, operations);
+    if (!changes.vtepIps.empty()) {
+        operations.push_back(mustSay(table, row, "locator_set", there.uuid));
+        columns["locator_set"] = newLocatorSet(changes, there, database, operations);
+    }
     operations.push_back(updateOf(table, row, std::move(columns)));
     return operations;
 }
@@ -143,10 +231,17 @@ json rowRemoval(Table table, std::string const& row) {
         {json{{"op", "delete"}, {"table", tableName(table)}, {"where", whereIs(row)}}});
 }
 
-json rowUpdate(Table table, std::string const& row, json columns) {
+json rowUpdate(Table table, std::string const& row, RowChanges const& changes) {
     json operations = json::array({mustBeThere(table, row)});
-    insertStatistics(columns, operations);
-    operations.push_back(updateOf(table, row, std::move(columns)));
+    json mutations = json::array();
+    for (auto const& [column, members] : changes.members)
+        mutateMembers(column, members, mutations, operations);
+    if (!changes.columns.is_null()) operations.push_back(updateOf(table, row, changes.columns));
+    if (!mutations.empty())
+        operations.push_back({{"op", "mutate"},
+                              {"table", tableName(table)},
+                              {"where", whereIs(row)},
+                              {"mutations", mutations}});
     return operations;
 }
 

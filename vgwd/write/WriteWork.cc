@@ -4,6 +4,9 @@
 #include <vgw/tables/McastMacsLocal.h>
 #include <vgw/tables/UcastMacsLocal.h>
 
+#include <algorithm>
+#include <random>
+
 namespace Vgwd {
 
 using Ovsdb::Table;
@@ -11,19 +14,19 @@ using std::chrono::milliseconds;
 
 namespace {
 
-// In which a new row has to have become one that can be written, and a locator that another made
-// at the same time has to be seen.
+// In which a new row has to have become one that can be written.
 constexpr milliseconds mostPatience{5000};
 // Transactions under way at once.
 constexpr std::size_t mostSent = 256;
 
-// All that a transaction of ours waits for is that its row is there.
-std::string wordsOf(Ovsdb::RpcError const& error) {
-    return error.error == "timed out" ? "the row is gone from the database" : error.text();
+// Version 4 of RFC 4122, section 4.4.
+std::string newUuid() {
+    std::random_device source;
+    auto const draw = [&] { return static_cast<std::uint64_t>(source()) << 32 | source(); };
+    std::uint64_t const high = (draw() & ~0xf000ULL) | 0x4000ULL;
+    std::uint64_t const low = draw() >> 2 | 1ULL << 63;
+    return Ovsdb::Uuid(high, low).text();
 }
-
-// There may be one locator of an address, and another has made it at the same time.
-bool isClash(Ovsdb::RpcError const& error) { return error.error == "constraint violation"; }
 
 bool isOf(Table table, Qor::Entity const& row) {
     return table == Table::ucastMacsLocal
@@ -31,44 +34,23 @@ bool isOf(Table table, Qor::Entity const& row) {
                : dynamic_cast<Vgw::McastMacsLocal const*>(&row) != nullptr;
 }
 
-Vgw::OvsdbDataType kindOf(Table table) {
-    switch (table) {
-        case Table::ucastMacsLocal:
-            return Vgw::OvsdbDataType::ucastMacsLocal;
-        case Table::mcastMacsLocal:
-            return Vgw::OvsdbDataType::mcastMacsLocal;
-        case Table::physicalSwitch:
-            return Vgw::OvsdbDataType::physicalSwitch;
-        case Table::physicalPort:
-            return Vgw::OvsdbDataType::physicalPort;
-        default:
-            return Vgw::OvsdbDataType::logicalBindingStats;
-    }
-}
-
-Qor::Ptr<Vgw::OvsdbDataModel> rowOf(Vgw::HwVtepOvsdb const& database, Table table,
-                                    std::string const& name) {
-    Qor::Name const key = std::string_view(name);
-    switch (table) {
-        case Table::physicalSwitch:
-            return database.physicalSwitchRaw(key);
-        case Table::physicalPort:
-            return database.physicalPort(key);
-        default:
-            return database.logicalBindingStats(key);
-    }
-}
-
 }  // namespace
 
 void DatabaseWriter::run() {
     std::vector<Place> due;
+    bool hasLost = false;
     auto const now = Clock::now();
-    for (auto const& [place, pending] : work_)
-        if (pending.isDue && !pending.isSent && now - pending.touched >= gathering)
-            due.push_back(place);
+    for (auto const& [place, pending] : work_) {
+        if (!pending.isDue || pending.isSent || now - pending.touched < gathering) continue;
+        due.push_back(place);
+        hasLost |= pending.losses != 0;
+    }
+    // One of those that were under way may be why the connection was lost. Which one it is shows
+    // only where nothing else is under way.
+    if (hasLost)
+        std::erase_if(due, [this](Place const& place) { return work_.at(place).losses == 0; });
     for (Place const& place : due) {
-        if (!inStep_ || sent_ >= mostSent) break;
+        if (!inStep_ || sent_ >= (hasLost ? 1 : mostSent)) break;
         auto const found = work_.find(place);
         if (found != work_.end()) work(place, found->second);
     }
@@ -82,8 +64,8 @@ void DatabaseWriter::work(Place const& place, Pending& pending) {
     }
     if (isLocalMac(place.first)) return workOnMac(place, pending);
     pending.isDue = false;
-    if (!pending.wanted.columns.is_null())
-        send(place, pending, rowUpdate(place.first, place.second, pending.wanted.columns));
+    if (!pending.wanted.row.isEmpty())
+        send(place, pending, rowUpdate(place.first, place.second, pending.wanted.row));
     else
         work_.erase(place);
 }
@@ -93,15 +75,24 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
     auto const row = directory(table).entry(Qor::Name(std::string_view(name)));
     if (!isInDatabase(place)) {
         if (row) return workOnNewMac(place, pending, *row);
+        std::string const made = pending.losses != 0 ? madeRow(table, pending) : "";
+        if (!made.empty()) return handleThere(place, pending, made);
         work_.erase(place);
         return;
     }
     pending.isDue = false;
     if (!row) return send(place, pending, rowRemoval(table, name));
-    if (!pending.wanted.content) return undo(place, "the row is there already");
-    std::string const lacks = macLacks(*pending.wanted.content);
+    if (mirror_.macRow(table, *Ovsdb::Uuid::parse(name)).ptr() != row.ptr())
+        return undo(place, "the row is there already");
+    MacChanges const& changes = pending.wanted.mac;
+    if (changes.isEmpty()) {
+        work_.erase(place);
+        return;
+    }
+    LocatorSet const there = locatorSetOf(client_.rows(), table, name);
+    std::string const lacks = macLacks(changes, there);
     if (!lacks.empty()) return undo(place, lacks);
-    send(place, pending, macUpdate(table, name, *pending.wanted.content, mirror_.database()));
+    send(place, pending, macUpdate(table, name, changes, there, mirror_.database()));
 }
 
 void DatabaseWriter::workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row) {
@@ -115,7 +106,31 @@ void DatabaseWriter::workOnNewMac(Place const& place, Pending& pending, Qor::Ent
         return;
     }
     pending.isDue = false;
-    send(place, pending, macInsertion(table, content, mirror_.database()));
+    insertMac(place, pending, content);
+}
+
+void DatabaseWriter::insertMac(Place const& place, Pending& pending, MacContent const& content) {
+    if (pending.losses != 0) {
+        std::string const made = madeRow(place.first, pending);
+        if (!made.empty()) return handleThere(place, pending, made);
+    }
+    if (pending.uuid.empty() && takesUuids_) pending.uuid = newUuid();
+    pending.made = content;
+    send(place, pending,
+         macInsertion(place.first, content, mirror_.database(), takesUuids_ ? pending.uuid : ""));
+}
+
+// The row of the database that a transaction of which no answer came has made; empty: there is
+// none. Where it could not be named, one that says the same is it.
+std::string DatabaseWriter::madeRow(Table table, Pending const& pending) const {
+    if (isInDatabase({table, pending.uuid})) return pending.uuid;
+    if (takesUuids_) return {};
+    for (auto at = directory(table).entryIteratorConst(); at; ++at) {
+        std::string const name(at.key().view());
+        if (at.value() && isInDatabase({table, name}) && macContentOf(*at.value()) == pending.made)
+            return name;
+    }
+    return {};
 }
 
 void DatabaseWriter::send(Place const& place, Pending& pending, nlohmann::json const& operations) {
@@ -125,86 +140,6 @@ void DatabaseWriter::send(Place const& place, Pending& pending, nlohmann::json c
     ++sent_;
     client_.transact(operations, pathOf(place) + ", " + pending.peer,
                      [this, place](Ovsdb::RpcError const* error) { handleOutcome(place, error); });
-}
-
-void DatabaseWriter::handleOutcome(Place const& place, Ovsdb::RpcError const* error) {
-    --sent_;
-    auto const found = work_.find(place);
-    if (found == work_.end()) return;
-    Pending& pending = found->second;
-    pending.isSent = false;
-    if (error == nullptr)
-        handleTaken(place, pending);
-    else if (error->kind == Ovsdb::RpcError::Kind::lost || mayBeTriedAgain(pending, *error))
-        takeBack(pending);
-    else
-        undo(place, wordsOf(*error));
-    schedule();
-}
-
-void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
-    listener_.onTaken();
-    bool const isNew = isLocalMac(place.first) && !isInDatabase(place);
-    bool const isChanged = pending.isDue;
-    if (isNew && isChanged)
-        return undo(place, "it was changed while it was being written: see under its UUID");
-    if (isNew) restore(place);
-    if (!isChanged) work_.erase(place);
-}
-
-bool DatabaseWriter::mayBeTriedAgain(Pending& pending, Ovsdb::RpcError const& error) {
-    if (!pending.makesLocators || !isClash(error)) return false;
-    auto const now = Clock::now();
-    if (!pending.clashed) pending.clashed = now;
-    return now - *pending.clashed < mostPatience;
-}
-
-// Nobody knows whether the database has it, or it has to be made otherwise: it is written again,
-// but for what was written since.
-void DatabaseWriter::takeBack(Pending& pending) {
-    Wanted before = std::exchange(pending.sent, {});
-    if (!before.columns.is_null()) {
-        if (!pending.wanted.columns.is_null()) before.columns.update(pending.wanted.columns);
-        pending.wanted.columns = std::move(before.columns);
-    }
-    if (!pending.wanted.content) pending.wanted.content = std::move(before.content);
-    if (!std::exchange(pending.isDue, true)) pending.begun = Clock::now();
-}
-
-void DatabaseWriter::undo(Place const& place, std::string const& reason) {
-    Pending& pending = work_[place];
-    std::string const peer = pending.peer;
-    // What was written since has its own try.
-    bool const goesOn = pending.isDue && isInDatabase(place) &&
-                        (!pending.wanted.columns.is_null() || pending.wanted.content);
-    if (!goesOn) work_.erase(place);
-    restore(place);
-    listener_.onUndone(pathOf(place), peer, reason);
-}
-
-void DatabaseWriter::restore(Place const& place) {
-    auto const& [table, name] = place;
-    Working const working(*this);
-    Qor::Name const key = std::string_view(name);
-    if (!isInDatabase(place)) {
-        if (isLocalMac(table)) directory(table).entryDel(key);
-        return;
-    }
-    resetMarks(place);
-    mirror_.restore(table, *Ovsdb::Uuid::parse(name));
-    if (isLocalMac(table)) directory(table).entryStateIs(key, Qor::Dir::EntryState::ready);
-}
-
-// What no column of the database says.
-void DatabaseWriter::resetMarks(Place const& place) {
-    auto const& [table, name] = place;
-    Qor::Ptr<Vgw::OvsdbDataModel> const row =
-        isLocalMac(table) ? Qor::dynamicCast<Vgw::OvsdbDataModel>(
-                                directory(table).entry(Qor::Name(std::string_view(name))))
-                          : rowOf(mirror_.database(), table, name);
-    if (!row) return;
-    row->typeIs(kindOf(table));
-    row->invalidAttribDelAll();
 }
 
 }  // namespace Vgwd

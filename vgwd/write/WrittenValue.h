@@ -6,6 +6,8 @@
 // statistics. What the controller's side fills (logical switches, remote addresses, bindings) is
 // read.
 //
+// Sets and maps are written by key (RowMembers.h), all others as a whole.
+//
 // A row of statistics lives as long as a port names it for a VLAN. So a port is told to keep them
 // by a text that is no row's UUID: the row comes into being in the same transaction, and its UUID
 // takes the text's place.
@@ -17,11 +19,12 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace Vgwd {
 
 struct WrittenValue {
-    std::string column;
+    std::string column;    ///< empty: what has changed is heard by key
     nlohmann::json value;  ///< RFC 7047 section 5.1, <value>
     std::string refusal;   ///< why it can't be written; then the others mean nothing
 };
@@ -30,6 +33,8 @@ struct WrittenValue {
 std::optional<Ovsdb::Table> writableTable(Qor::Entity const& row);
 /// What an attribute of such a row has become. REQUIRES: writableTable(row).
 WrittenValue writtenValue(Qor::Entity const& row, Qor::AttributeId attribute);
+/// Why the database can't be told a value of that attribute; empty if it can.
+std::string whyNotText(std::string_view attribute, nlohmann::json const& value);
 
 }  // namespace Vgwd
 

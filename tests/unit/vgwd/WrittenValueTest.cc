@@ -28,13 +28,6 @@ TEST(WrittenValue, TextThatIsNotUtf8IsRefused) {
     port->descIs("a\xff");
     EXPECT_EQ(writtenValue(*port, PhysicalPort::DescAttr::id).refusal,
               "desc holds bytes that are not UTF-8");
-    port->faultIs("loss\xc3", true);
-    EXPECT_EQ(writtenValue(*port, PhysicalPort::FaultAttr::id).refusal,
-              "fault holds bytes that are not UTF-8");
-    auto const device = Qor::make<PhysicalSwitch>("s");
-    device->faultIs("\x80", true);
-    EXPECT_EQ(writtenValue(*device, PhysicalSwitch::FaultAttr::id).refusal,
-              "fault holds bytes that are not UTF-8");
 }
 
 TEST(WrittenValue, ZeroByteIsRefused) {
@@ -42,9 +35,15 @@ TEST(WrittenValue, ZeroByteIsRefused) {
     device->descIs(withZero);
     EXPECT_EQ(writtenValue(*device, PhysicalSwitch::DescAttr::id).refusal,
               "desc holds a zero byte, which the database does not take");
-    device->faultIs(withZero, true);
-    EXPECT_EQ(writtenValue(*device, PhysicalSwitch::FaultAttr::id).refusal,
-              "fault holds a zero byte, which the database does not take");
+}
+
+TEST(WrittenValue, OfASetOrMapIsHeardByKey) {
+    auto const port = Qor::make<PhysicalPort>("p");
+    for (auto const attribute : {PhysicalPort::FaultAttr::id, PhysicalPort::VlanStatAttr::id}) {
+        WrittenValue const value = writtenValue(*port, attribute);
+        EXPECT_EQ(value.column, "");
+        EXPECT_EQ(value.refusal, "");
+    }
 }
 
 }  // namespace

@@ -1,0 +1,211 @@
+// What becomes of the rows that peers have written, once the database has answered or can't any
+// more.
+#include <vgw/tables/McastMacsLocal.h>
+#include <vgw/tables/UcastMacsLocal.h>
+#include <vgwd/write/DatabaseWriter.h>
+
+namespace Vgwd {
+
+using Ovsdb::Table;
+using std::chrono::milliseconds;
+
+namespace {
+
+// In which what another did at the same time has to be seen.
+constexpr milliseconds clashPatience{5000};
+// Of the connection, each while one transaction was under way.
+constexpr int mostLosses = 5;
+constexpr char const* changedMeanwhile =
+    "it was changed while it was being written: see under its UUID";
+
+// All that a transaction of ours waits for is that its row is there.
+std::string wordsOf(Ovsdb::RpcError const& error) {
+    return error.error == "timed out" ? "the row is gone from the database" : error.text();
+}
+
+// There may be one locator of an address, and another has made it at the same time.
+bool isClash(Ovsdb::RpcError const& error) { return error.error == "constraint violation"; }
+
+// A server older than the member "uuid" of an insert finds it in none of its lists.
+bool knowsNoUuids(Ovsdb::RpcError const& error) {
+    return error.error == "syntax error" && error.details.find("'uuid'") != std::string::npos;
+}
+
+Vgw::OvsdbDataType kindOf(Table table) {
+    switch (table) {
+        case Table::ucastMacsLocal:
+            return Vgw::OvsdbDataType::ucastMacsLocal;
+        case Table::mcastMacsLocal:
+            return Vgw::OvsdbDataType::mcastMacsLocal;
+        case Table::physicalSwitch:
+            return Vgw::OvsdbDataType::physicalSwitch;
+        case Table::physicalPort:
+            return Vgw::OvsdbDataType::physicalPort;
+        default:
+            return Vgw::OvsdbDataType::logicalBindingStats;
+    }
+}
+
+Qor::Ptr<Vgw::OvsdbDataModel> rowOf(Vgw::HwVtepOvsdb const& database, Table table,
+                                    std::string const& name) {
+    Qor::Name const key = std::string_view(name);
+    switch (table) {
+        case Table::physicalSwitch:
+            return database.physicalSwitchRaw(key);
+        case Table::physicalPort:
+            return database.physicalPort(key);
+        default:
+            return database.logicalBindingStats(key);
+    }
+}
+
+}  // namespace
+
+void DatabaseWriter::handleOutcome(Place const& place, Ovsdb::RpcError const* error) {
+    --sent_;
+    auto const found = work_.find(place);
+    if (found == work_.end()) return;
+    Pending& pending = found->second;
+    bool const wasLost = pending.losses != 0;
+    pending.isSent = false;
+    if (error == nullptr)
+        handleTaken(place, pending);
+    else if (error->kind == Ovsdb::RpcError::Kind::lost)
+        return handleLost(place, pending);
+    else
+        handleFailure(place, pending, *error);
+    // The others of those whose connection was lost wait for this one alone.
+    if (wasLost) run();
+    schedule();
+}
+
+void DatabaseWriter::handleFailure(Place const& place, Pending& pending,
+                                   Ovsdb::RpcError const& error) {
+    if (error.error == "duplicate uuid" && !pending.uuid.empty())
+        handleThere(place, pending, pending.uuid);
+    else if (mayBeTriedAgain(place, pending, error))
+        takeBack(pending);
+    else
+        undo(place, wordsOf(error));
+}
+
+void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
+    listener_.onTaken();
+    bool const isNew = isLocalMac(place.first) && !isInDatabase(place);
+    bool const isChanged = pending.isDue;
+    if (isNew && isChanged) return undo(place, changedMeanwhile);
+    Wanted const sent = std::exchange(pending.sent, {});
+    pending.losses = 0;
+    // Another may have taken out meanwhile what was put in.
+    if (isNew || !sent.row.members.empty() || !sent.mac.vtepIps.empty()) restore(place);
+    if (isChanged)
+        putBack(place, pending);
+    else
+        work_.erase(place);
+}
+
+// An insertion of which no answer came was carried out.
+void DatabaseWriter::handleThere(Place const& place, Pending& pending, std::string const& uuid) {
+    Table const table = place.first;
+    auto const row = rowAt(place);
+    auto const made = mirror_.macRow(table, *Ovsdb::Uuid::parse(uuid));
+    bool const isChanged = made && (!row || macContentOf(*made) != macContentOf(*row));
+    pending.isDue |= isChanged;
+    handleTaken(place, pending);
+}
+
+// Nobody knows whether the database has it.
+void DatabaseWriter::handleLost(Place const& place, Pending& pending) {
+    if (++pending.losses < mostLosses)
+        takeBack(pending);
+    else
+        undo(place, "the connection was lost each of the " + std::to_string(mostLosses) +
+                        " times that it was sent");
+    schedule();
+}
+
+bool DatabaseWriter::mayBeTriedAgain(Place const& place, Pending& pending,
+                                     Ovsdb::RpcError const& error) {
+    if (takesUuids_ && !pending.uuid.empty() && knowsNoUuids(error)) {
+        takesUuids_ = false;
+        return true;
+    }
+    // Another has made another set of locators of the row.
+    bool const isOutrun =
+        error.error == "timed out" && !pending.sent.mac.vtepIps.empty() && isInDatabase(place);
+    if (!isOutrun && !(pending.makesLocators && isClash(error))) return false;
+    auto const now = Clock::now();
+    if (!pending.clashed) pending.clashed = now;
+    return now - *pending.clashed < clashPatience;
+}
+
+// It is written again, but for what was written since.
+void DatabaseWriter::takeBack(Pending& pending) {
+    Wanted before = std::exchange(pending.sent, {});
+    before.row.add(pending.wanted.row);
+    before.mac.add(pending.wanted.mac);
+    pending.wanted = std::move(before);
+    if (!std::exchange(pending.isDue, true)) pending.begun = Clock::now();
+}
+
+void DatabaseWriter::undo(Place const& place, std::string const& reason) {
+    Pending& pending = work_[place];
+    std::string const peer = pending.peer;
+    restore(place);
+    // What was written since has its own try.
+    bool const goesOn = pending.isDue && isInDatabase(place) && !pending.wanted.isEmpty();
+    pending.sent = {};
+    pending.losses = 0;
+    if (goesOn)
+        putBack(place, pending);
+    else
+        work_.erase(place);
+    listener_.onUndone(pathOf(place), peer, reason);
+}
+
+void DatabaseWriter::restore(Place const& place) {
+    auto const& [table, name] = place;
+    Working const working(*this);
+    Qor::Name const key = std::string_view(name);
+    if (!isInDatabase(place)) {
+        if (isLocalMac(table)) directory(table).entryDel(key);
+        return;
+    }
+    resetMarks(place);
+    mirror_.restore(table, *Ovsdb::Uuid::parse(name));
+    if (isLocalMac(table)) directory(table).entryStateIs(key, Qor::Dir::EntryState::ready);
+}
+
+// What the mirror has taken out because the database does not have it yet.
+void DatabaseWriter::putBack(Place const& place, Pending const& pending) {
+    auto const row = rowAt(place);
+    if (!row || !isInDatabase(place)) return;
+    Working const working(*this);
+    auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(row.ptr());
+    for (Wanted const* const wanted : {&pending.sent, &pending.wanted}) {
+        putMembers(*row, wanted->row.members, wanted == &pending.sent);
+        if (multicast == nullptr) continue;
+        for (auto const& [address, isThere] : wanted->mac.vtepIps)
+            if (isThere)
+                multicast->vtepIpIs(address, true);
+            else
+                multicast->vtepIpDel(address);
+    }
+}
+
+Qor::Ptr<Vgw::OvsdbDataModel> DatabaseWriter::rowAt(Place const& place) const {
+    auto const& [table, name] = place;
+    if (!isLocalMac(table)) return rowOf(mirror_.database(), table, name);
+    return Qor::dynamicCast<Vgw::OvsdbDataModel>(
+        directory(table).entry(Qor::Name(std::string_view(name))));
+}
+
+// What no column of the database says.
+void DatabaseWriter::resetMarks(Place const& place) {
+    Qor::Ptr<Vgw::OvsdbDataModel> const row = rowAt(place);
+    if (!row) return;
+    row->typeIs(kindOf(place.first));
+    row->invalidAttribDelAll();
+}
+
+}  // namespace Vgwd

@@ -1,4 +1,5 @@
 """What allowed peers write in the tree goes into the database, and what may not be written is undone."""
+import time
 
 import serve_case
 import write_case
@@ -98,6 +99,27 @@ class WriteTest(write_case.WriteCase):
             client.await_value(f"'{VTEP}'", "get", f"{UNICAST}/{row}", "vtepIp")
         self.await_rows(self.reader, self.db.read())
         self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+
+    def test_an_entry_under_another_spelling_of_a_rows_uuid_is_not_that_row(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        writer.await_that(lambda: [len(name) for name in self.names(writer, UNICAST)] == [36], "it stands under its UUID")
+        (row,) = self.names(writer, UNICAST)
+        spelled = row.upper()
+        self.assertNotEqual(row, spelled)
+        for seconds in (0, 0.2):
+            self.assertEqual(writer.ask("newmac", "ucastMacsLocal", spelled, "00:00:5e:00:53:99"), "ok")
+            time.sleep(seconds)
+            self.assertEqual(writer.ask("del", UNICAST, "entry", f"'{spelled}'"), "ok")
+            self.reader.await_that(lambda: spelled not in self.names(self.reader, UNICAST), "the entry is gone")
+        # What comes later has been written by the time that the removal would have been.
+        time.sleep(0.1)
+        self.make_mac(writer, "later", "00:00:5e:00:53:02")
+        self.reader.await_value("2", "get", "/vgw/database", "written")
+        every = [f"{mac} -> vxlan_over_ipv4/{VTEP}" for mac in (MAC, "00:00:5e:00:53:02")]
+        self.await_local("red", *every)
+        self.assertIn(row, self.names(self.reader, UNICAST))
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
 
     def test_a_row_of_another_class_is_undone(self):
         writer = self.writer(UNICAST)

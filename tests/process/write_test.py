@@ -147,6 +147,17 @@ class WriteTest(write_case.WriteCase):
         for client in (writer, self.reader):
             client.await_value("'199'", "get", port, "desc")
 
+    def test_what_is_written_without_a_pause_is_written_meanwhile(self):
+        port = self.port()
+        writer = self.writer(port)
+        begin = time.monotonic()
+        n = 0
+        while self.reader.ask("get", "/vgw/database", "written") == "0":
+            n += 1
+            writer.ask("set", port, "desc", f"'{n}'")
+            self.assertLess(time.monotonic() - begin, 10, "nothing has been written for so long")
+            time.sleep(0.003)
+
     def test_addresses_of_a_switch_are_written(self):
         switch = f"{ROWS}/physicalSwitchRaw/{self.uuid('Physical_Switch', 'tor')}"
         writer = self.writer(switch)

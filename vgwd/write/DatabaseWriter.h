@@ -80,8 +80,10 @@ class DatabaseWriter {
 
   private:
     using Clock = std::chrono::steady_clock;
-    // What comes within this time goes together.
+    // What comes within this time goes together,
     static constexpr std::chrono::milliseconds gathering{20};
+    // and what goes on coming, after that one.
+    static constexpr std::chrono::milliseconds mostGathering{200};
     using Place = std::pair<Ovsdb::Table, std::string>;  // and the row's name there
     class DirectoryWatch;
 
@@ -125,6 +127,7 @@ class DatabaseWriter {
     Pending& touch(Place const& place, std::string const& peer);
 
     void schedule();
+    bool isGathered(Place const& place, Pending const& pending, Clock::time_point now) const;
     void run();
     void work(Place const& place, Pending& pending);
     void workOnMac(Place const& place, Pending& pending);

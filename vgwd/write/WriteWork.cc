@@ -36,14 +36,23 @@ bool isOf(Table table, Qor::Entity const& row) {
 
 }  // namespace
 
+// What is written again and again is not kept waiting for its end. A row that is being made is: it
+// waits for what it lacks, and for what comes with that.
+bool DatabaseWriter::isGathered(Place const& place, Pending const& pending,
+                                Clock::time_point now) const {
+    if (now - pending.touched >= gathering) return true;
+    bool const isThere = !isLocalMac(place.first) || isInDatabase(place);
+    return isThere && now - pending.begun >= mostGathering;
+}
+
 void DatabaseWriter::run() {
     std::vector<Place> due;
     bool hasLost = false;
     auto const now = Clock::now();
     for (auto const& [place, pending] : work_) {
-        if (!pending.isDue || pending.isSent || now - pending.touched < gathering) continue;
-        due.push_back(place);
-        hasLost |= pending.losses != 0;
+        bool const isReady = pending.isDue && !pending.isSent && isGathered(place, pending, now);
+        if (isReady) due.push_back(place);
+        hasLost |= pending.losses != 0 && (isReady || pending.isSent);
     }
     // One of those that were under way may be why the connection was lost. Which one it is shows
     // only where nothing else is under way.

@@ -39,12 +39,13 @@ class LostWriteTest(write_case.WriteCase):
         self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
         self.await_rows(self.reader, self.db.read())
 
-    def lose_the_answer(self, writer):
+    def lose_the_answer(self, writer, meanwhile=lambda: None):
         """The server makes the row, and what it says of that never arrives."""
         red = self.uuid("Logical_Switch", "red")
         self.proxy.gate.clear()
         self.make_mac(writer, switch_uuid=red)
         self.reader.await_that(lambda: self.rows("Ucast_Macs_Local"), "the row is in the database")
+        meanwhile()
         self.proxy.cut()
         self.proxy.gate.set()
 
@@ -100,16 +101,17 @@ class LostWriteTest(write_case.WriteCase):
 
     def test_what_of_an_address_was_changed_while_its_answer_was_lost_is_told(self):
         writer = self.writer(UNICAST)
-        red = self.uuid("Logical_Switch", "red")
-        self.proxy.gate.clear()
-        self.make_mac(writer, switch_uuid=red)
-        self.reader.await_that(lambda: self.rows("Ucast_Macs_Local"), "the row is in the database")
-        writer.ask("set", f"{UNICAST}/mine", "vtepIp", "'192.0.2.7'")
-        self.proxy.cut()
-        self.proxy.gate.set()
+        self.lose_the_answer(writer, lambda: writer.ask("set", f"{UNICAST}/mine", "vtepIp", "'192.0.2.7'"))
         self.await_refused(f"{UNICAST}/mine", "it was changed while it was being written")
         self.assertEqual(len(self.rows("Ucast_Macs_Local")), 1)
         self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+
+    def test_an_address_that_is_taken_back_while_its_answer_was_lost_is_told_of(self):
+        writer = self.writer(UNICAST)
+        self.lose_the_answer(writer, lambda: writer.ask("del", UNICAST, "entry", "'mine'"))
+        self.await_refused(f"{UNICAST}/mine", "it was changed while it was being written")
+        writer.await_that(lambda: self.names(writer, UNICAST) == self.rows("Ucast_Macs_Local"), "the row is to be seen")
+        self.assertEqual(len(self.rows("Ucast_Macs_Local")), 1)
 
     def test_a_write_that_costs_the_connection_each_time_is_given_up_and_told_once(self):
         port, device = self.port(), self.switch()
@@ -122,11 +124,20 @@ class LostWriteTest(write_case.WriteCase):
             return "cut"
 
         self.proxy.meddle = poison
-        writer = self.writer(port, device)
+        writer = self.writer(port, device, UNICAST)
+        red = self.uuid("Logical_Switch", "red")
+        # All of them are under way together the first time, and lost.
+        self.db.kill()
+        self.reader.await_value("false", "get", "/vgw/database", "inStep")
         writer.ask("set", port, "desc", "'poison'")
         writer.ask("set", device, "desc", "'harmless'")
+        for n in range(20):
+            self.make_mac(writer, f"new-{n}", f"00:00:5e:00:53:{n:02x}", switch_uuid=red)
+        self.db.start()
         self.await_refused(port, "the connection was lost each of the 5 times")
         self.reader.await_that(lambda: self.column("Physical_Switch", "tor", "description") == "harmless", "the other write")
+        self.reader.await_value("21", "get", "/vgw/database", "written")
+        self.assertEqual(len(self.rows("Ucast_Macs_Local")), 20)
         self.assertEqual(len(sent), 5)
         self.reader.await_value("1", "get", "/vgw/database", "refused")
         writer.ask("set", port, "desc", "'wholesome'")

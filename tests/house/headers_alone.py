@@ -18,7 +18,7 @@ from pathlib import Path
 
 import sources
 
-FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "manual", "vgwd", "vgwctl", "modelc")
+FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "manual", "tcp", "vgwd", "vgwctl", "modelc")
 TAKES_A_VALUE = ("-I", "-isystem", "-D")
 
 # What is compiled ahead (cmake/ObjectLibrary.cmake), and the names by which it is used.

@@ -19,7 +19,7 @@ STANDARD = frozenset(
     syncstream system_error thread tuple type_traits typeindex typeinfo unordered_map unordered_set utility valarray
     variant vector version""".split()
 )
-LAYERED = ("qor", "kelp", "vgw", "ovsdb", "manual", "vgwd", "vgwctl", "modelc")
+LAYERED = ("qor", "kelp", "vgw", "ovsdb", "manual", "tcp", "vgwd", "vgwctl", "modelc")
 
 
 class Layers:

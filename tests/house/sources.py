@@ -2,7 +2,7 @@
 import re
 from pathlib import Path
 
-FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "manual", "vgwd", "vgwctl", "modelc", "tests", "bench", "fuzz", "examples")
+FOLDERS = ("qor", "kelp", "vgw", "ovsdb", "manual", "tcp", "vgwd", "vgwctl", "modelc", "tests", "bench", "fuzz", "examples")
 _INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]*(<[^>]+>|"[^"]+")', re.MULTILINE)
 _BLOCK_COMMENT = re.compile(r"/\*.*?\*/", re.DOTALL)
 _RAW_STRING = re.compile(r'R"(\w*)\(.*?\)\1"', re.DOTALL)

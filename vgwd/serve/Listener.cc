@@ -1,10 +1,10 @@
 #include <vgwd/serve/Listener.h>
 
+#include <tcp/SocketOptions.h>
 #include <vgwd/serve/UnixSocket.h>
 
 #include <asio/ip/tcp.hpp>
 
-#include <netinet/tcp.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <cerrno>
@@ -69,20 +69,6 @@ int listenAt(ListenAddress& address, ServeOptions const& options) {
                                             : listenTcp(address);
 }
 
-// The kernel asks whether the machine at the other end is still there, so that nothing of ours has
-// to go over a link at rest.
-void keepAlive(int socket) {
-    int const on = 1;
-    int const idle = 60;
-    int const interval = 10;
-    int const tries = 3;
-    ::setsockopt(socket, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    ::setsockopt(socket, IPPROTO_TCP, TCP_KEEPIDLE, &idle, sizeof idle);
-    ::setsockopt(socket, IPPROTO_TCP, TCP_KEEPINTVL, &interval, sizeof interval);
-    ::setsockopt(socket, IPPROTO_TCP, TCP_KEEPCNT, &tries, sizeof tries);
-    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-}
-
 }  // namespace
 
 Listener::Listener(asio::io_context& loop, ListenAddress address, ServeOptions const& options,
@@ -116,7 +102,7 @@ void Listener::acceptSome() {
         if (fd < 0 && (errno == EINTR || errno == ECONNABORTED)) continue;
         if (fd < 0) return pause();
         isShort_ = false;
-        if (address_.kind != Kind::unixSocket) keepAlive(fd);
+        if (address_.kind != Kind::unixSocket) Tcp::setForSession(fd);
         accept_(fd, address_.kind);
     }
     await();

@@ -18,7 +18,8 @@ void Peer::limitHello() {
 Qor::U64 Peer::frames() const {
     if (!session_) return 0;
     auto const counters = session_->counters();
-    return counters.framesIn + counters.framesOut - pings_ - pongs_ - excused_;
+    Qor::U64 const asked = pings_ + pongs_ + 2 * counters.pingsIn;
+    return counters.framesIn + counters.framesOut - asked - excused_;
 }
 
 void Peer::noteTraffic() {

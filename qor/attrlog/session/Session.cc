@@ -157,6 +157,7 @@ Session::Counters Session::counters() const {
     result.bytesOut = demuxer_->out()->sent();
     result.framesIn = demuxer_->counters().framesIn;
     result.framesOut = demuxer_->out()->frames();
+    result.pingsIn = pingsIn_;
     result.flows = demuxer_->flows();
     result.since = since_;
     result.lastHeard = lastHeard_;

@@ -96,6 +96,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         U64 bytesOut = 0;
         U64 framesIn = 0;
         U64 framesOut = 0;
+        U64 pingsIn = 0;        // frames of the peer's that asked; each had one in answer
         U64 flows = 0;          // entities that are behind now
         Seconds since = 0;      // when the session was made
         Seconds lastHeard = 0;  // when bytes came last
@@ -284,6 +285,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     std::set<Name> namesAsked_;
     std::deque<Answer> answers_;
     String8 reason_;
+    U64 pingsIn_ = 0;
     Seconds since_;
     Seconds lastHeard_;
 };

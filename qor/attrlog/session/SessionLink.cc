@@ -327,7 +327,10 @@ void Session::handleAnswer(Op op, In& in) {
         reason_ = toldText(String8("the peer: ") + in.nextString());
         return demuxer_->fail(reason_);
     }
-    if (op == Op::ping) return send(Op::pong, in.nextSeconds());
+    if (op == Op::ping) {
+        ++pingsIn_;
+        return send(Op::pong, in.nextSeconds());
+    }
     if (op == Op::pong) {
         Seconds const roundTrip = now() - in.nextSeconds();
         if (listener_ != nullptr) listener_->onPong(roundTrip);

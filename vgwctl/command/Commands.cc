@@ -123,7 +123,9 @@ std::vector<Command> const table{
      "The words may be parted by commas too. What begins with ! is left out; attributes, if any "
      "are "
      "named, are shown alone. When the connection ends another is made, for ever, and what differs "
-     "then is printed. With --format=json each line is an object.",
+     "then is printed. So it is when an agent on another machine says nothing for --probe seconds "
+     "and for as long again after it was asked whether it is there; of one on this machine that is "
+     "told, and it is waited for. With --format=json each line is an object.",
      "CA*",
      0,
      anyNumber,
@@ -164,7 +166,8 @@ std::vector<Command> const table{
      "FILE",
      "store the attribute log as it comes, until it is ended",
      "FILE must not exist. What stood at --path when it began is stored first, then each change; "
-     "when the connection ends another is made. With --timeout it ends by then, with code 0.",
+     "when the connection ends, or the agent falls silent, it is as with watch. With --timeout it "
+     "ends by then, with code 0.",
      "F",
      1,
      1,
@@ -198,7 +201,9 @@ std::vector<Command> const table{
      "SOCKET",
      "serve the agent's state on to readers of one's own",
      "As replay does, but live: a reader of the relay has what the agent has, a moment later. When "
-     "the agent is away the relay's readers keep what there was. They may not write.",
+     "the agent is away, or silent (see watch), the relay's readers keep what there was. They may "
+     "not "
+     "write.",
      "F",
      1,
      1,

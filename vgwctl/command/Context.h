@@ -21,6 +21,8 @@ class Context {
     std::ostream& out() { return out_; }
     Deadline const& deadline() const { return deadline_; }
     Target const& target() const { return target_; }
+    /// How long an agent that is followed may say nothing before it is asked whether it is there.
+    Deadline::Seconds patience() const { return Deadline::Seconds(options_.probe); }
 
     /// What stands at --path, with all below it, read-only.
     Qor::Entity& root();

@@ -63,8 +63,13 @@ Flat stateOf(Context& context, std::string const& word) {
 ExitCode runRecord(Context& context, Arguments const& arguments) {
     Copy copy(context.options().path);
     Recorder recorder(arguments.operands[0], copy.path());
-    Attachment attachment(context.target(), copy, tellPeople, context.deadline(), &recorder);
-    while (!context.deadline().isOver()) attachment.step(context.deadline());
+    Attachment attachment(context.target(), copy, tellPeople, context.patience(), &recorder);
+    attachment.begin(context.deadline());
+    recorder.check();
+    while (!context.deadline().isOver()) {
+        attachment.step(context.deadline());
+        recorder.check();
+    }
     return ExitCode::success;
 }
 
@@ -122,13 +127,11 @@ ExitCode runDiff(Context& context, Arguments const& arguments) {
 // What comes from the agent changes the copy, and the copy's own sessions hear of that.
 ExitCode runRelay(Context& context, Arguments const& arguments) {
     Copy copy(context.options().path);
-    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
-    attachment.step(context.deadline());
+    Attachment attachment(context.target(), copy, tellPeople, context.patience());
+    attachment.begin(context.deadline());
     Server server(arguments.operands[0], copy);
     while (!context.deadline().isOver()) {
-        Deadline until = context.deadline();
-        if (!attachment.isConnected()) until = until.orAfter(attachment.pause());
-        server.step(until, attachment.awaited());
+        server.step(context.deadline().orAt(attachment.due()), attachment.awaited());
         attachment.step(Deadline::after(Deadline::Seconds(0)));
     }
     return ExitCode::success;

@@ -75,8 +75,8 @@ void checkOutput(std::ostream& out) {
 
 ExitCode runWatch(Context& context, Arguments const& arguments) {
     Copy copy(context.options().path);
-    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
-    attachment.step(context.deadline());
+    Attachment attachment(context.target(), copy, tellPeople, context.patience());
+    attachment.begin(context.deadline());
     Selection const selection = selectionOf(arguments, copy.path());
     ChangePrinter printer(context.options(), context.out());
     Follower follower(
@@ -89,7 +89,8 @@ ExitCode runWatch(Context& context, Arguments const& arguments) {
         checkOutput(context.out());
         if (context.deadline().isOver()) return ExitCode::timeout;
         attachment.step(context.deadline());
-        follower.flush();
+        // Not by halves, while a new connection brings what differs.
+        if (attachment.isConnected()) follower.flush();
     }
 }
 
@@ -102,15 +103,16 @@ ExitCode runWaitUntil(Context& context, Arguments const& arguments) {
             throw Failure(arguments.operands[n] + ": expected ATTRIBUTE[:KEY]=VALUE");
     }
     Copy copy(context.options().path);
-    Attachment attachment(context.target(), copy, tellPeople, context.deadline());
+    Attachment attachment(context.target(), copy, tellPeople, context.patience());
+    attachment.begin(context.deadline());
     for (;;) {
-        attachment.step(context.deadline());
         Qor::Entity::Ptr const entity = entityAt(path);
         bool const isMet =
             entity && std::all_of(conditions.begin(), conditions.end(),
                                   [&](Operand const& one) { return holds(one, *entity); });
         if (isMet && attachment.isConnected()) return ExitCode::success;
         context.deadline().check("what was waited for has not come");
+        attachment.step(context.deadline());
     }
 }
 

@@ -114,7 +114,7 @@ compadd -S '' -- $found
 )zsh";
 
 constexpr char const* optionWords =
-    "--db --path --format --data --columns --no-headings --timestamp --timeout --help";
+    "--db --path --format --data --columns --no-headings --timestamp --timeout --probe --help";
 
 void fill(std::string& text, std::string_view hole, std::string const& with) {
     text.replace(text.find(hole), hole.size(), with);

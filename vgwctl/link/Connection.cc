@@ -13,35 +13,51 @@ Qor::NboAttrLog::Session::Config sessionConfig() {
     return config;
 }
 
+// Hands on what is read, and knows when the socket is to be waited for to take bytes.
 class Connection::TappedTransport final : public Qor::NboAttrLog::Transport {
   public:
-    TappedTransport(Transport& inner, ByteTap* tap) : inner_(inner), tap_(tap) {}
+    TappedTransport(std::unique_ptr<Transport> inner, TlsTransport const* tls, ByteTap* tap)
+        : inner_(std::move(inner)), tls_(tls), tap_(tap) {}
 
-    std::size_t write(std::string_view bytes) override { return inner_.write(bytes); }
+    std::size_t write(std::string_view bytes) override {
+        std::size_t const count = inner_->write(bytes);
+        isFull_ = count < bytes.size();
+        return count;
+    }
     std::size_t read(std::span<unsigned char> room) override {
-        std::size_t const count = inner_.read(room);
+        std::size_t const count = inner_->read(room);
         if (tap_ != nullptr && count != 0) tap_->heard(room.first(count));
         return count;
     }
-    Qor::String8 closed() const override { return inner_.closed(); }
+    Qor::String8 closed() const override { return inner_->closed(); }
+    // Of TLS, what is not taken may wait for bytes of the peer's, and a socket that could take some
+    // would wake whoever waits without end.
+    bool isBlocked() const { return tls_ != nullptr ? tls_->wantsWrite() : isFull_; }
 
   private:
-    Transport& inner_;
+    std::unique_ptr<Transport> const inner_;
+    TlsTransport const* const tls_;  // the inner one, if it is one
     ByteTap* const tap_;
+    bool isFull_ = false;
 };
 
-Connection::Connection(Target const& target, Deadline const& deadline, ByteTap* tap)
-    : remote_(target.remote.text()), socket_(connectTo(target.remote, deadline)) {
+Connection::Connection(Target const& target, Deadline const& deadline)
+    : Connection(target, connectTo(target.remote, deadline), nullptr) {}
+
+Connection::Connection(Target const& target, Descriptor socket, ByteTap* tap)
+    : remote_(target.remote.text()), socket_(std::move(socket)) {
+    std::unique_ptr<Qor::NboAttrLog::Transport> transport;
+    TlsTransport const* tls = nullptr;
     if (target.remote.kind == Ovsdb::Remote::Kind::ssl) {
-        auto tls = std::make_unique<TlsTransport>(socket_.get(), target.tls);
-        tls_ = tls.get();
-        transport_ = std::move(tls);
+        auto made = std::make_unique<TlsTransport>(socket_.get(), target.tls);
+        tls = made.get();
+        transport = std::move(made);
     } else {
-        transport_ = std::make_unique<Qor::NboAttrLog::FdTransport>(socket_.get());
+        transport = std::make_unique<Qor::NboAttrLog::FdTransport>(socket_.get());
     }
     if (tap != nullptr) tap->connected();
-    tapped_ = std::make_unique<TappedTransport>(*transport_, tap);
-    session_.emplace(sessionConfig(), *tapped_, nullptr);
+    transport_ = std::make_unique<TappedTransport>(std::move(transport), tls, tap);
+    session_.emplace(sessionConfig(), *transport_, nullptr);
     session_->listenerIs(this);
 }
 
@@ -69,43 +85,63 @@ void Connection::onDigested(Qor::NboAttrLog::DigestPage const& page,
     digests_ = {digest, Qor::NboAttrLog::stateDigest(*entity, page)};
 }
 
-void Connection::serve() {
+bool Connection::serve() {
+    auto const moved = [&] {
+        auto const counters = session_->counters();
+        return counters.bytesIn + counters.bytesOut;
+    };
+    Qor::U64 const before = moved();
     session_->service();
     if (session_->closed().length() != 0)
         throw LinkFailure(remote_ + ": " + std::string(session_->closed().view()));
+    isMoving_ = moved() != before;
+    return isMoving_;
 }
 
 void Connection::step(Deadline const& until) {
-    Qor::U64 const before = session_->counters().bytesIn;
-    serve();
     // What is waited for may have come already.
-    if (session_->counters().bytesIn != before) return;
-    await(socket_, awaited().events, until);
+    if (serve()) return;
+    await(awaited(), until);
     serve();
 }
 
 pollfd Connection::awaited() const {
-    bool const isWriting = session_->wantsWrite() || (tls_ != nullptr && tls_->wantsWrite());
-    return {socket_.get(), static_cast<short>(POLLIN | (isWriting ? POLLOUT : 0)), 0};
+    int const in = session_->hasRoom() ? POLLIN : 0;
+    return {socket_.get(), static_cast<short>(in | (transport_->isBlocked() ? POLLOUT : 0)), 0};
 }
 
-Qor::Entity::Ptr Connection::mount(std::string_view path, bool isWritable,
-                                   Qor::Entity::Ptr const& copy, Deadline const& deadline) {
+// A turn of the session's has an end though more is at hand, of which the socket may know nothing:
+// TLS has read it already.
+bool Connection::isDue() const {
+    bool const isFlowing = session_->wantsWrite() && !transport_->isBlocked();
+    return isMoving_ && (session_->wantsRead() || isFlowing);
+}
+
+void Connection::beginMount(std::string_view path, bool isWritable, Qor::Entity::Ptr const& copy) {
     entity_ = nullptr;
     isSynced_ = false;
     refusal_.reset();
     session_->mount(Qor::String8(path), isWritable, copy);
-    MountProgress progress(path);
-    while (!isSynced_ && !refusal_) {
-        deadline.check("the agent has not sent its whole state");
-        step(deadline.orAfter(MountProgress::interval));
-        progress.tell(session_->counters());
-    }
+}
+
+Qor::Entity::Ptr Connection::mounted() const {
     if (refusal_) {
         bool const isAbsent = refusal_->ends_with("does not exist");
         throw Failure(*refusal_, isAbsent ? ExitCode::absent : ExitCode::fatal);
     }
-    return entity_;
+    return isSynced_ ? entity_ : nullptr;
+}
+
+Qor::Entity::Ptr Connection::mount(std::string_view path, bool isWritable,
+                                   Qor::Entity::Ptr const& copy, Deadline const& deadline) {
+    beginMount(path, isWritable, copy);
+    MountProgress progress(path);
+    while (!mounted()) {
+        deadline.check("the agent has not sent its whole state");
+        step(deadline.orAfter(MountProgress::interval));
+        progress.tell(session_->counters());
+    }
+    return mounted();
 }
 
 std::string Connection::call(std::string_view path, std::string_view operation,

@@ -45,18 +45,27 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     using MountId = Qor::NboAttrLog::MountId;
 
     /// Raises LinkFailure when there is none to be had, Failure when the time is over.
-    Connection(Target const& target, Deadline const& deadline, ByteTap* tap = nullptr);
+    Connection(Target const& target, Deadline const& deadline);
+    /// Over a socket that is connected to the target.
+    Connection(Target const& target, Descriptor socket, ByteTap* tap);
     ~Connection() override;
 
     /// Mounts what stands at `path` and waits until its state is here; `copy` is what it is kept
     /// in, null for a new one. Raises Failure when the agent refuses.
     Qor::Entity::Ptr mount(std::string_view path, bool isWritable, Qor::Entity::Ptr const& copy,
                            Deadline const& deadline);
+    /// The same without the wait.
+    void beginMount(std::string_view path, bool isWritable, Qor::Entity::Ptr const& copy);
+    /// What was mounted last, once its state is here; null until then. Raises Failure when the
+    /// agent refuses.
+    Qor::Entity::Ptr mounted() const;
     /// Serves the session, and waits for something to do until the time is over. Raises LinkFailure
     /// when the connection has ended.
     void step(Deadline const& until);
-    /// What step() would wait for.
+    /// What step() would wait for, unless it is due.
     pollfd awaited() const;
+    /// Whether the last step() left something to do at hand.
+    bool isDue() const;
     /// Calls an operation of the agent's entity; the text of its result. Raises Failure, with the
     /// agent's words, when it was not done.
     std::string call(std::string_view path, std::string_view operation,
@@ -87,16 +96,16 @@ class Connection : private Qor::NboAttrLog::SessionListener {
     void onDigested(Qor::NboAttrLog::DigestPage const& page,
                     Qor::NboAttrLog::StateDigest const& digest, Qor::String8 const& fault) override;
 
-    void serve();
+    /// Whether bytes have come or gone.
+    bool serve();
 
     std::string const remote_;
     Descriptor socket_;
-    std::unique_ptr<Qor::NboAttrLog::Transport> transport_;
-    TlsTransport const* tls_ = nullptr;
-    std::unique_ptr<TappedTransport> tapped_;
+    std::unique_ptr<TappedTransport> transport_;
     std::optional<Session> session_;
     Qor::Entity::Ptr entity_;  // of the mount that is waited for
     bool isSynced_ = false;
+    bool isMoving_ = false;  // in the last serve()
     std::optional<std::string> refusal_;
     bool hasPong_ = false;
     std::optional<std::pair<bool, std::string>> returned_;  // whether it was done, and the text

@@ -24,6 +24,14 @@ void Copy::mountOn(Connection& connection, Deadline const& deadline) {
     if (entity != entity_) entityIs(entity);
 }
 
+void Copy::beginMountOn(Connection& connection) { connection.beginMount(path_, false, entity_); }
+
+bool Copy::takeFrom(Connection& connection) {
+    Qor::Entity::Ptr const entity = connection.mounted();
+    if (entity && entity != entity_) entityIs(entity);
+    return entity != nullptr;
+}
+
 void Copy::entityIs(Qor::Entity::Ptr const& entity) {
     entity_ = entity;
     auto const elements = elementsOf(path_);

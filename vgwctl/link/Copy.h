@@ -24,6 +24,10 @@ class Copy {
     Copy& operator=(Copy const&) = delete;
 
     void mountOn(Connection& connection, Deadline const& deadline);
+    /// The same without the wait: it is asked for, and taken over once it is here, of which it
+    /// tells.
+    void beginMountOn(Connection& connection);
+    bool takeFrom(Connection& connection);
     /// REQUIRES: it has been mounted.
     Qor::Entity& root() const;
     /// The same, or null.

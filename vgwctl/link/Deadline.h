@@ -29,10 +29,10 @@ class Deadline {
     void check(char const* what) const {
         if (isOver()) throw Failure(std::string("timeout: ") + what, ExitCode::timeout);
     }
+    Deadline orAfter(Seconds seconds) const { return orAt(after(seconds)); }
     /// The earlier of both.
-    Deadline orAfter(Seconds seconds) const {
-        Deadline const other = after(seconds);
-        return !at_ || *other.at_ < *at_ ? other : *this;
+    Deadline orAt(Deadline const& other) const {
+        return !at_ || (other.at_ && *other.at_ < *at_) ? other : *this;
     }
     /// For poll(2): milliseconds that are left, rounded up; -1 for never.
     int milliseconds() const {

@@ -7,10 +7,13 @@
 
 #include <ovsdb/remote/Remote.h>
 
+#include <poll.h>
+#include <sys/socket.h>
 #include <sys/un.h>
 
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Vgwctl {
 
@@ -40,11 +43,49 @@ class Descriptor {
 
 /// Raises Failure where the path is too long for a socket's.
 sockaddr_un unixAddressOf(std::string const& path);
-/// A connection to the remote. Of a host's addresses the first that answers is taken. Raises
-/// LinkFailure, which names the remote and why, and Failure when the time is over.
+/// A connection to a remote that is being made. Of a host's addresses the first that answers is
+/// taken; one that does not for too long is left when there is another.
+///
+/// It never waits, but for the host's name: that is looked up when it is made (getaddrinfo(3)), and
+/// a resolver that does not answer holds its caller up. Whoever must not be held up names an
+/// address.
+class Connecting {
+  public:
+    /// Raises LinkFailure, which names the remote and why, when there is nothing to wait for.
+    explicit Connecting(Ovsdb::Remote const& remote);
+
+    /// Whether it is made. Raises LinkFailure when none of the addresses takes it.
+    bool step();
+    /// What step() waits for, and until when at most.
+    pollfd awaited() const { return {socket_.get(), POLLOUT, 0}; }
+    Deadline due() const { return limit_; }
+    /// REQUIRES: it is made.
+    Descriptor take() { return std::move(socket_); }
+
+  private:
+    struct Address {
+        sockaddr_storage bytes{};
+        socklen_t length = 0;
+    };
+
+    void addressInc(void const* bytes, std::size_t length);
+    void findHost(Ovsdb::Remote const& remote);
+    void tryNext();
+
+    std::string const remote_;
+    std::vector<Address> addresses_;
+    std::size_t next_ = 0;  // of them
+    Descriptor socket_;
+    Deadline limit_;  // of the present address
+    bool isMade_ = false;
+    int error_ = 0;  // of the last one
+};
+
+/// A connection to the remote. Raises LinkFailure when there is none to be had, Failure when the
+/// time is over.
 Descriptor connectTo(Ovsdb::Remote const& remote, Deadline const& deadline);
-/// Waits until one of `events` (poll(2)) has come, or the time is over.
-void await(Descriptor const& descriptor, short events, Deadline const& deadline);
+/// Waits until what is awaited has come, or the time is over.
+void await(pollfd const& awaited, Deadline const& deadline);
 
 }  // namespace Vgwctl
 

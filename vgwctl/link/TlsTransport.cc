@@ -43,10 +43,10 @@ TlsTransport::TlsTransport(int fd, Ovsdb::TlsFiles const& files)
 
 TlsTransport::~TlsTransport() = default;
 
-std::size_t TlsTransport::done(int result, std::size_t count) {
+std::size_t TlsTransport::done(int result, std::size_t count, bool& isBlocked) {
     int const systemError = errno;
     int const error = ::SSL_get_error(tls_.get(), result);
-    wantsWrite_ = error == SSL_ERROR_WANT_WRITE;
+    isBlocked = error == SSL_ERROR_WANT_WRITE;
     if (error == SSL_ERROR_NONE) return count;
     if (error == SSL_ERROR_ZERO_RETURN) {
         closed_ = "the peer has closed the connection";
@@ -63,14 +63,15 @@ std::size_t TlsTransport::write(std::string_view bytes) {
     if (closed_.length() != 0 || bytes.empty()) return 0;
     ::ERR_clear_error();
     std::size_t count = 0;
-    return done(::SSL_write_ex(tls_.get(), bytes.data(), bytes.size(), &count), count);
+    return done(::SSL_write_ex(tls_.get(), bytes.data(), bytes.size(), &count), count,
+                isWriteBlocked_);
 }
 
 std::size_t TlsTransport::read(std::span<unsigned char> room) {
     if (closed_.length() != 0 || room.empty()) return 0;
     ::ERR_clear_error();
     std::size_t count = 0;
-    return done(::SSL_read_ex(tls_.get(), room.data(), room.size(), &count), count);
+    return done(::SSL_read_ex(tls_.get(), room.data(), room.size(), &count), count, isReadBlocked_);
 }
 
 }  // namespace Vgwctl

@@ -25,16 +25,19 @@ class TlsTransport final : public Qor::NboAttrLog::Transport {
     std::size_t write(std::string_view bytes) override;
     std::size_t read(std::span<unsigned char> room) override;
     Qor::String8 closed() const override { return closed_; }
-    /// Whether the last write or read can go on only once the socket takes bytes.
-    bool wantsWrite() const { return wantsWrite_; }
+    /// Whether the last write or read can go on only once the socket takes bytes. Until the hands
+    /// are shaken what is written mostly waits for bytes of the peer's.
+    bool wantsWrite() const { return isReadBlocked_ || isWriteBlocked_; }
 
   private:
-    std::size_t done(int result, std::size_t count);
+    std::size_t done(int result, std::size_t count, bool& isBlocked);
 
     std::unique_ptr<ssl_ctx_st, void (*)(ssl_ctx_st*)> context_;
     std::unique_ptr<ssl_st, void (*)(ssl_st*)> tls_;
     Qor::String8 closed_;
-    bool wantsWrite_ = false;
+    // By a socket that takes no bytes.
+    bool isReadBlocked_ = false;
+    bool isWriteBlocked_ = false;
 };
 
 }  // namespace Vgwctl

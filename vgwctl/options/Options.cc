@@ -45,6 +45,13 @@ void describeConnection(CLI::App& app, Options& options) {
                    "end with code 3 when it takes longer; 0 waits for ever")
         ->check(CLI::NonNegativeNumber)
         ->type_name("SECONDS");
+    app.add_option(
+           "--probe", options.probe,
+           "ask an agent that is followed and says nothing for so long whether it is there; "
+           "0 never asks")
+        ->check(CLI::NonNegativeNumber)
+        ->type_name("SECONDS")
+        ->capture_default_str();
 }
 
 void describeOutput(CLI::App& app, Options& options, Words& words) {

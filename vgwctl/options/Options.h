@@ -21,6 +21,7 @@ struct Options {
     TableStyle style;
     bool hasTimestamp = false;
     double timeout = 0;  ///< seconds; 0: none
+    double probe = 10;   ///< seconds; 0: never
     std::string color = "auto";
 
     /// Each a command's name and what follows it.

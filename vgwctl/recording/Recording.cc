@@ -63,7 +63,11 @@ void Recorder::heard(std::span<unsigned char const> bytes) {
 void Recorder::write(std::uint8_t kind, std::string_view bytes) {
     out_ << static_cast<char>(kind) << inNetworkOrder(std::bit_cast<std::uint64_t>(Qor::now()))
          << inNetworkOrder(static_cast<std::uint32_t>(bytes.size())) << bytes << std::flush;
-    if (!out_) throw Failure(file_ + ": " + std::strerror(errno));
+    if (!out_ && fault_.empty()) fault_ = file_ + ": " + std::strerror(errno);
+}
+
+void Recorder::check() const {
+    if (!fault_.empty()) throw Failure(fault_);
 }
 
 Recording::Recording(std::string const& file) : file_(file), in_(file, std::ios::binary) {

@@ -24,12 +24,15 @@ class Recorder final : public ByteTap {
 
     void connected() override;
     void heard(std::span<unsigned char const> bytes) override;
+    /// Raises Failure when something could not be written. From then on nothing is.
+    void check() const;
 
   private:
     void write(std::uint8_t kind, std::string_view bytes);
 
     std::string const file_;
     std::ofstream out_;
+    std::string fault_;
 };
 
 class Recording {

@@ -189,8 +189,10 @@ std::vector<Command> const table{
     {"diff",
      "BEFORE AFTER",
      "print what differs between two states",
-     "Each is the file of a recording, whose last state is meant, or the remote of an agent. Lines "
-     "with - stand in BEFORE alone, lines with + in AFTER alone. Code 4 if there are any.",
+     "Each is the file of a recording, whose last state is meant, or the remote of an agent. Of "
+     "both what stands at --path is compared, or what was recorded if that is less: "
+     "--path=/vgw/status leaves out who reads. Lines with - stand in BEFORE alone, lines with + in "
+     "AFTER alone. Code 4 if there are any.",
      "FF",
      2,
      2,

@@ -7,15 +7,15 @@ Deadline deadlineOf(Options const& options) {
     return options.timeout > 0 ? Deadline::after(Deadline::Seconds(options.timeout)) : Deadline();
 }
 
-Target targetOf(Options const& options) {
+Target targetOf(Options const& options, std::string const& remote, char const* said) {
     try {
-        Target target{Ovsdb::parseRemote(options.db), options.tls};
+        Target target{Ovsdb::parseRemote(remote), options.tls};
         if (target.remote.kind == Ovsdb::Remote::Kind::ssl && !options.tls.complete())
             throw Failure(target.remote.text() +
                           " needs a private key (-p), a certificate (-c) and an authority (-C)");
         return target;
     } catch (Ovsdb::RemoteError const& e) {
-        throw Failure(std::string("--db: ") + e.what());
+        throw Failure(said + std::string(e.what()));
     }
 }
 
@@ -25,8 +25,10 @@ Context::Context(Options const& options, std::ostream& out)
     : options_(options),
       out_(out),
       deadline_(deadlineOf(options)),
-      target_(targetOf(options)),
+      target_(targetOf(options, options.db, "--db: ")),
       copy_(options.path) {}
+
+Target Context::targetAt(std::string const& remote) const { return targetOf(options_, remote, ""); }
 
 Qor::Entity& Context::root() {
     if (!reading_) {

@@ -21,6 +21,8 @@ class Context {
     std::ostream& out() { return out_; }
     Deadline const& deadline() const { return deadline_; }
     Target const& target() const { return target_; }
+    /// Another one. Raises Failure for what is no remote.
+    Target targetAt(std::string const& remote) const;
     /// How long an agent that is followed may say nothing before it is asked whether it is there.
     Deadline::Seconds patience() const { return Deadline::Seconds(options_.probe); }
 

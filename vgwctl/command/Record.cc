@@ -8,6 +8,7 @@
 
 #include <charconv>
 #include <map>
+#include <optional>
 #include <ostream>
 
 namespace Vgwctl {
@@ -44,18 +45,36 @@ Flat flattened(Qor::Entity& root) {
     return flat;
 }
 
-Flat stateOf(Context& context, std::string const& word) {
-    Copy copy(context.options().path);
-    if (isRemote(word)) {
-        Connection connection({Ovsdb::parseRemote(word), context.options().tls},
-                              context.deadline());
+// The lower of two paths, of which one has to stand in the other.
+std::string commonOf(std::string const& one, std::string const& other) {
+    if (one == other || one.starts_with(other + "/")) return one;
+    if (other.starts_with(one + "/")) return other;
+    throw Failure("there is nothing to compare: " + one + " and " + other +
+                  " have nothing in common");
+}
+
+// One side of a comparison; a recording is opened once, as it may be a pipe.
+struct Side {
+    std::string word;
+    std::optional<Recording> recording;  // none: an agent
+
+    explicit Side(std::string const& of) : word(of) {
+        if (!isRemote(of)) recording.emplace(of);
+    }
+};
+
+// What stands at `path`; of a recording nothing may.
+Flat stateOf(Context& context, Side& side, std::string const& path) {
+    if (!side.recording) {
+        Copy copy(path);
+        Connection connection(context.targetAt(side.word), context.deadline());
         copy.mountOn(connection, context.deadline());
         return flattened(copy.root());
     }
-    Recording recording(word);
-    Copy played(recording.path());
-    Player(recording, played).playAll();
-    return flattened(played.root());
+    Copy played(side.recording->path());
+    Player(*side.recording, played).playAll();
+    Qor::Entity::Ptr const entity = entityAt(path);
+    return entity ? flattened(*entity) : Flat();
 }
 
 }  // namespace
@@ -66,6 +85,7 @@ ExitCode runRecord(Context& context, Arguments const& arguments) {
     Attachment attachment(context.target(), copy, tellPeople, context.patience(), &recorder);
     attachment.begin(context.deadline());
     recorder.check();
+    recorder.keep();
     while (!context.deadline().isOver()) {
         attachment.step(context.deadline());
         recorder.check();
@@ -101,8 +121,14 @@ ExitCode runReplay(Context& context, Arguments const& arguments) {
 }
 
 ExitCode runDiff(Context& context, Arguments const& arguments) {
-    Flat const before = stateOf(context, arguments.operands[0]);
-    Flat const after = stateOf(context, arguments.operands[1]);
+    Side first(arguments.operands[0]);
+    Side second(arguments.operands[1]);
+    std::string path = context.options().path;
+    for (Side const* const side : {&first, &second})
+        if (side->recording) path = commonOf(path, side->recording->path());
+    Flat const before = stateOf(context, first, path);
+    Flat const after = stateOf(context, second, path);
+    if (before.empty() && after.empty()) throw absent(path);
     bool isSame = true;
     auto const print = [&](char sign, Flat::value_type const& one) {
         isSame = false;

@@ -35,6 +35,7 @@ void await(pollfd const& awaited, Deadline const& deadline) {
 sockaddr_un unixAddressOf(std::string const& path) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
+    if (path.empty()) throw Failure("expected the path of a socket");
     if (path.size() >= sizeof address.sun_path)
         throw Failure(path + ": the path of a socket may have " +
                       std::to_string(sizeof address.sun_path - 1) + " bytes");

@@ -41,7 +41,7 @@ class Descriptor {
     int fd_ = -1;
 };
 
-/// Raises Failure where the path is too long for a socket's.
+/// Raises Failure where the path is empty, or too long for a socket's.
 sockaddr_un unixAddressOf(std::string const& path);
 /// A connection to a remote that is being made. Of a host's addresses the first that answers is
 /// taken; one that does not for too long is left when there is another.

@@ -2,11 +2,13 @@
 
 #include <qor/core/Now.h>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <array>
 #include <bit>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
 namespace Vgwctl {
 namespace {
@@ -37,9 +39,7 @@ bool read(std::istream& in, Number& number) {
     return true;
 }
 
-bool read(std::istream& in, std::string& bytes, std::uint32_t longest) {
-    std::uint32_t length = 0;
-    if (!read(in, length) || length > longest) return false;
+bool read(std::istream& in, std::string& bytes, std::uint32_t length) {
     bytes.resize(length);
     return static_cast<bool>(in.read(bytes.data(), length));
 }
@@ -47,11 +47,17 @@ bool read(std::istream& in, std::string& bytes, std::uint32_t longest) {
 }  // namespace
 
 Recorder::Recorder(std::string const& file, std::string const& path) : file_(file) {
-    if (std::filesystem::exists(file)) throw Failure(file + " exists already");
+    Descriptor const made(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+    if (made.get() < 0 && errno == EEXIST) throw Failure(file + " exists already");
+    if (made.get() < 0) throw Failure(file + ": " + std::strerror(errno));
     out_.open(file, std::ios::binary);
     out_ << magic << inNetworkOrder(version)
          << inNetworkOrder(static_cast<std::uint32_t>(path.size())) << path << std::flush;
     if (!out_) throw Failure(file + ": " + std::strerror(errno));
+}
+
+Recorder::~Recorder() {
+    if (!isKept_) ::unlink(file_.c_str());
 }
 
 void Recorder::connected() { write(connectionKind, {}); }
@@ -80,17 +86,25 @@ Recording::Recording(std::string const& file) : file_(file), in_(file, std::ios:
     if (found != version)
         throw Failure(file + " is a recording of version " + std::to_string(found) + ", expected " +
                       std::to_string(version));
-    if (!read(in_, path_, longestPath)) throw Failure(file + " is cut in its beginning");
+    std::uint32_t length = 0;
+    if (!read(in_, length) || length > longestPath || !read(in_, path_, length))
+        throw Failure(file + " is cut in its beginning");
 }
 
 std::optional<Recording::Chunk> Recording::next() {
     std::uint8_t kind = 0;
     std::uint64_t time = 0;
     Chunk chunk;
-    if (!read(in_, kind) || !read(in_, time) || !read(in_, chunk.bytes, longestChunk))
-        return std::nullopt;
+    if (!read(in_, kind)) return std::nullopt;
     if (kind != bytesKind && kind != connectionKind)
-        throw Failure(file_ + " has a chunk of the unknown kind " + std::to_string(kind));
+        throw Failure(file_ + " is damaged: it has a chunk of the unknown kind " +
+                      std::to_string(kind));
+    std::uint32_t length = 0;
+    if (!read(in_, time) || !read(in_, length)) return std::nullopt;
+    if (length > longestChunk)
+        throw Failure(file_ + " is damaged: it has a chunk of " + std::to_string(length) +
+                      " bytes");
+    if (!read(in_, chunk.bytes, length)) return std::nullopt;
     chunk.isConnection = kind == connectionKind;
     chunk.time = std::bit_cast<double>(time);
     return chunk;

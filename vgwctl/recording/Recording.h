@@ -6,7 +6,8 @@
 // The file begins with "QORR", the version (u32) and the path that was mounted (length u32, bytes).
 // Then come chunks: kind u8, time f64 (seconds since 1970), length u32, bytes; all numbers in
 // network byte order. Kind 1 is bytes, kind 2 the beginning of a connection, without bytes. A file
-// whose last chunk is cut, because the recorder was killed, is good up to there.
+// whose last chunk is cut, because the recorder was killed, is good up to there; one with a chunk
+// that no recorder writes is not.
 
 #include <vgwctl/link/Connection.h>
 
@@ -21,6 +22,12 @@ class Recorder final : public ByteTap {
   public:
     /// Raises Failure when the file exists already or can't be written.
     Recorder(std::string const& file, std::string const& path);
+    /// Removes the file unless it is to be kept.
+    ~Recorder() override;
+    Recorder(Recorder const&) = delete;
+    Recorder& operator=(Recorder const&) = delete;
+    /// From now on there is something in it that is worth it.
+    void keep() { isKept_ = true; }
 
     void connected() override;
     void heard(std::span<unsigned char const> bytes) override;
@@ -33,6 +40,7 @@ class Recorder final : public ByteTap {
     std::string const file_;
     std::ofstream out_;
     std::string fault_;
+    bool isKept_ = false;
 };
 
 class Recording {

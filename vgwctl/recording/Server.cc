@@ -2,9 +2,16 @@
 
 #include <qor/attrlog/session/Session.h>
 
+#include <cerrno>
 #include <vector>
 
 namespace Vgwctl {
+namespace {
+
+// When no more can be let in, for want of descriptors or memory.
+constexpr Deadline::Seconds pause{0.1};
+
+}  // namespace
 
 using Qor::NboAttrLog::Session;
 
@@ -43,6 +50,8 @@ Server::~Server() = default;
 void Server::accept() {
     for (;;) {
         Descriptor socket = listening_.accept();
+        isPaused_ = socket.get() < 0 && errno != EAGAIN && errno != EWOULDBLOCK;
+        if (isPaused_) pausedUntil_ = Deadline::after(pause);
         if (socket.get() < 0) return;
         Qor::Entity* top = copy_.entity().ptr();
         while (top != nullptr && top->qorParent() != nullptr) top = top->qorParent();
@@ -53,10 +62,12 @@ void Server::accept() {
 void Server::step(Deadline const& until, pollfd const& other) {
     // What has changed since is sent before anything is waited for.
     std::erase_if(readers_, [](auto const& reader) { return !reader->service(); });
-    std::vector<pollfd> wanted{{listening_.get(), POLLIN, 0}, other};
+    isPaused_ = isPaused_ && !pausedUntil_.isOver();
+    std::vector<pollfd> wanted{{isPaused_ ? -1 : listening_.get(), POLLIN, 0}, other};
     for (auto const& reader : readers_) wanted.push_back(reader->wanted());
-    ::poll(wanted.data(), wanted.size(), until.milliseconds());
-    accept();
+    Deadline const limit = isPaused_ ? until.orAt(pausedUntil_) : until;
+    ::poll(wanted.data(), wanted.size(), limit.milliseconds());
+    if (!isPaused_) accept();
     std::erase_if(readers_, [](auto const& reader) { return !reader->service(); });
 }
 

@@ -33,6 +33,8 @@ class Server {
     Copy const& copy_;
     ListeningSocket listening_;
     std::list<std::unique_ptr<Reader>> readers_;
+    bool isPaused_ = false;  // nobody is let in
+    Deadline pausedUntil_;
 };
 
 }  // namespace Vgwctl

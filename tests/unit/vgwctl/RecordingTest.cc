@@ -52,6 +52,7 @@ class Recordings : public testing::Test {
         MemoryTransport far;
         MemoryTransport::connect(near, far);
         Tapped tapped(near, recorder);
+        recorder.keep();
         recorder.connected();
         Session::Config config;
         config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
@@ -138,9 +139,15 @@ TEST_F(Recordings, OfSomethingElseAreRefusedByName) {
               file + " is a recording of version 7, expected 1");
 }
 
+TEST_F(Recordings, ThatAreNotKeptLeaveNoFile) {
+    { Recorder const recorder(file, "/vgw"); }
+    EXPECT_FALSE(std::filesystem::exists(file));
+}
+
 TEST_F(Recordings, ThatNoAgentSentAreRefused) {
     {
         Recorder recorder(file, "/vgw");
+        recorder.keep();
         recorder.connected();
         unsigned char const junk[] = {0, 0, 0, 1, 9};
         recorder.heard(junk);

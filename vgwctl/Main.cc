@@ -1,9 +1,13 @@
 #include <vgwctl/command/Command.h>
 #include <vgwctl/help/HelpText.h>
 #include <vgwctl/options/Options.h>
+#include <vgwctl/output/StandardOutput.h>
+#include <vgwctl/output/ValueText.h>
 
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <iostream>
 #include <vector>
 
@@ -23,7 +27,6 @@ ExitCode runAll(Vgwctl::Options const& options) {
         if (code != ExitCode::success) break;
         context.finish();
     }
-    std::cout.flush();
     return code;
 }
 
@@ -37,29 +40,47 @@ std::string (*textNamed(std::string_view word))() {
     return nullptr;
 }
 
+int run(int count, char** words) {
+    if (count == 2) {
+        if (auto* const text = textNamed(words[1])) {
+            std::cout << text();
+            return codeOf(ExitCode::success);
+        }
+    }
+    int exitCode = 0;
+    auto const options = Vgwctl::parseOptions(count, words, Vgwctl::commandHelp(), exitCode);
+    return options ? codeOf(runAll(*options)) : exitCode;
+}
+
+// Some of it is what a peer has said.
+void tellFailure(char const* what) {
+    std::cout.flush();
+    std::fprintf(stderr, "vgwctl: %s\n", Vgwctl::printable(what).c_str());
+}
+
+int runOrFail(int count, char** words) {
+    try {
+        return run(count, words);
+    } catch (Vgwctl::Failure const& e) {
+        tellFailure(e.what());
+        return codeOf(e.code());
+    } catch (std::exception const& e) {
+        tellFailure(e.what());
+        return codeOf(ExitCode::fatal);
+    }
+}
+
 }  // namespace
 
 int main(int count, char** words) {
+    Vgwctl::openStandardStreams();
     // A reader that has gone is noticed where it is written to.
     std::signal(SIGPIPE, SIG_IGN);
-    std::ios::sync_with_stdio(false);
-    try {
-        if (count == 2) {
-            if (auto* const text = textNamed(words[1])) {
-                std::cout << text() << std::flush;
-                return codeOf(ExitCode::success);
-            }
-        }
-        int exitCode = 0;
-        auto const options = Vgwctl::parseOptions(count, words, Vgwctl::commandHelp(), exitCode);
-        return options ? codeOf(runAll(*options)) : exitCode;
-    } catch (Vgwctl::Failure const& e) {
-        std::cout.flush();
-        std::fprintf(stderr, "vgwctl: %s\n", e.what());
-        return codeOf(e.code());
-    } catch (std::exception const& e) {
-        std::cout.flush();
-        std::fprintf(stderr, "vgwctl: %s\n", e.what());
-        return codeOf(ExitCode::fatal);
-    }
+    Vgwctl::StandardOutput output;
+    int const code = runOrFail(count, words);
+    int const error = output.flush();
+    if (error == 0) return code;
+    // Who has stopped reading, as head(1) does, knows.
+    if (error != EPIPE) std::fprintf(stderr, "vgwctl: standard output: %s\n", std::strerror(error));
+    return code != 0 ? code : codeOf(ExitCode::fatal);
 }

@@ -144,7 +144,7 @@ void Follower::tellEntryState(Followed& followed, Change::Kind kind) {
     sink_({kind,
            followed.path,
            entity.fwkType(),
-           "_state",
+           std::string(entryStateAttribute),
            {},
            textValue(state.empty() ? "ready" : state)});
 }

@@ -15,11 +15,15 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <utility>
 #include <vector>
 
 namespace Vgwctl {
+
+/// The name under which it is told how far an entry of a directory can be relied on.
+inline constexpr std::string_view entryStateAttribute = "_state";
 
 struct Change {
     enum class Kind { initial, inserted, modified, deleted };

@@ -111,9 +111,11 @@ class Verifier {
 
 ExitCode runVerify(Context& context, Arguments const& arguments) {
     Qor::Entity& root = context.root();
+    std::string const path =
+        arguments.operands.empty() ? std::string(root.uriPath().view()) : arguments.operands[0];
+    neededEntity(path);
     Verifier verifier(context);
-    verifier.verify(arguments.operands.empty() ? std::string(root.uriPath().view())
-                                               : arguments.operands[0]);
+    verifier.verify(path);
     TableStyle style = context.options().style;
     if (style.data == TextForm::string) style.data = TextForm::bare;
     verifier.table().print(context.out(), style);

@@ -50,25 +50,33 @@ void addWords(Selection& selection, std::string const& list) {
     }
 }
 
+// Of a word that names none nothing would ever be printed.
+void needAttribute(Selection const& selection, std::string const& attribute) {
+    if (attribute == entryStateAttribute) return;
+    auto const types = Qor::QorType::types();
+    bool const isThere = std::any_of(types.begin(), types.end(), [&](Qor::QorType* type) {
+        bool const isTaken = selection.type == nullptr || type->isA(*selection.type);
+        return isTaken && type->isEntity() && type->attr(Qor::Name(std::string_view(attribute)));
+    });
+    if (!isThere)
+        throw Failure("no entity of those has an attribute " + attribute, ExitCode::absent);
+}
+
 Selection selectionOf(Arguments const& arguments, std::string const& root) {
     Selection selection;
     selection.path = root;
     for (std::size_t n = 0; n < arguments.operands.size(); ++n) {
         std::string const& word = arguments.operands[n];
-        if (n > 0 || word.front() == '!') {
+        if (n > 0 || word.starts_with('!')) {
             addWords(selection, word);
-        } else if (word.front() == '/') {
+        } else if (word.starts_with('/')) {
             selection.path = word;
         } else {
-            selection.type = &neededType(word);
+            selection.type = &neededClass(word);
         }
     }
+    for (std::string const& attribute : selection.attributes) needAttribute(selection, attribute);
     return selection;
-}
-
-void checkOutput(std::ostream& out) {
-    out.flush();
-    if (!out) throw Failure("nobody reads what is written");
 }
 
 }  // namespace
@@ -78,6 +86,7 @@ ExitCode runWatch(Context& context, Arguments const& arguments) {
     Attachment attachment(context.target(), copy, tellPeople, context.patience());
     attachment.begin(context.deadline());
     Selection const selection = selectionOf(arguments, copy.path());
+    if (!standsAt(selection.path)) tellPeople(selection.path + " does not exist yet");
     ChangePrinter printer(context.options(), context.out());
     Follower follower(
         [&](Change const& change) {
@@ -86,7 +95,8 @@ ExitCode runWatch(Context& context, Arguments const& arguments) {
         [&](std::string const& path) { return selection.follows(path); });
     follower.follow(copy.root());
     for (;;) {
-        checkOutput(context.out());
+        // Why nobody can read it any more is told when the program ends.
+        if (!context.out().flush()) return ExitCode::fatal;
         if (context.deadline().isOver()) return ExitCode::timeout;
         attachment.step(context.deadline());
         // Not by halves, while a new connection brings what differs.

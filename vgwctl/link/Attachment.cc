@@ -1,5 +1,7 @@
 #include <vgwctl/link/Attachment.h>
 
+#include <vgwctl/output/ValueText.h>
+
 #include <cstdio>
 #include <thread>
 
@@ -112,6 +114,8 @@ void Attachment::lose(std::string const& reason) {
     lastReason_ = reason;
 }
 
-void tellPeople(std::string const& what) { std::fprintf(stderr, "vgwctl: %s\n", what.c_str()); }
+void tellPeople(std::string const& what) {
+    std::fprintf(stderr, "vgwctl: %s\n", printable(what).c_str());
+}
 
 }  // namespace Vgwctl

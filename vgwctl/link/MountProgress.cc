@@ -1,5 +1,7 @@
 #include <vgwctl/link/MountProgress.h>
 
+#include <vgwctl/output/ValueText.h>
+
 #include <unistd.h>
 
 #include <cstdio>
@@ -14,7 +16,9 @@ constexpr double bytesPerMegabyte = 1e6;
 }  // namespace
 
 MountProgress::MountProgress(std::string_view path)
-    : path_(path), next_(Clock::now() + patience), isTerminal_(::isatty(STDERR_FILENO) == 1) {}
+    : path_(printable(path)),
+      next_(Clock::now() + patience),
+      isTerminal_(::isatty(STDERR_FILENO) == 1) {}
 
 MountProgress::~MountProgress() {
     if (isShown_) std::fputs("\r\033[K", stderr);

@@ -74,8 +74,18 @@ Entity::Ptr entityAt(std::string_view path) {
 
 Entity::Ptr neededEntity(std::string_view path) {
     Entity::Ptr entity = entityAt(path);
-    if (!entity) throw absent(std::string(path));
-    return entity;
+    if (entity) return entity;
+    Entity::Ptr owner;
+    Qor::QorAttr const* attribute = nullptr;
+    if (isCollectionPath(path, owner, attribute))
+        throw Failure(std::string(path) + " is a collection, and no entity: see list and find");
+    throw absent(std::string(path));
+}
+
+bool standsAt(std::string_view path) {
+    Entity::Ptr owner;
+    Qor::QorAttr const* attribute = nullptr;
+    return entityAt(path) || isCollectionPath(path, owner, attribute);
 }
 
 Attributes heldAttributes(Qor::QorType const& type) {
@@ -156,9 +166,16 @@ void forEachBelow(Entity& entity, std::function<void(Entity&)> const& visit) {
     forEachChild(entity, [&](Qor::QorAttr const&, Entity& child) { forEachBelow(child, visit); });
 }
 
+Qor::QorType& neededClass(std::string_view name) {
+    Qor::QorType& type = neededType(name);
+    if (!type.isEntity())
+        throw Failure(std::string(type.fullName().view()) + " is a type of values, of no entities");
+    return type;
+}
+
 std::vector<Entity::Ptr> rowsOf(std::string_view word, Entity& root) {
     if (!word.empty() && word.front() == '/') return rowsAt(word);
-    Qor::QorType const& type = neededType(word);
+    Qor::QorType const& type = neededClass(word);
     std::vector<Entity::Ptr> rows;
     forEachBelow(root, [&](Entity& entity) {
         if (entity.fwkType()->isA(type)) rows.emplace_back(&entity);

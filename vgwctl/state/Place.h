@@ -25,8 +25,11 @@ Qor::GenericIf::Ptr wrapped(Qor::Entity& entity, bool isConst = true);
 
 /// Null when nothing stands there.
 Qor::Entity::Ptr entityAt(std::string_view path);
-/// Raises Failure, absent, when nothing stands there.
+/// Raises Failure when no entity stands there; absent, when nothing does.
 Qor::Entity::Ptr neededEntity(std::string_view path);
+
+/// Whether there is an entity or a collection of some.
+bool standsAt(std::string_view path);
 
 /// What an entity of that type holds: no operations, and nothing that follows from the rest.
 Attributes heldAttributes(Qor::QorType const& type);
@@ -35,6 +38,9 @@ Qor::QorAttr const& neededAttribute(Qor::QorType const& type, std::string_view n
 /// The type of that full name, or the entity class of that short one; Failure when there is none
 /// or, of short names, more than one.
 Qor::QorType& neededType(std::string_view name);
+
+/// The same, of entities.
+Qor::QorType& neededClass(std::string_view name);
 
 /// Whether `child` stands in that attribute of `owner`, and is not only referred to.
 bool isOwnedIn(Qor::Entity const& owner, Qor::QorAttr const& attribute, Qor::Entity const& child);

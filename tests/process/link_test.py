@@ -4,11 +4,12 @@ import re
 import signal
 import socket
 import subprocess
+import threading
 import time
 from pathlib import Path
 
 import process_case
-from support import ctl
+from support import attrlog, ctl
 from support.agent import SLOWNESS, Agent
 from support.certificates import Authority
 
@@ -142,6 +143,48 @@ class IdleTest(LinkCase):
     def test_who_follows_an_agent_at_rest_uses_no_processor(self):
         for words in (["watch", "/vgw/config"], ["relay", self.directory / "idle.sock"], ["record", self.directory / "recording"]):
             self.assert_idle(f"--db={self.far}", "-t", 2, *words)
+
+
+    def test_a_relay_that_can_let_nobody_in_uses_no_processor(self):
+        place = self.directory / "full.sock"
+        script = f'ulimit -n 16; exec "{ctl.program()}" --db={self.near} -t 3 relay "{place}"'
+        crowd = threading.Thread(target=self.crowd, args=(place,))
+        crowd.start()
+        code, said, used = busy("bash", "-c", script)
+        crowd.join()
+        self.assertEqual((code, said), (0, ""))
+        self.assertLess(used, IDLE)
+
+    def crowd(self, place):
+        """More readers than it has descriptors for, until it ends."""
+        self.agent.await_that(place.exists, "the relay serves")
+        peers = [attrlog.Peer(place) for _ in range(20)]
+        self.assertIsNotNone(peers[0].mounted(1, "/vgw/config"))
+        time.sleep(3)
+        for peer in peers:
+            peer.close()
+
+    def test_a_relay_whose_reader_does_not_read_uses_no_processor(self):
+        place = self.directory / "slow.sock"
+        reader = threading.Thread(target=self.read_nothing, args=(place,))
+        reader.start()
+        code, said, used = busy(ctl.program(), f"--db={self.near}", "-t", "3", "relay", str(place))
+        reader.join()
+        self.assertEqual((code, said), (0, ""))
+        self.assertLess(used, IDLE)
+
+    def read_nothing(self, place):
+        self.agent.await_that(place.exists, "the relay serves")
+        peer = attrlog.Peer(place)
+        peer.socket.setsockopt(socket.SOL_SOCKET, socket.SO_RCVBUF, 4096)
+        for number in range(1000):  # each is answered by its state, or why not
+            try:
+                peer.socket.settimeout(0.2)
+                peer.send(attrlog.mount(number, "/vgw/nothing" * 40))
+            except OSError:
+                break
+        time.sleep(2)
+        peer.close()
 
 
 class SilentAgentTest(LinkCase):

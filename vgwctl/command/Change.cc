@@ -58,7 +58,9 @@ Spot spotOf(std::string const& path) {
 void needWritable(Qor::QorAttr const& attribute, Operand const& operand) {
     std::string const& name = operand.attribute;
     if (attribute.introspection().isFunction()) throw Failure(name + " is an operation: use call");
-    if (!attribute.flags().isWritable() || attribute.flags().isConstant())
+    // What is not held, but follows from the rest or is the process's own, does not travel.
+    bool const isHeld = attribute.flags().isCollection() || attribute.flags().isStored();
+    if (!isHeld || !attribute.flags().isWritable() || attribute.flags().isConstant())
         throw Failure(name + " can't be changed");
     if (attribute.keyType() == nullptr && operand.key) throw Failure(name + " takes no key");
     if (attribute.keyType() != nullptr && !operand.key)
@@ -162,9 +164,8 @@ void needOperands(Operand const& operand, std::string const& word) {
 ExitCode runGet(Context& context, Arguments const& arguments) {
     std::string const& path = arguments.operands[0];
     context.root();
-    Entity::Ptr const entity = entityAt(path);
-    if (!entity && arguments.has("--if-exists")) return ExitCode::success;
-    if (!entity) throw absent(path);
+    if (!entityAt(path) && arguments.has("--if-exists")) return ExitCode::success;
+    Entity::Ptr const entity = neededEntity(path);
     for (std::string const& word : behind(arguments.operands, 1)) {
         Operand const operand = operandOf(word);
         needOperands(operand, word);
@@ -238,6 +239,10 @@ ExitCode runDel(Context& context, Arguments const& arguments) {
     if (arguments.operands.size() == 1) {
         if (!removeEntity(context, path) && !mayBeAbsent) throw absent(path);
         return ExitCode::success;
+    }
+    if (mayBeAbsent) {
+        context.root();
+        if (!entityAt(path)) return ExitCode::success;
     }
     Entity::Ptr const entity = context.writable(path);
     for (std::string const& word : behind(arguments.operands, 1))

@@ -18,8 +18,10 @@ class Deadline {
 
     /// Never.
     Deadline() = default;
+    /// Of what is beyond all clocks, never.
     static Deadline after(Seconds seconds) {
         Deadline deadline;
+        if (!(seconds < longest)) return deadline;
         deadline.at_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(seconds);
         return deadline;
     }
@@ -42,6 +44,8 @@ class Deadline {
     }
 
   private:
+    static constexpr Seconds longest{1e9};
+
     std::optional<Clock::time_point> at_;
 };
 

@@ -13,6 +13,7 @@ namespace {
 
 std::string lastError() {
     unsigned long const error = ::ERR_get_error();
+    if (ERR_SYSTEM_ERROR(error)) return std::strerror(ERR_GET_REASON(error));
     char const* const reason = error != 0 ? ::ERR_reason_error_string(error) : nullptr;
     return reason != nullptr ? reason : "unknown error";
 }

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <map>
 #include <memory>
@@ -24,6 +25,16 @@ std::map<std::string, TextForm> const textForms{
     {"string", TextForm::string}, {"bare", TextForm::bare}, {"json", TextForm::json}};
 std::map<std::string, Format> const formats{
     {"table", Format::table}, {"list", Format::list}, {"json", Format::json}, {"csv", Format::csv}};
+
+// What CLI11 has for this tells its range in 300 digits.
+CLI::Validator const seconds(
+    [](std::string& word) {
+        double value = -1;
+        bool const isNumber = CLI::detail::lexical_cast(word, value);
+        return isNumber && value >= 0 && std::isfinite(value) ? std::string()
+                                                              : "expected seconds, 0 or more";
+    },
+    "", "seconds");
 
 void describeConnection(CLI::App& app, Options& options) {
     app.add_option("--db", options.db,
@@ -43,13 +54,13 @@ void describeConnection(CLI::App& app, Options& options) {
         ->type_name("FILE");
     app.add_option("-t,--timeout", options.timeout,
                    "end with code 3 when it takes longer; 0 waits for ever")
-        ->check(CLI::NonNegativeNumber)
+        ->check(seconds)
         ->type_name("SECONDS");
     app.add_option(
            "--probe", options.probe,
            "ask an agent that is followed and says nothing for so long whether it is there; "
            "0 never asks")
-        ->check(CLI::NonNegativeNumber)
+        ->check(seconds)
         ->type_name("SECONDS")
         ->capture_default_str();
 }

@@ -130,6 +130,9 @@ Operand operandOf(std::string_view word) {
     if (operand.relation == Relation::none && !rest.empty())
         throw Failure(std::string(word) + ": expected =, !=, <, <=, > or >= at " +
                       std::string(rest));
+    if (rest.starts_with('='))
+        throw Failure(std::string(word) + ": a value that begins with = stands between double " +
+                      "quotes; for equality one = is enough");
     operand.value = plain(rest);
     return operand;
 }

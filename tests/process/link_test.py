@@ -1,5 +1,6 @@
 """vgwctl's connections, when the other end does not do what it should: it accepts and says nothing, stops, or is not there."""
 import os
+import pty
 import re
 import signal
 import socket
@@ -211,6 +212,22 @@ class SilentAgentTest(LinkCase):
             ctl.read(self.near, "set", "/vgw/config", "restartSyncLimit=78")
             self.await_said(watch, "restartSyncLimit = 78")
             self.assertEqual(watch.told().count("\n"), 2, watch.told())
+
+    def test_on_a_terminal_what_is_told_stands_on_a_line_of_its_own(self):
+        self.stop_agent()
+        process, terminal = pty.fork()
+        if process == 0:
+            os.execv(ctl.program(), [ctl.program(), f"--db={self.near}", "-t", "2", "--probe=0.4", "watch"])
+        said = b""
+        with open(terminal, "rb", buffering=0) as opened:
+            try:
+                while got := opened.read(4096):
+                    said += got
+            except OSError:
+                pass  # the end
+        os.waitpid(process, 0)
+        self.assertIn(b"\r/vgw: 0.0 MB, 0 records\033[K", said)
+        self.assertIn(b"\r\033[Kvgwctl: " + self.near.encode() + b" has said nothing for 0.8 s; it is waited for\r\n", said)
 
     def test_an_agent_that_answers_is_asked_without_a_word(self):
         with ctl.Running(self.far, "--probe=0.2", "watch", "/vgw") as watch:

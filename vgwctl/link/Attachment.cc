@@ -65,8 +65,13 @@ void Attachment::look() {
         case Silence::Finding::silent:
             return handleSilence();
         case Silence::Finding::heardAgain:
-            return tell_(connection_->remote() + " is heard of again");
+            return tell(connection_->remote() + " is heard of again");
     }
+}
+
+void Attachment::tell(std::string const& what) {
+    if (progress_) progress_->hide();
+    tell_(what);
 }
 
 void Attachment::handleSilence() {
@@ -75,7 +80,7 @@ void Attachment::handleSilence() {
     std::string const what = connection_->remote() + " has said nothing for " + after + " s";
     bool const isNear = target_.remote.kind == Ovsdb::Remote::Kind::unixSocket;
     if (hasBegun_ && !isNear) throw LinkFailure(what);
-    tell_(what + "; it is waited for");
+    tell(what + "; it is waited for");
 }
 
 bool Attachment::isTimeToConnect(Deadline const& until) {

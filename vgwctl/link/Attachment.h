@@ -51,6 +51,7 @@ class Attachment {
     void connect(Deadline const& until);
     void look();
     void handleSilence();
+    void tell(std::string const& what);
     bool isTimeToConnect(Deadline const& until);
     void settle();
     void lose(std::string const& reason);

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <utility>
 
 namespace Vgwctl {
 namespace {
@@ -20,8 +21,10 @@ MountProgress::MountProgress(std::string_view path)
       next_(Clock::now() + patience),
       isTerminal_(::isatty(STDERR_FILENO) == 1) {}
 
-MountProgress::~MountProgress() {
-    if (isShown_) std::fputs("\r\033[K", stderr);
+MountProgress::~MountProgress() { hide(); }
+
+void MountProgress::hide() {
+    if (std::exchange(isShown_, false)) std::fputs("\r\033[K", stderr);
 }
 
 void MountProgress::tell(Qor::NboAttrLog::Session::Counters const& counters) {

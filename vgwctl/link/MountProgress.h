@@ -22,6 +22,8 @@ class MountProgress {
     MountProgress(MountProgress const&) = delete;
     MountProgress& operator=(MountProgress const&) = delete;
 
+    /// So that something else can be said.
+    void hide();
     void tell(Qor::NboAttrLog::Session::Counters const& counters);
 
   private:

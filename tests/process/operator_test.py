@@ -208,5 +208,28 @@ class FilesTest(OperatorCase):
         self.assert_told(["-t", 0.3 * SLOWNESS, "relay", ""], 1, "expected the path of a socket")
 
 
+class ReturnTest(OperatorCase):
+    def test_what_an_agent_has_no_more_when_it_returns_is_waited_for(self):
+        path = f"{OVSDB}/logicalSwitch/{vgwctl_test.BLUE}"
+        with ctl.Running(self.remote, f"--path={path}", "watch", path) as watch:
+            self.agent.await_that(lambda: " displayName = blue\n" in watch.said(), "the beginning")
+            self.agent.kill()
+            with self.database.client() as client:
+                gone = ["_uuid", "==", ["uuid", vgwctl_test.BLUE]]
+                client.transact(
+                    [
+                        {"op": "update", "table": "Physical_Port", "where": [], "row": {"vlan_bindings": ["map", []]}},
+                        {"op": "delete", "table": "Logical_Switch", "where": [gone]},
+                    ]
+                )
+            self.agent.start()
+            told = f"vgwctl: {path} does not exist; what was shown is kept, and it is tried again\n"
+            self.agent.await_that(lambda: told in watch.told() or not watch.is_running(), "it is told")
+            self.assertTrue(watch.is_running(), watch.told())
+            with self.database.client() as client:
+                client.transact([vgwctl_test.insert("Logical_Switch", vgwctl_test.BLUE, name="azure")])
+            self.agent.await_that(lambda: f"modify {path} displayName = azure\n" in watch.said(), "it is back")
+
+
 if __name__ == "__main__":
     vgwctl_test.main()

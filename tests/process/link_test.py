@@ -29,7 +29,7 @@ def listener(place, backlog=16):
     return sock
 
 
-def busy(*command, seconds=2):
+def busy(*command):
     """The exit code of a command, what it said, and the processor time that it took."""
     with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT) as process:
         said = process.stdout.read()
@@ -148,7 +148,7 @@ class IdleTest(LinkCase):
 
     def test_a_relay_that_can_let_nobody_in_uses_no_processor(self):
         place = self.directory / "full.sock"
-        script = f'ulimit -n 16; exec "{ctl.program()}" --db={self.near} -t 3 relay "{place}"'
+        script = f'ulimit -n 16; exec "{ctl.program()}" --db={self.near} -t {3 * SLOWNESS} relay "{place}"'
         crowd = threading.Thread(target=self.crowd, args=(place,))
         crowd.start()
         code, said, used = busy("bash", "-c", script)
@@ -161,7 +161,7 @@ class IdleTest(LinkCase):
         self.agent.await_that(place.exists, "the relay serves")
         peers = [attrlog.Peer(place) for _ in range(20)]
         self.assertIsNotNone(peers[0].mounted(1, "/vgw/config"))
-        time.sleep(3)
+        time.sleep(3 * SLOWNESS)
         for peer in peers:
             peer.close()
 
@@ -169,7 +169,7 @@ class IdleTest(LinkCase):
         place = self.directory / "slow.sock"
         reader = threading.Thread(target=self.read_nothing, args=(place,))
         reader.start()
-        code, said, used = busy(ctl.program(), f"--db={self.near}", "-t", "3", "relay", str(place))
+        code, said, used = busy(ctl.program(), f"--db={self.near}", "-t", str(3 * SLOWNESS), "relay", str(place))
         reader.join()
         self.assertEqual((code, said), (0, ""))
         self.assertLess(used, IDLE)
@@ -184,7 +184,7 @@ class IdleTest(LinkCase):
                 peer.send(attrlog.mount(number, "/vgw/nothing" * 40))
             except OSError:
                 break
-        time.sleep(2)
+        time.sleep(2 * SLOWNESS)
         peer.close()
 
 

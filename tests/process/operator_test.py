@@ -122,6 +122,15 @@ class WordsTest(OperatorCase):
         self.assert_told(["set", "/vgw/config", "restartSyncLimit==5"], 1, f"restartSyncLimit==5: {why}")
         self.assertEqual(self.run_ctl("find", "LogicalSwitch", 'displayName="=red"').returncode, 0)
 
+    def test_options_behind_a_command_are_told_where_they_stand(self):
+        for words, option in (
+            (["list", "LogicalSwitch", "-f", "json"], "-f"),
+            (["show", "-t", "3"], "-t"),
+            (["show", "--format=json"], "--format=json"),
+        ):
+            why = f"{words[0]} has no option {option}; those of vgwctl stand in front of the first command"
+            self.assert_told(words, 1, why)
+
     def test_what_does_not_travel_is_not_set(self):
         self.assert_told(["set", "/vgw/cliConfig", "isNondestructing=true"], 1, "isNondestructing can't be changed")
 
@@ -161,16 +170,19 @@ class FilesTest(OperatorCase):
         self.assertEqual(file.read_bytes(), before)
 
     def test_a_recording_that_the_disk_does_not_take_ends(self):
-        def on_a_small_disk():
-            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-            resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+        for room in (0, 10000):
 
-        file = self.directory / "recording"
-        command = [ctl.program(), f"--db={self.remote}", "record", str(file)]
-        done = subprocess.run(
-            command, stdin=subprocess.DEVNULL, capture_output=True, timeout=30 * SLOWNESS, preexec_fn=on_a_small_disk
-        )
-        self.assertEqual((done.returncode, done.stderr.decode()), (1, f"vgwctl: {file}: File too large\n"))
+            def on_a_small_disk(room=room):
+                signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+                resource.setrlimit(resource.RLIMIT_FSIZE, (room, room))
+
+            file = self.directory / f"recording-{room}"
+            command = [ctl.program(), f"--db={self.remote}", "record", str(file)]
+            done = subprocess.run(
+                command, stdin=subprocess.DEVNULL, capture_output=True, timeout=30 * SLOWNESS, preexec_fn=on_a_small_disk
+            )
+            self.assertEqual((done.returncode, done.stderr.decode()), (1, f"vgwctl: {file}: File too large\n"))
+            self.assertFalse(file.exists())
 
     def test_a_recording_and_an_agent_are_compared_by_what_both_have(self):
         file = self.directory / "recording"

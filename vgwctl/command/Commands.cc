@@ -246,6 +246,23 @@ Command const& neededCommand(std::string const& name) {
     return *found;
 }
 
+// In front of a command they are understood before it is.
+bool isOptionOfProgram(std::string const& word) {
+    return word.size() == 2 && word[0] == '-' &&
+           std::string_view("dfptcChV").find(word[1]) != std::string_view::npos;
+}
+
+bool isOptionOfACommand(std::string const& word) {
+    return std::any_of(table.begin(), table.end(), [&](Command const& one) {
+        return std::find(one.flags.begin(), one.flags.end(), word) != one.flags.end();
+    });
+}
+
+Failure noOption(std::string const& command, std::string const& word) {
+    std::string const hint = "; those of vgwctl stand in front of the first command";
+    return Failure(command + " has no option " + word + (isOptionOfACommand(word) ? "" : hint));
+}
+
 // As with the OVSDB tools, a command's options may stand in front of it.
 std::pair<std::string, Arguments> parted(std::vector<std::string> const& words) {
     Arguments arguments;
@@ -287,7 +304,9 @@ Call callOf(std::vector<std::string> const& words, Format format) {
     Command const& command = neededCommand(name);
     for (std::string const& flag : arguments.flags)
         if (std::find(command.flags.begin(), command.flags.end(), flag) == command.flags.end())
-            throw Failure(name + " has no option " + flag);
+            throw noOption(name, flag);
+    for (std::string const& word : arguments.operands)
+        if (isOptionOfProgram(word)) throw noOption(name, word);
     std::size_t const count = arguments.operands.size();
     if (count < command.least || count > command.most)
         throw Failure("usage: vgwctl " + name + " " + std::string(command.operands));

@@ -53,7 +53,10 @@ Recorder::Recorder(std::string const& file, std::string const& path) : file_(fil
     out_.open(file, std::ios::binary);
     out_ << magic << inNetworkOrder(version)
          << inNetworkOrder(static_cast<std::uint32_t>(path.size())) << path << std::flush;
-    if (!out_) throw Failure(file + ": " + std::strerror(errno));
+    if (out_) return;
+    int const error = errno;
+    ::unlink(file.c_str());
+    throw Failure(file + ": " + std::strerror(error));
 }
 
 Recorder::~Recorder() {

@@ -9,7 +9,7 @@ namespace Vgwctl {
 namespace {
 
 // When no more can be let in, for want of descriptors or memory.
-constexpr Deadline::Seconds pause{0.1};
+constexpr Deadline::Seconds acceptPause{0.1};
 
 }  // namespace
 
@@ -51,7 +51,7 @@ void Server::accept() {
     for (;;) {
         Descriptor socket = listening_.accept();
         isPaused_ = socket.get() < 0 && errno != EAGAIN && errno != EWOULDBLOCK;
-        if (isPaused_) pausedUntil_ = Deadline::after(pause);
+        if (isPaused_) pausedUntil_ = Deadline::after(acceptPause);
         if (socket.get() < 0) return;
         Qor::Entity* top = copy_.entity().ptr();
         while (top != nullptr && top->qorParent() != nullptr) top = top->qorParent();

@@ -188,6 +188,61 @@ class IdleTest(LinkCase):
         peer.close()
 
 
+class TlsTest(process_case.ProcessCase):
+    def setUp(self):
+        super().setUp()
+        self.authority = Authority(self.directory / "pki")
+        self.database = self.server()
+        files = self.options(*self.authority.issue("agent"))
+        self.agent = Agent(
+            self.directory / "agent", self.database.remote, "--listen", "pssl:0:127.0.0.1", *files, "--write-cn", "writer"
+        )
+        self.addCleanup(self.agent.stop)
+        self.agent.start()
+        self.agent.await_said("listening on ssl:127.0.0.1:", "in step")
+        self.remote = "ssl:127.0.0.1:" + re.search(r"listening on ssl:127.0.0.1:(\d+)", self.agent.said())[1]
+
+    def options(self, key, certificate):
+        return ["-p", str(key), "-c", str(certificate), "-C", str(self.authority.certificate)]
+
+    def test_it_reads_and_writes_over_tls(self):
+        writer = self.options(*self.authority.issue("writer"))
+        words = ["set", "/vgw/config", "restartSyncLimit=79", "--", "get", "/vgw/config", "restartSyncLimit"]
+        done = ctl.run(self.remote, *writer, *words)
+        self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "79\n", ""))
+
+    def test_why_it_is_refused_over_tls_is_told(self):
+        reader = self.options(*self.authority.issue("reader"))
+        done = ctl.run(self.remote, *reader, "set", "/vgw/config", "restartSyncLimit=79")
+        self.assertEqual((done.returncode, done.stderr), (1, "vgwctl: /vgw/config may only be read\n"))
+        stranger = self.options(*Authority(self.directory / "other", "other").issue("stranger"))
+        done = ctl.run(self.remote, *stranger, "show")
+        self.assertEqual((done.returncode, done.stderr), (1, f"vgwctl: {self.remote}: TLS: tlsv1 alert unknown ca\n"))
+        nobody = self.options(*self.authority.issue("", "nobody", "/O=nobody"))
+        done = ctl.run(self.remote, *nobody, "show")
+        told = f"vgwctl: {self.remote}: the peer: the certificate has no common name\n"
+        self.assertEqual((done.returncode, done.stderr), (1, told))
+
+    def insert_switches(self, turn):
+        row = lambda n: {"name": f"{turn}-{n}", "description": "long " * 100}
+        with self.database.client() as client:
+            client.transact([{"op": "insert", "table": "Logical_Switch", "row": row(n)} for n in range(4000)])
+
+    def test_a_relay_over_tls_has_all_that_comes_at_once(self):
+        """More than a session takes in one turn; the rest waits where the socket knows nothing of it."""
+        files = self.options(*self.authority.issue("reader"))
+        place, part = self.directory / "relay.sock", "--path=/vgw/status/ovsdb"
+        with ctl.Running(self.remote, *files, part, "relay", place) as relay:
+            self.agent.await_that(lambda: place.exists() or not relay.is_running(), "the relay serves")
+            for turn in range(3):
+                self.insert_switches(turn)
+                find = (part, "--columns=displayName", "find", "LogicalSwitch", f"displayName={turn}-3999")
+                has_all = lambda: f"{turn}-3999" in ctl.run(f"unix:{place}", *find).stdout
+                self.agent.await_that(has_all, relay.told())
+            done = ctl.run(self.remote, *files, part, "diff", f"unix:{place}", self.remote)
+            self.assertEqual((done.returncode, done.stdout, done.stderr), (0, "", ""))
+
+
 class SilentAgentTest(LinkCase):
     def stop_agent(self):
         self.agent._process.send_signal(signal.SIGSTOP)

@@ -64,15 +64,16 @@ std::size_t TlsTransport::write(std::string_view bytes) {
     if (closed_.length() != 0 || bytes.empty()) return 0;
     ::ERR_clear_error();
     std::size_t count = 0;
-    return done(::SSL_write_ex(tls_.get(), bytes.data(), bytes.size(), &count), count,
-                isWriteBlocked_);
+    int const result = ::SSL_write_ex(tls_.get(), bytes.data(), bytes.size(), &count);
+    return done(result, count, isWriteBlocked_);
 }
 
 std::size_t TlsTransport::read(std::span<unsigned char> room) {
     if (closed_.length() != 0 || room.empty()) return 0;
     ::ERR_clear_error();
     std::size_t count = 0;
-    return done(::SSL_read_ex(tls_.get(), room.data(), room.size(), &count), count, isReadBlocked_);
+    int const result = ::SSL_read_ex(tls_.get(), room.data(), room.size(), &count);
+    return done(result, count, isReadBlocked_);
 }
 
 }  // namespace Vgwctl

@@ -229,7 +229,7 @@ class TlsTest(process_case.ProcessCase):
             client.transact([{"op": "insert", "table": "Logical_Switch", "row": row(n)} for n in range(4000)])
 
     def test_a_relay_over_tls_has_all_that_comes_at_once(self):
-        """More than a session takes in one turn; the rest waits where the socket knows nothing of it."""
+        """Megabytes: many records of TLS, and several turns of the session."""
         files = self.options(*self.authority.issue("reader"))
         place, part = self.directory / "relay.sock", "--path=/vgw/status/ovsdb"
         with ctl.Running(self.remote, *files, part, "relay", place) as relay:

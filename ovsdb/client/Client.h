@@ -82,7 +82,7 @@ class Client final : private RpcListener {
 
   private:
     void onNotification(std::string_view method, simdjson::dom::element params) override;
-    void onSilent(bool silent) override;
+    void onSilence(Silence silence) override;
     void onClosed(std::string const& reason) override;
 
     void connect();

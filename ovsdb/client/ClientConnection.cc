@@ -95,13 +95,15 @@ void Client::handleConnected(std::shared_ptr<Transport> transport, std::string c
 }
 
 // The rows may be out of step, or the server is busy: what it does on another connection tells.
-void Client::onSilent(bool silent) {
+// Once it speaks, there is nothing to ask.
+void Client::onSilence(Silence silence) {
+    opinion_.cancel();
+    if (silence == Silence::broken) return;
+    bool const silent = silence == Silence::begun;
     if (silent)
         opinion_.ask(options_.remotes[remote_], options_.tls, [this] {
             abandon("silent, though the server answers on another connection");
         });
-    else
-        opinion_.cancel();
     if (silent == silent_ || (silent && state_ != ClientState::inStep)) return;
     silent_ = silent;
     say(LogLevel::warning,

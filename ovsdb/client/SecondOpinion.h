@@ -35,7 +35,7 @@ class SecondOpinion final : private RpcListener {
 
   private:
     void onNotification(std::string_view, simdjson::dom::element) override {}
-    void onSilent(bool) override {}
+    void onSilence(Silence) override {}
     void onClosed(std::string const&) override { again(); }
 
     void connect();

@@ -13,13 +13,18 @@ namespace {
 
 static_assert(JsonFramer::padding >= simdjson::SIMDJSON_PADDING);
 
+using std::chrono::milliseconds;
+
 constexpr std::size_t readSize = std::size_t{256} << 10;
+constexpr std::size_t writeSize = std::size_t{64} << 10;
 // A parser that served a great message is given up: its tape is as large as the message.
 constexpr std::size_t keptParser = std::size_t{1} << 20;
 
 std::string describe(std::error_code error) {
     return error == asio::error::eof ? "the server closed the connection" : error.message();
 }
+
+std::string textOf(milliseconds time) { return std::to_string(time.count()) + " ms"; }
 
 }  // namespace
 
@@ -28,7 +33,7 @@ RpcSession::RpcSession(asio::io_context& loop, std::shared_ptr<Transport> transp
     : transport_(std::move(transport)), listener_(&listener), times_(times), probe_(loop) {}
 
 void RpcSession::start() {
-    lastHeard_ = Clock::now();
+    lastHeard_ = lastAnswer_ = lastPart_ = lastWritten_ = now();
     scheduleProbe();
     read();
 }
@@ -46,11 +51,11 @@ std::chrono::milliseconds RpcSession::sinceLastByte() const {
 
 void RpcSession::abandon(std::string const& reason) {
     if (listener_ == nullptr) return;
-    std::map<std::int64_t, ReplyHandler> const pending = std::move(pending_);
+    std::map<std::int64_t, Request> const pending = std::move(pending_);
     close();
     RpcReply lost;
     lost.error = RpcError{RpcError::Kind::lost, "connection lost", reason, 0};
-    for (auto const& [id, handler] : pending) handler(lost);
+    for (auto const& [id, request] : pending) request.handler(lost);
 }
 
 void RpcSession::fail(std::string const& reason) {
@@ -63,7 +68,7 @@ void RpcSession::fail(std::string const& reason) {
 std::int64_t RpcSession::request(std::string_view method, nlohmann::json const& params,
                                  ReplyHandler handler) {
     std::int64_t const id = nextId_++;
-    pending_.emplace(id, std::move(handler));
+    pending_.emplace(id, Request{std::move(handler), std::string(method), now()});
     send(nlohmann::json{{"id", id}, {"method", method}, {"params", params}}.dump());
     return id;
 }
@@ -72,20 +77,37 @@ void RpcSession::notify(std::string_view method, nlohmann::json const& params) {
     send(nlohmann::json{{"id", nullptr}, {"method", method}, {"params", params}}.dump());
 }
 
-void RpcSession::send(std::string text) {
+void RpcSession::send(std::string text, bool isAnswer) {
     if (listener_ == nullptr) return;
-    outgoing_.push_back(std::move(text));
-    if (outgoing_.size() == 1) write();
+    if (isAnswer) answers_ += text.size();
+    outgoing_.push_back({std::move(text), isAnswer});
+    if (outgoing_.size() > 1) return;
+    lastWritten_ = now();
+    write();
 }
 
+// Piece by piece: each that is taken shows that the server reads.
 void RpcSession::write() {
-    transport_->write(outgoing_.front(),
-                      [self = shared_from_this()](std::error_code error, std::size_t) {
+    std::string_view const rest = std::string_view(outgoing_.front().text).substr(written_);
+    transport_->write(rest.substr(0, writeSize),
+                      [self = shared_from_this()](std::error_code error, std::size_t size) {
                           if (self->listener_ == nullptr) return;
                           if (error) return self->fail(describe(error));
-                          self->outgoing_.pop_front();
-                          if (!self->outgoing_.empty()) self->write();
+                          self->handleWritten(size);
                       });
+}
+
+void RpcSession::handleWritten(std::size_t size) {
+    lastWritten_ = now();
+    written_ += size;
+    Outgoing const& first = outgoing_.front();
+    if (written_ == first.text.size()) {
+        if (first.isAnswer) answers_ -= first.text.size();
+        outgoing_.pop_front();
+        written_ = 0;
+    }
+    if (!outgoing_.empty()) write();
+    if (full_) readUnlessFull();
 }
 
 void RpcSession::read() {
@@ -95,33 +117,52 @@ void RpcSession::read() {
                          });
 }
 
+void RpcSession::readUnlessFull() {
+    full_ = answers_ > mostAnswers;
+    if (!full_) read();
+}
+
 void RpcSession::handleRead(std::error_code error, std::size_t size) {
     if (listener_ == nullptr) return;
     if (error) return fail(describe(error));
+    excuseDelay();
     received_ += size;
-    lastHeard_ = lastByte_ = Clock::now();
+    lastByte_ = Clock::now();
+    lastHeard_ = now();
     framer_.commit(size);
     try {
-        heard();
+        if (silence_ == Silence::begun) {
+            silence_ = Silence::broken;
+            listener_->onSilence(Silence::broken);
+        }
         handleMessages();
-        if (listener_ != nullptr) read();
+        if (listener_ != nullptr) readUnlessFull();
     } catch (std::exception const& e) {
         fail(e.what());
     }
 }
 
 void RpcSession::handleMessages() {
+    bool isPart = true;
     while (listener_ != nullptr) {
         std::optional<std::string_view> const text = framer_.next();
-        if (!text) return;
-        handleMessage(*text);
+        if (!text) break;
+        isPart = false;
+        bool const isEcho = handleMessage(*text);
         // Applying took time in which the server may have spoken: what waits in the socket is heard
         // first.
-        lastHeard_ = Clock::now();
+        excuseDelay();
+        lastHeard_ = now();
+        if (!isEcho) lastAnswer_ = lastHeard_;
+        // The parts of an echo were nothing else either.
+        lastPart_ = lastAnswer_;
+        if (std::string const reason = overdueRequest(); !reason.empty()) fail(reason);
     }
+    if (isPart) lastPart_ = now();
 }
 
-void RpcSession::handleMessage(std::string_view text) {
+// Whether it was an echo, or the answer to one.
+bool RpcSession::handleMessage(std::string_view text) {
     simdjson::dom::element document;
     simdjson::error_code const error = parser_.parse(text.data(), text.size(), false).get(document);
     if (error != simdjson::SUCCESS)
@@ -130,14 +171,13 @@ void RpcSession::handleMessage(std::string_view text) {
     if (document.get(message) != simdjson::SUCCESS)
         throw ProtocolError("a JSON-RPC message is no array");
     std::string_view method;
-    if (message["method"].get(method) == simdjson::SUCCESS)
-        handleCall(message, method);
-    else
-        handleReply(message);
+    bool const isCall = message["method"].get(method) == simdjson::SUCCESS;
+    bool const isEcho = isCall ? handleCall(message, method) : handleReply(message);
     if (text.size() > keptParser) parser_ = simdjson::dom::parser();
+    return isEcho;
 }
 
-void RpcSession::handleCall(simdjson::dom::object message, std::string_view method) {
+bool RpcSession::handleCall(simdjson::dom::object message, std::string_view method) {
     simdjson::dom::element params;
     if (message["params"].get(params) != simdjson::SUCCESS)
         throw ProtocolError("a JSON-RPC call without \"params\": " + std::string(method));
@@ -147,11 +187,13 @@ void RpcSession::handleCall(simdjson::dom::object message, std::string_view meth
         listener_->onNotification(method, params);
     } else if (method == "echo") {
         send("{\"id\":" + std::string(simdjson::minify(id)) +
-             ",\"result\":" + std::string(simdjson::minify(params)) + ",\"error\":null}");
+                 ",\"result\":" + std::string(simdjson::minify(params)) + ",\"error\":null}",
+             true);
     }
+    return method == "echo";
 }
 
-void RpcSession::handleReply(simdjson::dom::object message) {
+bool RpcSession::handleReply(simdjson::dom::object message) {
     std::int64_t id = 0;
     simdjson::dom::element error;
     simdjson::dom::element result;
@@ -161,27 +203,24 @@ void RpcSession::handleReply(simdjson::dom::object message) {
         throw ProtocolError(
             "a message is neither a call nor a reply: it has no \"method\", \"result\" or "
             "\"error\"");
-    if (message["id"].get(id) != simdjson::SUCCESS) return;
+    if (message["id"].get(id) != simdjson::SUCCESS) return false;
     auto const found = pending_.find(id);
-    if (found == pending_.end()) return;
-    ReplyHandler const handler = std::move(found->second);
+    if (found == pending_.end()) return false;
+    Request const request = std::move(found->second);
     pending_.erase(found);
     RpcReply reply;
     if (hasError) reply.error = replyError(error);
     if (!reply.error && !hasResult)
         throw ProtocolError("a reply has neither \"result\" nor an error");
     reply.result = result;
-    handler(reply);
-}
-
-void RpcSession::heard() {
-    if (std::exchange(silent_, false)) listener_->onSilent(false);
+    request.handler(reply);
+    return request.method == "echo";
 }
 
 // Looked at twice an interval: an answer that does not come is noticed within half of one.
 void RpcSession::scheduleProbe() {
     if (times_.probe.count() == 0) return;
-    nextProbe_ = Clock::now() + std::max(times_.probe / 2, std::chrono::milliseconds(1));
+    nextProbe_ = Clock::now() + std::max(times_.probe / 2, milliseconds(1));
     probe_.expires_at(nextProbe_);
     probe_.async_wait([self = shared_from_this()](std::error_code error) {
         if (error || self->listener_ == nullptr) return;
@@ -189,30 +228,65 @@ void RpcSession::scheduleProbe() {
     });
 }
 
-void RpcSession::handleProbe() {
-    // Late: this process did not run for a while, and what came meanwhile is yet to be read.
+// This process did not run for a while: what came meanwhile is yet to be read.
+void RpcSession::excuseDelay() {
+    if (times_.probe.count() == 0) return;
     auto const late = Clock::now() - nextProbe_;
-    if (late > times_.probe / 2) lastHeard_ += late;
-    auto const silence =
-        std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - lastHeard_);
-    if (isPastLimit(silence))
-        return fail("no answer for " + std::to_string(silence.count()) + " ms");
-    if (silence >= times_.probe && !echoing_) {
-        echoing_ = true;
-        request("echo", nlohmann::json::array(), [this](RpcReply const&) { echoing_ = false; });
-    }
+    if (late <= times_.probe / 2) return;
+    excused_ += late;
+    nextProbe_ += late;
+}
+
+void RpcSession::handleProbe() {
+    excuseDelay();
+    // Who does not listen can't tell what is silence.
+    if (full_) lastHeard_ = now();
+    if (std::string const reason = overdue(); !reason.empty()) return fail(reason);
+    auto const silence = now() - lastHeard_;
+    if (silence >= times_.probe && !echoing_) echo();
     scheduleProbe();
-    if (silence < 2 * times_.probe || std::exchange(silent_, true)) return;
     try {
-        listener_->onSilent(true);
+        noteSilence(silence);
     } catch (std::exception const& e) {
         fail(e.what());
     }
 }
 
-bool RpcSession::isPastLimit(std::chrono::milliseconds silence) const {
+void RpcSession::echo() {
+    echoing_ = true;
+    request("echo", nlohmann::json::array(), [this](RpcReply const&) {
+        echoing_ = false;
+        if (listener_ != nullptr && std::exchange(silence_, std::nullopt))
+            listener_->onSilence(Silence::over);
+    });
+}
+
+void RpcSession::noteSilence(std::chrono::nanoseconds silence) {
+    if (silence < 2 * times_.probe || silence_ == Silence::begun) return;
+    silence_ = Silence::begun;
+    listener_->onSilence(Silence::begun);
+}
+
+// Why the connection is to be given up; empty while it isn't.
+std::string RpcSession::overdue() const {
+    if (full_ && now() - lastWritten_ >= times_.limit)
+        return "nothing of what is sent was read for " + textOf(times_.limit);
+    if (std::string reason = overdueRequest(); !reason.empty()) return reason;
     bool const waiting = pending_.size() > (echoing_ ? 1U : 0U);
-    return silence >= (waiting ? std::max(times_.patience, times_.limit) : times_.limit);
+    milliseconds const limit = waiting ? std::max(times_.patience, times_.limit) : times_.limit;
+    return now() - lastHeard_ >= limit ? "no answer for " + textOf(limit) : "";
+}
+
+std::string RpcSession::overdueRequest() const {
+    if (times_.probe.count() == 0) return {};
+    for (auto const& [id, request] : pending_) {
+        if (request.method == "echo") continue;
+        // The first is the oldest.
+        auto const since = std::max({request.sent, lastAnswer_, lastPart_});
+        if (now() - since < times_.patience) return {};
+        return "no answer to " + request.method + " for " + textOf(times_.patience);
+    }
+    return {};
 }
 
 }  // namespace Ovsdb

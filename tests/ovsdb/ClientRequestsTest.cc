@@ -213,6 +213,27 @@ TEST_F(SilentLinkTest, ADeadLinkToALivingServerIsLeftAtOnce) {
     EXPECT_EQ(client_->state(), ClientState::inStep);
 }
 
+TEST_F(SilentLinkTest, AServerThatSpeaksAgainIsInStepWhenWhatItHadToSayWasApplied) {
+    start();
+    ASSERT_TRUE(inStep());
+    json asked;
+    server_.scriptIs([&](FakeServer&, json const& message) { asked = message; });
+    // No second opinion is to be had.
+    server_.stopListening();
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.silences.size() == 1; }));
+    server_.notify(
+        "update3",
+        {monitorId(), zero, {{"Logical_Switch", {{second, {{"insert", json::object()}}}}}}});
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.steps.size() == 2; }));
+    EXPECT_EQ(listener_.silences, std::vector<bool>{true});
+    EXPECT_FALSE(logged("speaks again"));
+    server_.reply(asked, json::array());
+    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.silences.size() == 2; }));
+    EXPECT_EQ(listener_.silences.back(), false);
+    EXPECT_TRUE(logged("speaks again; the mirror is in step"));
+    EXPECT_EQ(server_.connections(), 1);
+}
+
 TEST_F(SilentLinkTest, ABusyServerIsNotLeft) {
     start();
     ASSERT_TRUE(inStep());

@@ -179,6 +179,17 @@ TEST_F(ClientTest, AVanishedServerIsFoundAgain) {
     EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
 }
 
+TEST_F(ClientTest, AServerThatOnlyEchoesIsLeftForTheNextOne) {
+    options_.times = {milliseconds(50), milliseconds(200), milliseconds(10000)};
+    FakeServer idle(loop_, [](FakeServer& server, json const& message) {
+        if (message.value("method", "") == "echo") server.reply(message, message["params"]);
+    });
+    options_.remotes = parseRemotes("unix:" + idle.path() + ",unix:" + server_.path());
+    start();
+    ASSERT_TRUE(inStep());
+    EXPECT_TRUE(logged("no answer to set_db_change_aware for 200 ms"));
+}
+
 TEST_F(ClientTest, RemotesAreTriedInTurnWithoutWaiting) {
     options_.remotes =
         parseRemotes("unix:/nonexistent/a,unix:/nonexistent/b,unix:" + server_.path());

@@ -57,6 +57,10 @@ class FakeServer {
     /// No connection is taken any more, as with a server that died.
     void vanish() {
         hangUp();
+        stopListening();
+    }
+    /// The same, but the connection that there is stays.
+    void stopListening() {
         std::error_code ignored;
         acceptor_.close(ignored);
         std::filesystem::remove(path());

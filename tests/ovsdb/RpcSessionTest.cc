@@ -1,67 +1,9 @@
-#include "EventLoop.h"
-#include "FakeServer.h"
-
-#include <ovsdb/rpc/Connector.h>
-#include <ovsdb/rpc/RpcSession.h>
+#include "RpcSessionUnderTest.h"
 
 #include <asio/ip/tcp.hpp>
 
-#include <gtest/gtest.h>
-
-#include <thread>
-
 namespace Ovsdb {
 namespace {
-
-using nlohmann::json;
-using std::chrono::milliseconds;
-
-class Listener : public RpcListener {
-  public:
-    void onNotification(std::string_view method, simdjson::dom::element params) override {
-        notifications.emplace_back(std::string(method) + " " +
-                                   std::string(simdjson::minify(params)));
-        if (method == "throw") throw std::runtime_error("a handler's own trouble");
-    }
-    void onSilent(bool silent) override { silences.push_back(silent); }
-    void onClosed(std::string const& reason) override { reasons.push_back(reason); }
-
-    std::vector<std::string> notifications;
-    std::vector<std::string> reasons;
-    std::vector<bool> silences;
-};
-
-class RpcSessionTest : public testing::Test {
-  protected:
-    ~RpcSessionTest() override {
-        if (session_ != nullptr) session_->close();
-        loop_.restart();
-        loop_.poll();
-    }
-
-    void open(RpcTimes times = {milliseconds(0), milliseconds(0)}) {
-        bool done = false;
-        connector_.connect(parseRemote("unix:" + server_.path()), {}, milliseconds(1000),
-                           [&](std::shared_ptr<Transport> transport, std::string const& error) {
-                               ASSERT_NE(transport, nullptr) << error;
-                               session_ = std::make_shared<RpcSession>(loop_, std::move(transport),
-                                                                       listener_, times);
-                               session_->start();
-                               done = true;
-                           });
-        ASSERT_TRUE(runUntil(loop_, [&] { return done && server_.connections() == 1; }));
-    }
-
-    bool closed() {
-        return runUntil(loop_, [&] { return !listener_.reasons.empty(); });
-    }
-
-    asio::io_context loop_;
-    FakeServer server_{loop_};
-    Connector connector_{loop_};
-    Listener listener_;
-    std::shared_ptr<RpcSession> session_;
-};
 
 TEST_F(RpcSessionTest, RepliesAreMatchedByIdInAnyOrder) {
     open();
@@ -202,37 +144,6 @@ TEST_F(RpcSessionTest, CallsOtherThanEchoGetNoReply) {
     EXPECT_EQ(server_.received()[0]["id"], "echo");
 }
 
-TEST_F(RpcSessionTest, ASilentServerIsAskedAndThenGivenUp) {
-    open({milliseconds(100), milliseconds(10000), milliseconds(300)});
-    ASSERT_TRUE(closed());
-    ASSERT_EQ(server_.received().size(), 1U);
-    EXPECT_EQ(server_.received()[0]["method"], "echo");
-    EXPECT_EQ(listener_.reasons[0].substr(0, 13), "no answer for");
-}
-
-TEST_F(RpcSessionTest, ASilentServerIsToldOnceAndSoIsItsFirstByte) {
-    open({milliseconds(50), milliseconds(10000)});
-    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.silences.empty(); }));
-    ASSERT_FALSE(runUntil(
-        loop_, [&] { return listener_.silences.size() > 1; }, milliseconds(300)));
-    server_.send("{");
-    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.silences.size() == 2; }));
-    EXPECT_EQ(listener_.silences, (std::vector<bool>{true, false}));
-    EXPECT_TRUE(listener_.reasons.empty());
-}
-
-TEST_F(RpcSessionTest, TimeInWhichThisProcessDidNotRunIsNoSilence) {
-    server_.scriptIs(
-        [](FakeServer& server, json const& message) { server.reply(message, message["params"]); });
-    open({milliseconds(100), milliseconds(200), milliseconds(200)});
-    for (int i = 0; i < 3; ++i) {
-        std::this_thread::sleep_for(milliseconds(500));
-        ASSERT_FALSE(runUntil(
-            loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(50)));
-    }
-    EXPECT_TRUE(listener_.silences.empty());
-}
-
 TEST_F(RpcSessionTest, AnAbandonedSessionTellsWhatIsPendingAndNotItsListener) {
     open();
     std::string lost;
@@ -241,51 +152,6 @@ TEST_F(RpcSessionTest, AnAbandonedSessionTellsWhatIsPendingAndNotItsListener) {
     session_->abandon("left");
     EXPECT_EQ(lost, "connection lost: left");
     EXPECT_TRUE(listener_.reasons.empty());
-}
-
-TEST_F(RpcSessionTest, AServerThatAnswersEchoesIsKept) {
-    server_.scriptIs(
-        [](FakeServer& server, json const& message) { server.reply(message, message["params"]); });
-    open({milliseconds(50), milliseconds(10000)});
-    ASSERT_TRUE(runUntil(loop_, [&] { return server_.received().size() >= 4; }));
-    EXPECT_TRUE(listener_.reasons.empty());
-}
-
-TEST_F(RpcSessionTest, ALongSilenceBeforeAReplyIsNoLoss) {
-    open({milliseconds(50), milliseconds(10000), milliseconds(100)});
-    json asked;
-    server_.scriptIs([&](FakeServer&, json const& message) {
-        if (message["method"] == "monitor") asked = message;
-    });
-    bool answered = false;
-    session_->request("monitor", json::array(),
-                      [&](RpcReply const& reply) { answered = !reply.error; });
-    // Eight intervals of silence, echoes unanswered too: the server is busy with the copy.
-    ASSERT_FALSE(runUntil(
-        loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(400)));
-    server_.reply(asked, json::object());
-    ASSERT_TRUE(runUntil(loop_, [&] { return answered; }));
-}
-
-TEST_F(RpcSessionTest, PatienceWithAReplyEnds) {
-    open({milliseconds(50), milliseconds(300), milliseconds(100)});
-    bool lost = false;
-    session_->request("monitor", json::array(),
-                      [&](RpcReply const& reply) { lost = reply.error.has_value(); });
-    ASSERT_TRUE(closed());
-    EXPECT_TRUE(lost);
-}
-
-TEST_F(RpcSessionTest, BytesOfAnUnfinishedValueCountAsLife) {
-    open({milliseconds(100), milliseconds(200), milliseconds(200)});
-    server_.send("{\"id\":null,\"method\":\"update\",\"params\":[");
-    for (int i = 0; i < 10; ++i) {
-        ASSERT_FALSE(runUntil(
-            loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(50)));
-        server_.send("1,");
-    }
-    server_.send("1]}");
-    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.notifications.size() == 1; }));
 }
 
 TEST_F(RpcSessionTest, TheOwnerMayCloseInsideAHandler) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include <array>
+#include <utility>
 
 namespace Ovsdb {
 namespace {
@@ -64,16 +65,44 @@ bool Client::memberIsUsable() {
         abandon("the server is not connected to its cluster");
         return false;
     }
-    if (database->clusterId != clusterId_) clusterIndex_ = 0;
-    clusterId_ = database->clusterId;
+    if (state_ != ClientState::connecting) return true;
     std::int64_t const reached = database->index.value_or(0);
-    if (state_ == ClientState::connecting && reached < clusterIndex_) {
+    std::int64_t const seen = progress_.seen(database->clusterId);
+    if (reached < seen) {
         abandon("the server is behind the cluster: its log is at " + std::to_string(reached) +
-                ", " + std::to_string(clusterIndex_) + " was seen");
+                ", " + std::to_string(seen) + " was seen");
         return false;
     }
-    clusterIndex_ = std::max(clusterIndex_, reached);
+    progress_.memberIs(*database);
     return true;
+}
+
+// At most once a pause, and while something goes on alone: who loses the connection meanwhile has
+// the transactions that were counted.
+void Client::askIndexSoon() {
+    if (std::exchange(asksIndex_, true)) return;
+    askIndex_.expires_after(options_.indexPause);
+    askIndex_.async_wait([this, life = life_](std::error_code error) {
+        if (!error && life == life_) askIndex();
+    });
+}
+
+void Client::askIndex() {
+    json const select{{"op", "select"},
+                      {"table", "Database"},
+                      {"where", {{"name", "==", options_.database}}},
+                      {"columns", {"index"}}};
+    session_->request("transact", {"_Server", select},
+                      [this](RpcReply const& reply) { handleIndex(reply); });
+}
+
+void Client::handleIndex(RpcReply const& reply) {
+    asksIndex_ = false;
+    if (reply.error) return;
+    std::int64_t index = 0;
+    if (reply.result.at_pointer("/0/rows/0/index").get(index) != SUCCESS) return;
+    say(LogLevel::debug, "the cluster's log is at " + std::to_string(index));
+    progress_.reached(index);
 }
 
 void Client::askSchema() {
@@ -209,7 +238,9 @@ void Client::onNotification(std::string_view method, simdjson::dom::element para
 void Client::handleUpdate(std::string_view method, simdjson::dom::array params) {
     if (method == "update3" && params.size() == 3) {
         apply(params.at(2).value(), UpdateForm::differences, false);
-        noteTransaction(params.at(1).value());
+        if (!noteTransaction(params.at(1).value())) return;
+        progress_.transactionIs();
+        askIndexSoon();
     } else if (method == "update2" && params.size() == 2) {
         apply(params.at(1).value(), UpdateForm::differences, false);
     } else if (method == "update" && params.size() == 2) {
@@ -229,11 +260,14 @@ void Client::handleCanceled(std::string const& id) {
     askSchema();
 }
 
-// A standalone server's transactions have no id: zero means that nothing can be carried on.
-void Client::noteTransaction(simdjson::dom::element id) {
+// Whether it is another one than the last. A standalone server's transactions have no id: zero
+// means that nothing can be carried on.
+bool Client::noteTransaction(simdjson::dom::element id) {
     std::string_view text;
     if (id.get(text) != SUCCESS || text == zeroTransaction) text = {};
+    bool const isAnother = !text.empty() && text != lastTransaction_;
     lastTransaction_ = text;
+    return isAnother;
 }
 
 }  // namespace Ovsdb

@@ -15,6 +15,8 @@
 // connection that goes silent is told so after a second, and left when the server turns out to
 // answer on another one (SecondOpinion).
 //
+// A cluster's member that is behind what was seen of its log is skipped (ClusterProgress).
+//
 // While in step it also takes transactions. One that is not answered in time costs the connection:
 // a cluster's member without its majority would keep it for ever, and another one may not.
 //
@@ -23,6 +25,7 @@
 
 #include <ovsdb/client/Backoff.h>
 #include <ovsdb/client/ClientListener.h>
+#include <ovsdb/client/ClusterProgress.h>
 #include <ovsdb/client/Log.h>
 #include <ovsdb/client/SecondOpinion.h>
 #include <ovsdb/client/ServerDatabases.h>
@@ -53,6 +56,7 @@ struct ClientOptions {
     std::chrono::milliseconds leastBackoff{100};
     std::chrono::milliseconds mostBackoff{1000};
     std::chrono::milliseconds transactLimit{10000};
+    std::chrono::milliseconds indexPause{1000};  ///< before a cluster's log is asked for its index
 };
 
 class Client final : private RpcListener {
@@ -109,7 +113,10 @@ class Client final : private RpcListener {
     void apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole);
     void handleUpdate(std::string_view method, simdjson::dom::array params);
     void handleCanceled(std::string const& id);
-    void noteTransaction(simdjson::dom::element id);
+    bool noteTransaction(simdjson::dom::element id);
+    void askIndexSoon();
+    void askIndex();
+    void handleIndex(RpcReply const& reply);
     void say(LogLevel level, std::string const& text) const {
         log_(level, remoteName() + ": " + text);
     }
@@ -132,8 +139,9 @@ class Client final : private RpcListener {
 
     ServerDatabases server_;
     bool silent_ = false;  // the listener was told so
-    std::string clusterId_;
-    std::int64_t clusterIndex_ = 0;  // the furthest a member's log was seen at
+    ClusterProgress progress_;
+    asio::steady_timer askIndex_;
+    bool asksIndex_ = false;  // the timer runs, or the answer is awaited
 
     MonitorPlan plan_;
     RowStore store_;

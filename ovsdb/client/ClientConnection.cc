@@ -22,7 +22,8 @@ Client::Client(asio::io_context& loop, ClientOptions options, ClientListener& li
       retry_(loop),
       backoff_(options_.leastBackoff, options_.mostBackoff),
       opinion_(loop),
-      said_(options_.remotes.size()) {}
+      said_(options_.remotes.size()),
+      askIndex_(loop) {}
 
 Client::~Client() { stop(); }
 
@@ -35,6 +36,7 @@ void Client::stop() {
     ++life_;
     left_ = nullptr;
     retry_.cancel();
+    askIndex_.cancel();
     connector_.cancel();
     opinion_.cancel();
     if (session_ != nullptr) session_->close();
@@ -85,6 +87,7 @@ void Client::handleConnected(std::shared_ptr<Transport> transport, std::string c
     method_ = 0;
     monitors_ = 0;
     monitorId_.clear();
+    asksIndex_ = false;
     session_ = std::make_shared<RpcSession>(loop_, std::move(transport),
                                             static_cast<RpcListener&>(*this), options_.times);
     session_->start();

@@ -200,54 +200,6 @@ TEST_F(ClientTest, RemotesAreTriedInTurnWithoutWaiting) {
     EXPECT_EQ(client_->remoteName(), "unix:" + server_.path());
 }
 
-TEST_F(ClientTest, AMemberThatIsCutOffFromItsClusterIsSkipped) {
-    database_.serverRows = {
-        {"Database",
-         {{first,
-           {{"initial",
-             {{"name", "hardware_vtep"}, {"model", "clustered"}, {"connected", false}}}}}}}};
-    start();
-    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
-    EXPECT_TRUE(logged("the server is not connected to its cluster"));
-    EXPECT_TRUE(listener_.steps.empty());
-}
-
-TEST_F(ClientTest, AMemberThatFallsOutOfItsClusterIsLeft) {
-    database_.serverRows = {{"Database",
-                             {{first,
-                               {{"initial",
-                                 {{"name", "hardware_vtep"},
-                                  {"model", "clustered"},
-                                  {"connected", true},
-                                  {"index", 5}}}}}}}};
-    start();
-    ASSERT_TRUE(inStep());
-    server_.notify("update2",
-                   {"server", {{"Database", {{first, {{"modify", {{"connected", false}}}}}}}}});
-    ASSERT_TRUE(runUntil(loop_, [&] { return !listener_.rounds.empty(); }));
-}
-
-TEST_F(ClientTest, AMemberBehindWhatWasSeenIsSkipped) {
-    auto const member = [](int index) {
-        return json{{"Database",
-                     {{first,
-                       {{"initial",
-                         {{"name", "hardware_vtep"},
-                          {"model", "clustered"},
-                          {"connected", true},
-                          {"index", index}}}}}}}};
-    };
-    database_.serverRows = member(10);
-    start();
-    ASSERT_TRUE(inStep());
-    database_.serverRows = member(9);
-    server_.hangUp();
-    ASSERT_TRUE(runUntil(loop_, [&] { return listener_.rounds.size() >= 2; }));
-    EXPECT_TRUE(logged("the server is behind the cluster: its log is at 9, 10 was seen"));
-    database_.serverRows = member(11);
-    ASSERT_TRUE(inStep());
-}
-
 TEST_F(ClientTest, AFailedMonitorIsToldAndTriedAgain) {
     bool once = true;
     server_.scriptIs([&](FakeServer& server, json const& message) {

@@ -66,7 +66,8 @@ class Database {
         if (method == "monitor_cond" && message["params"][0] == "_Server")
             return server.reply(message, serverRows);
         if (unknown.contains(method)) return server.refuse(message, "unknown method");
-        if (method == "transact") return server.reply(message, transacted);
+        if (method == "transact")
+            return server.reply(message, message["params"][0] == "_Server" ? selected : transacted);
         if (method == "monitor_cancel") return server.reply(message, json::object());
         monitor = message;
         if (method == "monitor_cond_since")
@@ -83,6 +84,7 @@ class Database {
     json rows = {{"Logical_Switch", {{first, {{"initial", {{"name", "red"}}}}}}}};
     json wholeRows = {{"Logical_Switch", {{first, {{"new", {{"name", "red"}}}}}}}};
     json transacted = json::array({json::object()});
+    json selected = json::array({{{"rows", json::array()}}});
     json monitor;
 };
 

@@ -60,6 +60,33 @@ class ClusterTest(chain_case.ChainCase):
             self.assertEqual(self.watch.told() - before, 1)
             self.cluster.rejoin(leader)
 
+    def test_a_member_that_was_stopped_while_people_wrote_takes_nothing_back(self):
+        leader = self.cluster.leader()
+        late, _ = (member for member in self.cluster.members if member is not leader)
+        agent = Agent(self.directory / "late", f"{leader.remote},{late.remote}", "-v", "dbg")
+        self.addCleanup(agent.stop)
+        agent.start()
+        watch = self.watched(agent)
+        watch.await_rows(self.cluster.read())
+        late.pause()
+        self.addCleanup(late.resume)
+        for turn in range(5):
+            tables = self.describe_a_switch(self.cluster, f"turn {turn}")
+        watch.await_rows(tables)
+        before = watch.told()
+        # A real server tells how far its log has come.
+        agent.await_said("the cluster's log is at ")
+        leader.kill()
+        agent.await_said(f"{leader.remote}: ")
+        time.sleep(0.5)
+        late.resume()
+        agent.await_equal(self.cluster.read())
+        tables = self.describe_a_switch(self.cluster, "afterwards")
+        agent.await_equal(tables)
+        watch.await_rows(tables)
+        self.assertEqual(watch.told() - before, 1)
+        self.cluster.rejoin(leader)
+
     def write(self, client, churn, killed):
         """Changes as fast as the leader takes them, until it is gone."""
         try:

@@ -23,6 +23,7 @@ class Member:
         self._log = directory / f"member{number}.log"
         self._environment = dict(os.environ, OVS_RUNDIR=str(directory), OVS_LOGDIR=str(directory))
         self._process = None
+        self._paused = False
 
     def start(self):
         self.socket.unlink(missing_ok=True)
@@ -39,15 +40,27 @@ class Member:
         return self
 
     def is_running(self):
-        return self._process is not None and self._process.poll() is None
+        return self._process is not None and self._process.poll() is None and not self._paused
 
     def kill(self):
         """As a crash would; safe to repeat."""
+        self.resume()
         if self.is_running():
             self._process.send_signal(signal.SIGKILL)
         if self._process is not None:
             self._process.wait(timeout=20)
         self._process = None
+
+    def pause(self):
+        """Says nothing any more, and is asked nothing."""
+        self._process.send_signal(signal.SIGSTOP)
+        self._paused = True
+
+    def resume(self):
+        """Safe to repeat."""
+        if self._paused:
+            self._process.send_signal(signal.SIGCONT)
+        self._paused = False
 
     def status(self):
         """What it says of the cluster; empty while it says nothing."""

@@ -179,11 +179,19 @@ void Client::handleCopied() {
     backoff_.reset();
     said_.assign(said_.size(), "");
     std::string const rows = std::to_string(store_.size()) + " rows";
-    say(LogLevel::info, "in step by " + std::string(methods.at(method_).name) + ", " + rows + ", " +
-                            std::to_string(session_->sinceLastByte().count()) +
-                            " ms after the last byte");
-    stateIs(ClientState::inStep, "");
+    std::string const by = " by " + std::string(methods.at(method_).name) + ", " + rows + ", " +
+                           std::to_string(session_->sinceLastByte().count()) +
+                           " ms after the last byte";
+    if (plan_.gap().empty())
+        say(LogLevel::info, "in step" + by);
+    else
+        say(LogLevel::warning, standing() + "; the rest is followed" + by);
+    stateIs(ClientState::following, "");
     listener_.onOutcome(RequestKind::monitor, rows + " of " + there(), nullptr);
+}
+
+std::string Client::standing() const {
+    return plan_.gap().empty() ? "in step" : "out of step: " + plan_.gap();
 }
 
 void Client::transact(nlohmann::json const& operations, std::string const& summary,
@@ -215,7 +223,7 @@ void Client::limitTransact(std::shared_ptr<asio::steady_timer> const& timer) {
 void Client::apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole) {
     RowStore::Staging staging(store_);
     UpdateReader(plan_, staging).read(tableUpdates, form);
-    std::vector<RowChange> const changes = staging.commit(whole);
+    std::vector<RowChange> const changes = staging.commit(whole, plan_.gapTables());
     if (!changes.empty()) listener_.onChanges(changes);
 }
 
@@ -225,7 +233,7 @@ void Client::onNotification(std::string_view method, simdjson::dom::element para
     if (params.get(parts) != SUCCESS || parts.at(0).get(id) != SUCCESS) return;
     if (method == "monitor_canceled") return handleCanceled(std::string(id));
     if (id == serverMonitor && parts.size() == 2) return handleServerUpdate(parts.at(1).value());
-    if (id != monitorId_ || state_ != ClientState::inStep) return;
+    if (id != monitorId_ || state_ != ClientState::following) return;
     try {
         handleUpdate(method, parts);
     } catch (...) {

@@ -3,7 +3,7 @@
 
 // Keeps a copy of one database's mirrored rows in step with a server, from start() to stop().
 //
-//     disconnected -> connecting -> copying -> inStep -> (any loss) -> disconnected
+//     disconnected -> connecting -> copying -> following -> (any loss) -> disconnected
 //
 // The remotes are tried in turn; after a round without success the client waits (Backoff). On a
 // connection it becomes change-aware, looks at _Server, reads the schema, and monitors with the
@@ -17,8 +17,9 @@
 //
 // A cluster's member that is behind what was seen of its log is skipped (ClusterProgress).
 //
-// While in step it also takes transactions. One that is not answered in time costs the connection:
-// a cluster's member without its majority would keep it for ever, and another one may not.
+// While following it also takes transactions. One that is not answered in time costs the
+// connection: a cluster's member without its majority would keep it for ever, and another one may
+// not.
 //
 // The listener is called on the event loop's thread. Each onChanges() is one message of the server,
 // applied as a whole. Not thread-safe; outlives neither loop nor listener.
@@ -75,7 +76,7 @@ class Client final : private RpcListener {
     /// server answers or not.
     void leave(std::function<void()> left);
     /// Sends operations as one transaction; `summary` is their detail in the books. The handler
-    /// runs once, unless stop() comes first. REQUIRES: in step.
+    /// runs once, unless stop() comes first. REQUIRES: following.
     void transact(nlohmann::json const& operations, std::string const& summary,
                   TransactHandler handler);
 
@@ -107,6 +108,7 @@ class Client final : private RpcListener {
     void handleMonitorError(RpcError const& error);
     void applyCopy(simdjson::dom::element result);
     void handleCopied();
+    std::string standing() const;
     void limitTransact(std::shared_ptr<asio::steady_timer> const& timer);
     void finishLeaving();
     std::string there() const { return options_.database + ", " + remoteName(); }

@@ -50,7 +50,7 @@ void Client::stop() {
 
 void Client::leave(std::function<void()> left) {
     left_ = std::move(left);
-    if (state_ != ClientState::inStep) return finishLeaving();
+    if (state_ != ClientState::following) return finishLeaving();
     std::string const detail = "monitor of " + there();
     listener_.onRequest(RequestKind::cancel, detail);
     session_->request("monitor_cancel", {monitorId_}, [this, detail](RpcReply const& reply) {
@@ -107,10 +107,10 @@ void Client::onSilence(Silence silence) {
         opinion_.ask(options_.remotes[remote_], options_.tls, [this] {
             abandon("silent, though the server answers on another connection");
         });
-    if (silent == silent_ || (silent && state_ != ClientState::inStep)) return;
+    if (silent == silent_ || (silent && state_ != ClientState::following)) return;
     silent_ = silent;
-    say(LogLevel::warning,
-        silent ? "silent; the mirror may be out of step" : "speaks again; the mirror is in step");
+    say(LogLevel::warning, silent ? "silent; the mirror may be out of step"
+                                  : "speaks again; the mirror is " + standing());
     listener_.onSilent(silent);
 }
 
@@ -147,10 +147,10 @@ void Client::lose(std::string const& reason) {
 
 // What is the same try after try is said once.
 void Client::sayLoss(std::string const& reason, bool roundFailed) {
-    bool const known = said_[remote_] == reason && state_ != ClientState::inStep;
+    bool const known = said_[remote_] == reason && state_ != ClientState::following;
     said_[remote_] = reason;
     std::string text = reason;
-    if (state_ == ClientState::inStep) text += "; the mirror is kept, but out of step";
+    if (state_ == ClientState::following) text += "; the mirror is kept, but out of step";
     if (roundFailed)
         text +=
             "; tried again, at least every " + std::to_string(options_.mostBackoff.count()) + " ms";

@@ -12,7 +12,9 @@
 
 namespace Ovsdb {
 
-enum class ClientState { disconnected, connecting, copying, inStep };
+/// Following: the rows are in step with all that the schema has of the mirrored tables. With the
+/// database itself if that is all (MonitorPlan::gap()).
+enum class ClientState { disconnected, connecting, copying, following };
 
 /// The requests that are about the database's rows. The client's own questions (schema, echo, the
 /// server's table of databases) are not told.

@@ -14,26 +14,37 @@ MonitorPlan::MonitorPlan(Schema const& schema) : version_(schema.version) {
 
 void MonitorPlan::addTable(MirroredTable const& table, Schema const& schema) {
     std::string const name(table.name);
-    Schema::Columns const* const columns = schema.table(name);
-    if (columns == nullptr) {
-        if (table.always) complaints_.push_back("table " + name + " is missing from the schema");
-        return;
+    if (Schema::Columns const* const columns = schema.table(name)) {
+        for (std::size_t i = 0; i < table.columns.size(); ++i) addColumn(table, i, *columns);
+    } else if (table.always) {
+        gapTables_.set(index(table.table));
+        addGap("table " + name + " is missing from the schema");
     }
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        MirroredColumn const& column = table.columns[i];
-        std::string const columnName = name + "." + std::string(column.name);
-        auto const found = columns->find(column.name);
-        if (found == columns->end()) {
-            if (column.always)
-                complaints_.push_back("column " + columnName + " is missing from the schema");
-        } else if (found->second != column.type) {
-            complaints_.push_back("column " + columnName + " is " +
-                                  (found->second ? found->second->text() : "of an unknown type") +
-                                  ", expected " + column.type.text());
-        } else {
-            columns_[index(table.table)] |= std::uint32_t{1} << i;
-        }
+}
+
+void MonitorPlan::addColumn(MirroredTable const& table, std::size_t at,
+                            Schema::Columns const& columns) {
+    MirroredColumn const& column = table.columns[at];
+    std::string const name = std::string(table.name) + "." + std::string(column.name);
+    std::uint32_t const bit = std::uint32_t{1} << at;
+    auto const found = columns.find(column.name);
+    if (found == columns.end()) {
+        if (!column.always) return;
+        gapColumns_[index(table.table)] |= bit;
+        addGap("column " + name + " is missing from the schema");
+    } else if (found->second != column.type) {
+        gapColumns_[index(table.table)] |= bit;
+        addGap("column " + name + " is " +
+               (found->second ? found->second->text() : "of an unknown type") + ", expected " +
+               column.type.text());
+    } else {
+        columns_[index(table.table)] |= bit;
     }
+}
+
+void MonitorPlan::addGap(std::string const& complaint) {
+    complaints_.push_back(complaint);
+    gap_ += (gap_.empty() ? "" : "; ") + complaint;
 }
 
 nlohmann::json MonitorPlan::requests() const {

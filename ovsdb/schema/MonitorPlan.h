@@ -3,8 +3,12 @@
 
 // Which of the mirrored tables and columns a server's schema really has, and therefore what is
 // asked of it: one unknown name would fail a whole monitor. What is missing, or has another type
-// than the model needs, is told by name; the rest is mirrored, and a missing column reads as its
-// default.
+// than the model needs, is told by name; the rest is mirrored.
+//
+// A table or column that every version has, and one of a type that can't be read, is a gap: what
+// is held of it from an earlier schema is kept, since nobody can tell what became of it, and the
+// copy is not whole. Whatever else is missing comes and goes with versions: its rows go with it,
+// and the column reads as its default.
 
 #include <ovsdb/schema/MirroredTables.h>
 #include <ovsdb/schema/Schema.h>
@@ -12,6 +16,7 @@
 #include <nlohmann/json_fwd.hpp>
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -28,6 +33,15 @@ class MonitorPlan {
         return (columns_[index(table)] >> column & 1) != 0;
     }
 
+    /// What is held is kept, for it can't be followed.
+    bool isGap(Table table) const { return gapTables_[index(table)]; }
+    bool isGap(Table table, std::size_t column) const {
+        return (gapColumns_[index(table)] >> column & 1) != 0;
+    }
+    std::bitset<tableCount> gapTables() const { return gapTables_; }
+    /// What all gaps are, in words; empty while there is none.
+    std::string const& gap() const { return gap_; }
+
     /// One line for each table or column that is missed, as "table Tunnel is missing from the
     /// schema".
     std::vector<std::string> const& complaints() const { return complaints_; }
@@ -42,8 +56,13 @@ class MonitorPlan {
 
   private:
     void addTable(MirroredTable const& table, Schema const& schema);
+    void addColumn(MirroredTable const& table, std::size_t column, Schema::Columns const& columns);
+    void addGap(std::string const& complaint);
 
     std::array<std::uint32_t, tableCount> columns_{};  // bit n: column n is there
+    std::bitset<tableCount> gapTables_;
+    std::array<std::uint32_t, tableCount> gapColumns_{};
+    std::string gap_;
     std::vector<std::string> complaints_;
     std::string version_;
 };

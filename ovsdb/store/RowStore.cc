@@ -43,8 +43,8 @@ Row const& RowStore::Staging::open(Table table, Uuid const& uuid) {
     return at->second.row;
 }
 
-std::vector<RowChange> RowStore::Staging::commit(bool whole) {
-    if (whole) stageUnnamed();
+std::vector<RowChange> RowStore::Staging::commit(bool whole, std::bitset<tableCount> kept) {
+    if (whole) stageUnnamed(kept);
     std::vector<RowChange> changes;
     changes.reserve(entries_.size());
     for (Entry& entry : entries_) settle(entry, changes);
@@ -52,12 +52,14 @@ std::vector<RowChange> RowStore::Staging::commit(bool whole) {
     return changes;
 }
 
-void RowStore::Staging::stageUnnamed() {
+void RowStore::Staging::stageUnnamed(std::bitset<tableCount> kept) {
     std::size_t const named = entries_.size();
     if (named == store_.size()) return;
-    for (MirroredTable const& table : mirroredTables())
+    for (MirroredTable const& table : mirroredTables()) {
+        if (kept[index(table.table)]) continue;
         for (auto& record : store_.tables_[index(table.table)])
             if (!record.second.staged) entries_.push_back({table.table, &record, Row()});
+    }
     std::sort(entries_.begin() + static_cast<std::ptrdiff_t>(named), entries_.end(),
               [](Entry const& a, Entry const& b) {
                   return a.table != b.table ? a.table < b.table : a.record->first < b.record->first;

@@ -11,6 +11,7 @@
 #include <ovsdb/store/Uuid.h>
 
 #include <array>
+#include <bitset>
 #include <unordered_map>
 #include <vector>
 
@@ -57,8 +58,8 @@ class RowStore::Staging {
     void set(Row row) { entries_.back().after = std::move(row); }
 
     /// In the order of the message; with `whole` all rows that were not staged are deleted, in
-    /// ascending uuid, behind the others.
-    std::vector<RowChange> commit(bool whole);
+    /// ascending uuid, behind the others, but for those of the tables to be kept.
+    std::vector<RowChange> commit(bool whole, std::bitset<tableCount> kept = {});
 
   private:
     struct Entry {
@@ -67,7 +68,7 @@ class RowStore::Staging {
         Row after;
     };
 
-    void stageUnnamed();
+    void stageUnnamed(std::bitset<tableCount> kept);
     void settle(Entry& entry, std::vector<RowChange>& changes);
 
     RowStore& store_;

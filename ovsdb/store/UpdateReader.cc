@@ -68,27 +68,28 @@ void UpdateReader::readTable(MirroredTable const& table, object rows, UpdateForm
 
 void UpdateReader::readRow(MirroredTable const& table, Uuid const& uuid, object update,
                            UpdateForm form) {
-    static Row const none;
-    Row const& old = staging_.open(table.table, uuid);
+    Row const& held = staging_.open(table.table, uuid);
     element columns;
     if (form == UpdateForm::whole) {
         if (update["new"].get(columns) == SUCCESS)
-            staging_.set(build(table, objectOf(columns, "\"new\""), none));
+            staging_.set(build(table, objectOf(columns, "\"new\""), held, false));
         else if (update["old"].error() != SUCCESS)
             throw ProtocolError("neither \"new\" nor \"old\"");
     } else if (update["modify"].get(columns) == SUCCESS) {
-        if (!old) throw ProtocolError("modified, but never seen");
-        staging_.set(build(table, objectOf(columns, "\"modify\""), old));
+        if (!held) throw ProtocolError("modified, but never seen");
+        staging_.set(build(table, objectOf(columns, "\"modify\""), held, true));
     } else if (update["insert"].get(columns) == SUCCESS ||
                update["initial"].get(columns) == SUCCESS) {
-        staging_.set(build(table, objectOf(columns, "\"insert\""), none));
+        staging_.set(build(table, objectOf(columns, "\"insert\""), held, false));
     } else if (update["delete"].error() != SUCCESS) {
         throw ProtocolError("none of \"initial\", \"insert\", \"modify\", \"delete\"");
     }
 }
 
-// With an old row its columns are modified, else columns that are not told have their default.
-Row UpdateReader::build(MirroredTable const& table, object columns, Row const& old) {
+// Modified, the held row's columns are what they were but for what is told; else columns that are
+// not told have their default.
+Row UpdateReader::build(MirroredTable const& table, object columns, Row const& held,
+                        bool isModified) {
     std::array<element, maxColumns> cells;
     std::bitset<maxColumns> told;
     for (auto const [name, value] : columns) {
@@ -100,20 +101,25 @@ Row UpdateReader::build(MirroredTable const& table, object columns, Row const& o
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         ColumnType const& type = table.columns[i].type;
         if (!told[i]) {
-            if (old)
-                builder_.bytes().append(old.column(i));
-            else
-                appendDefault(builder_.bytes(), type);
-        } else if (!old) {
+            appendUntold(table, i, held, isModified);
+        } else if (!isModified) {
             appendDatum(builder_.bytes(), type, cells[i]);
         } else {
             modify_.clear();
             appendDatum(modify_, type, cells[i]);
-            appendModified(builder_.bytes(), type, old.column(i), modify_);
+            appendModified(builder_.bytes(), type, held.column(i), modify_);
         }
         builder_.endColumn();
     }
     return builder_.take();
+}
+
+void UpdateReader::appendUntold(MirroredTable const& table, std::size_t column, Row const& held,
+                                bool isModified) {
+    if (held && (isModified || plan_.isGap(table.table, column)))
+        builder_.bytes().append(held.column(column));
+    else
+        appendDefault(builder_.bytes(), table.columns[column].type);
 }
 
 }  // namespace Ovsdb

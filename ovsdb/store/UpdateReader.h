@@ -11,8 +11,8 @@
 // ovsdb-server(7) section 4.1.14, and update3 has the same.
 // In the first form a row is whole. In the second an insert leaves out columns that have their
 // default, and a modify tells the changed columns, sets and maps as differences. Tables and columns
-// that nobody asked for are passed over. What makes no sense raises ProtocolError, which names
-// table and row.
+// that nobody asked for are passed over. A column that is a gap of the plan stays what it was. What
+// makes no sense raises ProtocolError, which names table and row.
 
 #include <ovsdb/schema/MonitorPlan.h>
 #include <ovsdb/store/Row.h>
@@ -35,7 +35,10 @@ class UpdateReader {
     void readTable(MirroredTable const& table, simdjson::dom::object rows, UpdateForm form);
     void readRow(MirroredTable const& table, Uuid const& uuid, simdjson::dom::object update,
                  UpdateForm form);
-    Row build(MirroredTable const& table, simdjson::dom::object columns, Row const& old);
+    Row build(MirroredTable const& table, simdjson::dom::object columns, Row const& held,
+              bool isModified);
+    void appendUntold(MirroredTable const& table, std::size_t column, Row const& held,
+                      bool isModified);
 
     MonitorPlan const& plan_;
     RowStore::Staging& staging_;

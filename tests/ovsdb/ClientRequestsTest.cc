@@ -95,7 +95,7 @@ TEST_F(ClientRequestsTest, ATransactionWhoseReplyCannotBeReadFailsAlone) {
     transact();
     ASSERT_TRUE(told());
     EXPECT_EQ(told_[0].substr(0, 16), "unreadable reply");
-    EXPECT_EQ(client_->state(), ClientState::inStep);
+    EXPECT_EQ(client_->state(), ClientState::following);
 }
 
 TEST_F(ClientRequestsTest, AnUnansweredTransactionCostsTheConnection) {
@@ -120,7 +120,7 @@ TEST_F(ClientRequestsTest, AnAnsweredTransactionIsNotLimitedAfterwards) {
     transact();
     ASSERT_TRUE(told());
     EXPECT_FALSE(runUntil(
-        loop_, [&] { return client_->state() != ClientState::inStep; }, milliseconds(200)));
+        loop_, [&] { return client_->state() != ClientState::following; }, milliseconds(200)));
 }
 
 TEST_F(ClientRequestsTest, LeavingTakesBackTheMonitorAndTellsWhenAllIsOver) {
@@ -136,7 +136,7 @@ TEST_F(ClientRequestsTest, LeavingTakesBackTheMonitorAndTellsWhenAllIsOver) {
     EXPECT_EQ(listener_.outcomes.back(), "C monitor of " + there());
     EXPECT_EQ(client_->state(), ClientState::disconnected);
     EXPECT_EQ(client_->rows().size(), 1U);
-    EXPECT_EQ(listener_.states.back(), ClientState::inStep);
+    EXPECT_EQ(listener_.states.back(), ClientState::following);
 }
 
 TEST_F(ClientRequestsTest, LeavingDoesNotWaitForAServerThatIsSilentOrGone) {
@@ -210,7 +210,7 @@ TEST_F(SilentLinkTest, ADeadLinkToALivingServerIsLeftAtOnce) {
     ASSERT_TRUE(runUntil(loop_, [&] { return listener_.outcomes.size() == 2; }));
     EXPECT_EQ(listener_.silences, std::vector<bool>{true});
     EXPECT_TRUE(logged("silent, though the server answers on another connection"));
-    EXPECT_EQ(client_->state(), ClientState::inStep);
+    EXPECT_EQ(client_->state(), ClientState::following);
 }
 
 TEST_F(SilentLinkTest, AServerThatSpeaksAgainIsInStepWhenWhatItHadToSayWasApplied) {
@@ -241,7 +241,7 @@ TEST_F(SilentLinkTest, ABusyServerIsNotLeft) {
     fallSilent();
     ASSERT_TRUE(runUntil(loop_, [&] { return listener_.silences.size() == 1; }));
     ASSERT_FALSE(runUntil(
-        loop_, [&] { return client_->state() != ClientState::inStep; }, milliseconds(400)));
+        loop_, [&] { return client_->state() != ClientState::following; }, milliseconds(400)));
     EXPECT_EQ(listener_.outcomes.size(), 1U);
 }
 

@@ -12,7 +12,7 @@ TEST_F(ClientTest, TheBestMethodIsUsedWithNamedColumns) {
     EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
     EXPECT_EQ(listener_.states,
               (std::vector<ClientState>{ClientState::connecting, ClientState::copying,
-                                        ClientState::inStep}));
+                                        ClientState::following}));
 }
 
 TEST_F(ClientTest, AnOldServerIsMonitoredByTheOldestMethod) {
@@ -89,8 +89,9 @@ TEST_F(ClientTest, ACarryingOnThatCannotBeAppliedIsFollowedByAWholeCopy) {
         database_(server, message);
     });
     server_.hangUp();
-    ASSERT_TRUE(runUntil(
-        loop_, [&] { return askedFrom.size() >= 2 && client_->state() == ClientState::inStep; }));
+    ASSERT_TRUE(runUntil(loop_, [&] {
+        return askedFrom.size() >= 2 && client_->state() == ClientState::following;
+    }));
     EXPECT_EQ(askedFrom[0], database_.transaction);
     EXPECT_EQ(askedFrom[1], zero);
 }
@@ -154,7 +155,44 @@ TEST_F(ClientTest, AMissingColumnIsNamedAndTheRestIsMirrored) {
     ASSERT_TRUE(inStep());
     EXPECT_TRUE(logged(
         "column Logical_Switch.tunnel_key is missing from the schema; the rest is mirrored"));
+    EXPECT_TRUE(
+        logged("out of step: column Logical_Switch.tunnel_key is missing from the schema; "
+               "the rest is followed by monitor_cond_since, 1 rows"));
+    EXPECT_FALSE(logged("in step by"));
     EXPECT_EQ(listener_.steps, std::vector<std::string>{"+1"});
+}
+
+TEST_F(ClientTest, ASchemaThatIsChangedUnderARunningClientKeepsRowsAndIsTakenBack) {
+    for (bool const isAware : {true, false}) {
+        start();
+        ASSERT_TRUE(inStep());
+        auto const change = [&](json const& schema, json const& rows) {
+            int const plans = listener_.plans;
+            json const id = monitorId();
+            database_.schema = schema;
+            database_.rows = rows;
+            if (isAware)
+                server_.notify("monitor_canceled", json::array({id}));
+            else
+                server_.hangUp();
+            ASSERT_TRUE(runUntil(loop_, [&] { return listener_.plans > plans; }));
+            ASSERT_TRUE(inStep());
+        };
+        json const rows = database_.rows;
+        json less = fullSchema();
+        less["tables"].erase("Logical_Switch");
+        std::size_t const steps = listener_.steps.size();
+        log_.clear();
+        change(less, json::object());
+        EXPECT_TRUE(logged("out of step: table Logical_Switch is missing from the schema"));
+        EXPECT_FALSE(logged("in step by"));
+        EXPECT_EQ(listener_.steps.size(), steps);
+        change(fullSchema(), json::object());
+        EXPECT_TRUE(logged("in step by"));
+        EXPECT_EQ(listener_.steps.back(), "-1");
+        change(fullSchema(), rows);
+        client_->stop();
+    }
 }
 
 TEST_F(ClientTest, GarbageIsNamedAndTriedAgain) {

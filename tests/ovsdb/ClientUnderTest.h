@@ -111,7 +111,7 @@ class ClientTest : public testing::Test {
         client_->start();
     }
     bool inStep() {
-        return runUntil(loop_, [&] { return client_->state() == ClientState::inStep; });
+        return runUntil(loop_, [&] { return client_->state() == ClientState::following; });
     }
     bool logged(std::string const& part) const {
         return std::any_of(log_.begin(), log_.end(), [&](std::string const& line) {

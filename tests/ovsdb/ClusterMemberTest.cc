@@ -43,9 +43,9 @@ class ClusterMemberTest : public ClientTest {
                         [&] {
                             known = known || client_->state() == ClientState::disconnected;
                             return listener_.rounds.size() >= rounds + 3 ||
-                                   (known && client_->state() == ClientState::inStep);
+                                   (known && client_->state() == ClientState::following);
                         }) &&
-               client_->state() == ClientState::inStep;
+               client_->state() == ClientState::following;
     }
 
     int told_ = 0;

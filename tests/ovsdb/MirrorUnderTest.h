@@ -43,7 +43,7 @@ class MirrorUnderTest {
         JsonText const text(tables.dump());
         RowStore::Staging staging(store_);
         UpdateReader(plan_, staging).read(text.root(), form);
-        mirror_.apply(staging.commit(whole));
+        mirror_.apply(staging.commit(whole, plan_.gapTables()));
     }
 
     /// The canonical dump.

@@ -76,6 +76,33 @@ TEST(MonitorPlan, BfdThatIsNowhereIsAComplaint) {
     ASSERT_EQ(planFor(schema).complaints().size(), 1U);
 }
 
+TEST(MonitorPlan, WhatEveryVersionHasIsAGapAndWhatComesAndGoesIsNone) {
+    json schema = fullSchema();
+    EXPECT_EQ(planFor(schema).gap(), "");
+    for (char const* const column : {"tunnel_key", "bfd", "bfd_status"})
+        schema["tables"]["Physical_Locator"]["columns"].erase(column);
+    schema["tables"].erase("Tunnel");
+    EXPECT_EQ(planFor(schema).gap(), "");
+    schema["tables"].erase("Manager");
+    schema["tables"]["Logical_Switch"]["columns"].erase("name");
+    MonitorPlan const plan = planFor(schema);
+    EXPECT_EQ(plan.gap(),
+              "table Manager is missing from the schema; column Logical_Switch.name is missing "
+              "from the schema");
+    EXPECT_TRUE(plan.isGap(Table::manager));
+    EXPECT_FALSE(plan.isGap(Table::tunnel));
+    EXPECT_TRUE(plan.isGap(Table::logicalSwitch, LogicalSwitchColumn::name));
+    EXPECT_FALSE(plan.isGap(Table::logicalSwitch, LogicalSwitchColumn::tunnelKey));
+    EXPECT_FALSE(plan.isGap(Table::physicalLocator, PhysicalLocatorColumn::tunnelKey));
+}
+
+TEST(MonitorPlan, AColumnThatIsThereAndCannotBeReadIsAGap) {
+    json schema = fullSchema();
+    schema["tables"]["Physical_Locator"]["columns"]["tunnel_key"]["type"] = "string";
+    EXPECT_EQ(planFor(schema).gap(),
+              "column Physical_Locator.tunnel_key is string, expected optional integer");
+}
+
 TEST(MonitorPlan, ColumnsOfTypesToComeAreNoneOfOurs) {
     json schema = fullSchema();
     schema["tables"]["Manager"]["columns"]["novel"] = {{"type", {{"key", "quaternion"}}}};

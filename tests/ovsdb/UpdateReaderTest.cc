@@ -10,6 +10,8 @@
 namespace Ovsdb {
 namespace {
 
+using nlohmann::json;
+
 constexpr std::string_view firstRow = "00000000-0000-4000-8000-000000000001";
 constexpr std::string_view secondRow = "00000000-0000-4000-8000-000000000002";
 
@@ -23,7 +25,7 @@ class UpdateReaderTest : public testing::Test {
         JsonText const parsed(text);
         RowStore::Staging staging(store_);
         UpdateReader(plan_, staging).read(parsed.root(), form);
-        return staging.commit(whole);
+        return staging.commit(whole, plan_.gapTables());
     }
 
     std::string refusal(std::string const& text, UpdateForm form = UpdateForm::differences) {
@@ -148,6 +150,51 @@ TEST_F(UpdateReaderTest, UnknownTablesAndColumnsArePassedOver) {
 TEST_F(UpdateReaderTest, AModifyThatChangesNothingTellsNothing) {
     apply(R"({"Logical_Switch":{"$1":{"insert":{"name":"red"}}}})");
     EXPECT_TRUE(apply(R"({"Logical_Switch":{"$1":{"modify":{"name":"red"}}}})").empty());
+}
+
+// The schema was changed below us.
+TEST_F(UpdateReaderTest, WhatIsHeldOfATableThatHasGoneIsKept) {
+    apply(R"({"Logical_Switch":{"$1":{"initial":{"name":"red"}}},
+              "Tunnel":{"$2":{"initial":{}}}})");
+    json schema = fullSchema();
+    schema["tables"].erase("Logical_Switch");
+    schema["tables"].erase("Tunnel");
+    plan_ = MonitorPlan(readSchema(JsonText(schema.dump()).root()));
+    std::vector<RowChange> const changes = apply("{}", UpdateForm::differences, true);
+    // Tables that come and go with versions are not missed.
+    ASSERT_EQ(changes.size(), 1U);
+    EXPECT_EQ(changes[0].table, Table::tunnel);
+    EXPECT_NE(logicalSwitch(firstRow), nullptr);
+    plan_ = MonitorPlan(readSchema(JsonText(fullSchema().dump()).root()));
+    EXPECT_EQ(apply("{}", UpdateForm::differences, true).size(), 1U);
+    EXPECT_EQ(logicalSwitch(firstRow), nullptr);
+}
+
+TEST_F(UpdateReaderTest, WhatIsHeldOfAColumnThatHasGoneIsKept) {
+    apply(R"({"Logical_Switch":{"$1":{"initial":{"name":"red","tunnel_key":5000}}},
+              "Physical_Switch":{"$2":{"initial":{"name":"a","switch_fault_status":"x"}}}})");
+    json schema = fullSchema();
+    schema["tables"]["Logical_Switch"]["columns"].erase("tunnel_key");
+    schema["tables"]["Physical_Switch"]["columns"].erase("switch_fault_status");
+    plan_ = MonitorPlan(readSchema(JsonText(schema.dump()).root()));
+    for (char const* const kind : {"initial", "modify", "new"}) {
+        UpdateForm const form =
+            std::string_view(kind) == "new" ? UpdateForm::whole : UpdateForm::differences;
+        std::string const name = std::string("after ") + kind;
+        apply(R"({"Logical_Switch":{"$1":{")" + std::string(kind) + R"(":{"name":")" + name +
+                  R"("}}},"Physical_Switch":{"$2":{")" + std::string(kind) + R"(":{}}}})",
+              form);
+        EXPECT_EQ(logicalSwitch(firstRow)->column(LogicalSwitchColumn::name), name);
+        EXPECT_EQ(
+            optionalIntegerOf(logicalSwitch(firstRow)->column(LogicalSwitchColumn::tunnelKey)),
+            5000);
+        Row const* const other = store_.find(Table::physicalSwitch, *Uuid::parse(secondRow));
+        EXPECT_TRUE(other->column(PhysicalSwitchColumn::faultStatus).empty());
+    }
+    // A row that comes has its default.
+    apply(R"({"Logical_Switch":{"$2":{"insert":{"name":"blue"}}}})");
+    EXPECT_EQ(optionalIntegerOf(logicalSwitch(secondRow)->column(LogicalSwitchColumn::tunnelKey)),
+              std::nullopt);
 }
 
 }  // namespace

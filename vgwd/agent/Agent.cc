@@ -184,6 +184,19 @@ void Agent::onInStep() {
     end(written ? 0 : 1);
 }
 
+// A print of a part would be taken for the whole.
+void Agent::onIncomplete(std::string const& gap) {
+    served_.admit();
+    lastReason_ = "out of step: " + gap;
+    if (!options_.once || options_.timeout > 0) return;
+    logs_.logFatal(lastReason_);
+    end(1);
+}
+
+void Agent::onStanding(std::string const& words) {
+    if (std::exchange(standing_, words) != words) notice_.status(words);
+}
+
 void Agent::onListening() {
     if (std::exchange(starting_, false)) handleReady();
 }

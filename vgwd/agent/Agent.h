@@ -48,6 +48,8 @@ class Agent final : private SessionListener {
   private:
     void onStep() override;
     void onInStep() override;
+    void onIncomplete(std::string const& gap) override;
+    void onStanding(std::string const& words) override;
     void onFailed(std::string const& reason) override;
     void onListening() override;
     void onOff() override;
@@ -77,6 +79,7 @@ class Agent final : private SessionListener {
     ConfigReactor::Ptr reactor_;
     std::optional<Watcher> watcher_;
     ServiceNotice notice_;
+    std::string standing_;  // as the service manager was told
     std::string lastReason_ = "no server has answered";
     bool madeRunDirectory_ = false;
     bool starting_ = false;  // our own server is to run and has not listened yet

@@ -73,12 +73,12 @@ void DatabaseBooks::tell(Place const& place, std::string const& columns) {
     if (hasRoom) report_->lostIs(text(row), text(columns));
 }
 
-// Another schema may hold whole what was lost, and no row with it changes.
-void DatabaseBooks::inStep(std::string const& remote) {
+void DatabaseBooks::lookAgain() {
     for (Place const& place : std::set(lost_)) look(place.first, place.second);
     report_->lostRowsIs(lost_.size());
-    stateIs(true, remote, {});
 }
+
+void DatabaseBooks::inStep(std::string const& remote) { stateIs(true, remote, {}); }
 
 void DatabaseBooks::outOfStep(std::string const& remote, std::string const& reason) {
     stateIs(false, remote, reason);

@@ -22,6 +22,9 @@ class DatabaseBooks {
     void planIs(Ovsdb::MonitorPlan const& plan);
     /// The mirror has taken the changes in.
     void step(std::vector<Ovsdb::RowChange> const& changes);
+    /// A whole copy was taken in: another schema may hold whole what was lost, and no row with it
+    /// changes.
+    void lookAgain();
     void inStep(std::string const& remote);
     void outOfStep(std::string const& remote, std::string const& reason);
 

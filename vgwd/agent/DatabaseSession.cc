@@ -75,8 +75,7 @@ void DatabaseSession::end() {
 
 void DatabaseSession::handleLeft() {
     running_ = leaving_ = false;
-    tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
-    report_.outOfStep(client_.remoteName(), "switched off");
+    standingIs(lost(), "switched off");
     books_.close();
     if (server_) server_->wantedIs(false);
     listener_.onStep();
@@ -101,6 +100,7 @@ void DatabaseSession::stop() {
 }
 
 void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) {
+    gap_ = plan.gap();
     mirror_.planIs(plan);
     report_.planIs(plan);
 }
@@ -114,12 +114,8 @@ void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
 }
 
 void DatabaseSession::onState(ClientState state, std::string const& reason) {
-    if (state == ClientState::inStep) {
-        // The schema may have changed, and no row with it.
-        mirror_.apply({});
-        synced_ = true;
-        tree_.mirrorStateIs(EntryState::ready);
-        report_.inStep(client_.remoteName());
+    if (state == ClientState::following) {
+        handleCopied();
     } else if (!reason.empty()) {
         tree_.session()->lastErrorCodeIs(std::string_view(reason));
         handleOutOfStep(reason);
@@ -127,12 +123,34 @@ void DatabaseSession::onState(ClientState state, std::string const& reason) {
     listener_.onStep();
 }
 
+void DatabaseSession::handleCopied() {
+    // The schema may have changed, and no row with it.
+    mirror_.apply({});
+    report_.lookAgain();
+    synced_ = true;
+    standingIs(gap_.empty() ? EntryState::ready : EntryState::stale, gap_);
+}
+
 void DatabaseSession::handleOutOfStep(std::string const& reason) {
     manager_.inStepIs(false);
     writer_.inStepIs(false);
-    tree_.mirrorStateIs(synced_ ? EntryState::stale : EntryState::pending);
-    report_.outOfStep(client_.remoteName(), reason);
+    standingIs(lost(), reason);
     books_.awaitCopy(reason);
+}
+
+EntryState DatabaseSession::lost() const {
+    return synced_ ? EntryState::stale : EntryState::pending;
+}
+
+// Without a reason it is in step.
+void DatabaseSession::standingIs(EntryState state, std::string const& reason) {
+    std::string const remote = client_.remoteName();
+    tree_.mirrorStateIs(state);
+    if (reason.empty())
+        report_.inStep(remote);
+    else
+        report_.outOfStep(remote, reason);
+    listener_.onStanding(reason.empty() ? "in step with " + remote : "out of step: " + reason);
 }
 
 void DatabaseSession::onUndone(std::string const& path, std::string const& peer,
@@ -148,23 +166,31 @@ void DatabaseSession::onRequest(Ovsdb::RequestKind kind, std::string const& deta
 
 void DatabaseSession::onOutcome(Ovsdb::RequestKind kind, std::string const& detail,
                                 Ovsdb::RpcError const* error) {
-    books_.outcome(kind, detail, error);
+    bool const isCopy = kind == Ovsdb::RequestKind::monitor && error == nullptr;
+    bool const isWhole = gap_.empty();
+    if (isCopy && !isWhole)
+        books_.incomplete(detail, gap_);
+    else
+        books_.outcome(kind, detail, error);
     listener_.onStep();
-    if (kind != Ovsdb::RequestKind::monitor || error != nullptr) return;
+    if (!isCopy) return;
     manager_.inStepIs(true);
     writer_.inStepIs(true);
-    listener_.onInStep();
+    if (isWhole)
+        listener_.onInStep();
+    else
+        listener_.onIncomplete(gap_);
 }
 
 void DatabaseSession::onSilent(bool silent) {
     if (silent) {
-        tree_.mirrorStateIs(EntryState::stale);
-        report_.outOfStep(client_.remoteName(), "the server does not answer");
+        standingIs(EntryState::stale, "the server does not answer");
         books_.awaitCopy("the server does not answer");
-    } else {
-        tree_.mirrorStateIs(EntryState::ready);
-        report_.inStep(client_.remoteName());
+    } else if (gap_.empty()) {
+        standingIs(EntryState::ready, {});
         books_.resume();
+    } else {
+        standingIs(EntryState::stale, gap_);
     }
     listener_.onStep();
 }

@@ -4,9 +4,13 @@
 // The OVSDB side of the agent: the client, the server of our own if there is to be one, the mirror
 // that the client feeds, the session's books and the manager's row. It is enabled or not.
 //
-// While it is not, there is no connection and no server of ours; the rows stay as they were, their
-// entries in the tree stale. Enabled again, they are brought up to date like after any loss:
-// whoever watches them hears of real differences alone.
+// A schema that lacks something which every version has keeps the mirror out of step: the rest is
+// followed and can be written, what was held of the missing part is kept, and everything that tells
+// how the mirror stands names it.
+//
+// While it is not enabled, there is no connection and no server of ours; the rows stay as they
+// were, their entries in the tree stale. Enabled again, they are brought up to date like after any
+// loss: whoever watches them hears of real differences alone.
 
 #include <ovsdb/client/Client.h>
 #include <ovsdb/mirror/Mirror.h>
@@ -32,6 +36,10 @@ class SessionListener {
     virtual void onStep() = 0;
     /// The mirror is in step, and the books say so.
     virtual void onInStep() = 0;
+    /// It follows what the schema has, which is not all; `gap` names what is missing.
+    virtual void onIncomplete(std::string const& gap) = 0;
+    /// How the mirror stands, in words that begin with "in step" or "out of step".
+    virtual void onStanding(std::string const& words) = 0;
     /// All servers were tried without success, or the server of our own could not be started.
     virtual void onFailed(std::string const& reason) = 0;
     /// The server of our own listens.
@@ -79,6 +87,9 @@ class DatabaseSession final : private Ovsdb::ClientListener, private WriteListen
     void end();
     void handleLeft();
     void handleOutOfStep(std::string const& reason);
+    void handleCopied();
+    void standingIs(Qor::Dir::EntryState state, std::string const& reason);
+    Qor::Dir::EntryState lost() const;
 
     StateTree& tree_;
     SessionListener& listener_;
@@ -90,6 +101,7 @@ class DatabaseSession final : private Ovsdb::ClientListener, private WriteListen
     ManagerWriter manager_;
     DatabaseWriter writer_;
     Ovsdb::LogSink log_;
+    std::string gap_;  // of the schema; empty: it has all
     bool enabled_ = false;
     bool running_ = false;  // the client was started
     bool leaving_ = false;  // it is ending

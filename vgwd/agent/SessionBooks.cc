@@ -54,13 +54,16 @@ void SessionBooks::outcome(Ovsdb::RequestKind kind, std::string const& detail,
         bool const isFirst = isCopy && !synced_;
         if (isCopy) {
             synced_ = true;
-            awaiting_ = false;
+            awaiting_ = isIncomplete_ = false;
             overdue_.cancel();
         }
         Vgw::updateOvsdbRequestResult(session_,
                                       isFirst ? Vgw::stateBackupDbSynced : Vgw::stateConnected,
                                       typeOf(kind), std::string_view(detail));
-        stateIs(Vgw::stateConnected);
+        if (isIncomplete_)
+            session_->sessionStateIs(Vgw::stateDisconnected);
+        else
+            stateIs(Vgw::stateConnected);
         return;
     }
     Vgw::SessionState const state = session_->sessionState();
@@ -68,6 +71,14 @@ void SessionBooks::outcome(Ovsdb::RequestKind kind, std::string const& detail,
     Vgw::updateOvsdbRequestResult(session_, Vgw::stateDisconnected, typeOf(kind),
                                   std::string_view(error->text() + "; " + detail));
     session_->sessionStateIs(state);
+}
+
+void SessionBooks::incomplete(std::string const& detail, std::string const& gap) {
+    awaiting_ = reported_ = isIncomplete_ = true;
+    overdue_.cancel();
+    session_->lastErrorCodeIs(std::string_view(gap));
+    Vgw::updateOvsdbRequestResult(session_, Vgw::stateDisconnected, Vgw::monitorRequestType,
+                                  std::string_view("not in step: " + gap + "; " + detail));
 }
 
 void SessionBooks::awaitCopy(std::string const& reason) {

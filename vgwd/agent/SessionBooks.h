@@ -14,7 +14,8 @@
 // are read whenever they change. What the tree tells of its entries (stale) is not delayed.
 //
 // A request that fails while the session goes on leaves the state alone: the accounting marks it as
-// disconnected, and it is set back to what holds before anything else happens.
+// disconnected, and it is set back to what holds before anything else happens. So it is when a
+// transaction goes well while the schema lacks something: that state is stateDisconnected.
 
 #include <ovsdb/client/ClientListener.h>
 #include <vgw/agent/Config.h>
@@ -38,6 +39,10 @@ class SessionBooks {
     /// Null: it went well. A monitor that goes well brings the mirror in step.
     void outcome(Ovsdb::RequestKind kind, std::string const& detail, Ovsdb::RpcError const* error);
 
+    /// A monitor went well, but the schema lacks what `gap` names: the mirror is not in step, and
+    /// that is reported at once, since waiting mends no schema.
+    void incomplete(std::string const& detail, std::string const& gap);
+
     /// The mirror is not in step, or no longer: a whole copy is awaited from now on, if it was not
     /// already.
     void awaitCopy(std::string const& reason);
@@ -60,8 +65,9 @@ class SessionBooks {
     std::chrono::steady_clock::time_point since_;  // when awaiting began
     std::string reason_;
     bool awaiting_ = false;
-    bool reported_ = false;  // that it takes too long
-    bool synced_ = false;    // there was a whole copy once
+    bool reported_ = false;      // that it takes too long
+    bool isIncomplete_ = false;  // the last copy was of a part
+    bool synced_ = false;        // there was a whole copy once
 };
 
 }  // namespace Vgwd

@@ -1,8 +1,10 @@
 """Without --ovsdb, vgwd has an OVSDB server of its own in its run directory."""
+import contextlib
 import os
 import re
 import signal
 import subprocess
+from pathlib import Path
 from unittest import mock
 
 import process_case
@@ -70,6 +72,29 @@ class EmbeddedTest(process_case.ProcessCase):
         self.agent.await_that(self.answers, "the server answers")
         self.add_switch("blue")
         self.agent.await_equal(self.read())
+
+    def open_files(self, pid):
+        """What its descriptors stand for, but for the standard ones."""
+        files = set()
+        for descriptor in Path(f"/proc/{pid}/fd").iterdir():
+            with contextlib.suppress(FileNotFoundError):
+                files |= {os.readlink(descriptor)} if int(descriptor.name) > 2 else set()
+        return files
+
+    def test_it_inherits_neither_the_log_nor_a_connection(self):
+        log = self.directory / "log"
+        self.agent = Agent(self.directory / "agent", None, "--schema", self.schema, "--log-file", str(log))
+        self.agent.start()
+        for _ in range(2):
+            self.agent.await_said("in step by")
+            first = self.server_pid()
+            ours = self.open_files(self.agent.pid())
+            self.assertIn(str(log), ours)
+            self.assertEqual(ours & self.open_files(first), set())
+            # The next one is started by an agent with connections.
+            os.kill(first, signal.SIGKILL)
+            self.agent.await_that(lambda: self.server_pid() != first, "vgwd starts its server again")
+            self.agent.await_that(self.answers, "the server answers")
 
     def test_its_program_can_be_named(self):
         with mock.patch.dict(os.environ, PATH="/usr/bin:/bin"):

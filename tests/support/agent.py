@@ -68,6 +68,9 @@ class Agent:
     def kill(self):
         return self._end(signal.SIGKILL)
 
+    def pid(self):
+        return self._process.pid
+
     def busy(self):
         """The seconds of processor time that it has used."""
         fields = Path(f"/proc/{self._process.pid}/stat").read_text(encoding="ascii").rsplit(") ", 1)[1].split()

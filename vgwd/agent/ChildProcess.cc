@@ -38,6 +38,14 @@ void forgetHandlers() {
     for (int number = 1; number < NSIG; ++number) ::signal(number, SIG_DFL);
 }
 
+// Not all that is open was opened by us: libraries open logs and sockets without close-on-exec.
+void closeOthers() {
+    if (::close_range(STDERR_FILENO + 1, ~0U, 0) == 0) return;
+    // A kernel before 5.9.
+    auto const end = static_cast<int>(::sysconf(_SC_OPEN_MAX));
+    for (int descriptor = STDERR_FILENO + 1; descriptor < end; ++descriptor) ::close(descriptor);
+}
+
 // In the child, between fork and exec: nothing here may allocate.
 [[noreturn]] void become(char* const* words, pid_t parent, SignalsBlocked const& blocked) {
     forgetHandlers();
@@ -47,6 +55,7 @@ void forgetHandlers() {
     int const null = ::open("/dev/null", O_RDWR | O_CLOEXEC);
     ::dup2(null, STDIN_FILENO);
     ::dup2(null, STDOUT_FILENO);
+    closeOthers();
     ::execv(words[0], words);
     ::_exit(127);
 }

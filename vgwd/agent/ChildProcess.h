@@ -14,7 +14,7 @@ namespace Vgwd {
 /// std::runtime_error when there is none.
 std::string findProgram(std::string const& name, std::string const& companion);
 /// Starts a program that gets SIGTERM when we end, however we end. Its standard input and output
-/// are /dev/null; standard error is ours.
+/// are /dev/null, standard error is ours, and nothing else of ours is open in it.
 pid_t startProgram(std::vector<std::string> const& words);
 /// Waits for its end; its exit code, or 128 and the signal that ended it.
 int awaitProgram(pid_t process);

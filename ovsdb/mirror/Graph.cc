@@ -18,6 +18,13 @@ void dropUser(std::vector<MacNode*>& users, MacNode& node, std::uint32_t MacNode
     users.pop_back();
 }
 
+void dropSet(LocatorNode& locator, std::uint32_t slot) {
+    MemberOf const moved = locator.sets.back();
+    locator.sets[slot] = moved;
+    moved.set->members[moved.memberSlot].setSlot = slot;
+    locator.sets.pop_back();
+}
+
 template <class Node>
 void pruneLoose(std::vector<Uuid>& loose, Graph::Nodes<Node>& nodes) {
     for (Uuid const& uuid : loose) {
@@ -67,24 +74,27 @@ void Graph::link(MacNode& node) {
 }
 
 void Graph::membersAre(LocatorSetNode& set, std::vector<Uuid> const& members) {
-    for (LocatorNode* const member : set.members) {
-        std::erase(member->sets, &set);
-        loosen(*member);
+    for (SetMember const& member : set.members) {
+        dropSet(*member.locator, member.setSlot);
+        loosen(*member.locator);
     }
     set.members.clear();
     for (Uuid const& uuid : members) {
-        set.members.push_back(&locator(uuid));
-        set.members.back()->sets.push_back(&set);
+        LocatorNode& node = locator(uuid);
+        auto const memberSlot = static_cast<std::uint32_t>(set.members.size());
+        set.members.push_back({&node, static_cast<std::uint32_t>(node.sets.size())});
+        node.sets.push_back({&set, memberSlot});
     }
 }
 
 void Graph::tunnelIs(Uuid const& locatorUuid, Uuid const& tunnel, bool ends) {
     LocatorNode& node = locator(locatorUuid);
-    std::erase(node.tunnels, tunnel);
-    if (ends)
-        node.tunnels.push_back(tunnel);
-    else
+    if (ends) {
+        node.tunnels.insert(tunnel);
+    } else {
+        node.tunnels.erase(tunnel);
         loosen(node);
+    }
 }
 
 void Graph::prune() {

@@ -7,6 +7,9 @@
 // names; so rows may come in any order, and what names a row that never comes is no error. Links
 // are kept both ways.
 //
+// A link is taken away in constant time, however many others a node has: each end knows where it
+// stands at the other. (Tunnels, of which a locator has few but might have many, are a tree.)
+//
 // Nodes stay where they are in memory. One that is no row and that nobody names goes with prune().
 
 #include <kelp/EthAddr.h>
@@ -18,7 +21,9 @@
 #include <vgw/tables/PhysicalLocator.h>
 
 #include <array>
+#include <cstdint>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
@@ -26,6 +31,7 @@ namespace Ovsdb {
 
 struct MacNode;
 struct MacRef;
+struct LocatorNode;
 struct LocatorSetNode;
 
 struct LogicalSwitchNode {
@@ -41,6 +47,16 @@ struct LogicalSwitchNode {
     bool unused() const { return !isRow && users.empty(); }
 };
 
+// A locator among the members of a set, and the set among the sets of the locator.
+struct SetMember {
+    LocatorNode* locator = nullptr;
+    std::uint32_t setSlot = 0;  // among the locator's sets
+};
+struct MemberOf {
+    LocatorSetNode* set = nullptr;
+    std::uint32_t memberSlot = 0;  // among the set's members
+};
+
 struct LocatorNode {
     explicit LocatorNode(Uuid const& u) : uuid(u), text(textOf(u)) {}
 
@@ -54,8 +70,8 @@ struct LocatorNode {
     bool bfdDirty = false;
     Vgw::PhysicalLocator::Ptr row;
     std::vector<MacNode*> users;
-    std::vector<LocatorSetNode*> sets;
-    std::vector<Uuid> tunnels;  // those that end here
+    std::vector<MemberOf> sets;
+    std::set<Uuid> tunnels;  // those that end here
 
     bool unused() const {
         return raw == nullptr && users.empty() && sets.empty() && tunnels.empty();
@@ -69,7 +85,7 @@ struct LocatorSetNode {
     Qor::String8 text;
     bool isRow = false;
     bool dirty = false;
-    std::vector<LocatorNode*> members;  // in ascending uuid
+    std::vector<SetMember> members;  // in ascending uuid
     std::vector<MacNode*> users;
 
     bool unused() const { return !isRow && users.empty(); }

@@ -7,6 +7,7 @@
 #include <vgw/tables/UcastMacsRemote.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace Ovsdb {
 namespace {
@@ -26,9 +27,18 @@ Kelp::EthAddr macAddrOf(MacNode const& node) {
 }
 
 Vxlan::Vni vniOfSet(MacNode const& node) {
-    for (LocatorNode const* const member : node.set->members)
-        if (auto const vni = vniAt(node, *member)) return *vni;
+    for (SetMember const& member : node.set->members)
+        if (auto const vni = vniAt(node, *member.locator)) return *vni;
     return {};
+}
+
+// In ascending order.
+std::vector<Kelp::IpAddr> addressesOf(LocatorSetNode const& set) {
+    std::vector<Kelp::IpAddr> addresses;
+    for (SetMember const& member : set.members)
+        if (member.locator->address) addresses.push_back(*member.locator->address);
+    std::sort(addresses.begin(), addresses.end());
+    return addresses;
 }
 
 void writeUcastRemote(Vgw::UcastMacsRemote& row, MacNode const& node) {
@@ -57,13 +67,10 @@ void writeMcastLocal(Vgw::McastMacsLocal& row, MacNode const& node) {
     row.logicalSwitchIs(node.logicalSwitch->text);
     row.physicalLocatorSetIs(node.set->text);
     row.vniIs(vniOfSet(node));
-    auto const& members = node.set->members;
+    std::vector<Kelp::IpAddr> const addresses = addressesOf(*node.set);
     for (auto at = row.vtepIpIterator(); at; ++at)
-        if (std::none_of(members.begin(), members.end(),
-                         [&](LocatorNode const* m) { return m->address == at.key(); }))
-            at.del();
-    for (LocatorNode const* const member : members)
-        if (member->address) row.vtepIpIs(*member->address, true);
+        if (!std::binary_search(addresses.begin(), addresses.end(), at.key())) at.del();
+    for (Kelp::IpAddr const address : addresses) row.vtepIpIs(address, true);
 }
 
 Qor::Ptr<Vgw::OvsdbDataModel> makeRow(MacNode const& node) {
@@ -104,9 +111,9 @@ void MacRows::recount(MacNode& node, MacRefs& refs) const {
             node.ref = refs.take(*node.locator, *node.mac, *vni, false);
         return;
     }
-    for (LocatorNode* const member : node.set->members)
-        if (auto const vni = vniAt(node, *member))
-            node.refs.push_back(refs.take(*member, *node.mac, *vni, true));
+    for (SetMember const& member : node.set->members)
+        if (auto const vni = vniAt(node, *member.locator))
+            node.refs.push_back(refs.take(*member.locator, *node.mac, *vni, true));
 }
 
 void MacRows::remove(MacNode& node) const {

@@ -140,7 +140,7 @@ void Mirror::digestMac(RowChange const& change) {
 // What a MAC row shows and gives depends on its switch, its locators, and their keys and addresses.
 void Mirror::spread() {
     for (LocatorNode* const node : locators_) {
-        for (LocatorSetNode* const set : node->sets) touch(*set);
+        for (MemberOf const& use : node->sets) touch(*use.set);
         for (MacNode* const user : node->users) touch(*user);
     }
     for (LocatorSetNode* const node : sets_)

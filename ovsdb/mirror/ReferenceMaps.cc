@@ -3,9 +3,6 @@
 #include <ovsdb/mirror/Values.h>
 #include <ovsdb/store/Datum.h>
 
-#include <algorithm>
-#include <tuple>
-
 namespace Ovsdb {
 namespace {
 
@@ -47,23 +44,20 @@ void ReferenceMaps::locatorLeaves(LocatorNode& node) {
     if (!node.address) return;
     dirtyAddresses_.insert(*node.address);
     auto const at = locators_.find(*node.address);
-    std::erase(at->second, &node);
+    at->second.erase(&node);
     if (at->second.empty()) locators_.erase(at);
 }
 
 void ReferenceMaps::locatorEnters(LocatorNode& node) {
     if (!node.address) return;
     dirtyAddresses_.insert(*node.address);
-    locators_[*node.address].push_back(&node);
+    locators_[*node.address].insert(&node);
 }
 
 LocatorNode* ReferenceMaps::chosen(Kelp::IpAddr address) const {
     auto const at = locators_.find(address);
     if (at == locators_.end()) return nullptr;
-    return *std::min_element(at->second.begin(), at->second.end(),
-                             [](LocatorNode const* a, LocatorNode const* b) {
-                                 return std::tie(a->hasKey, a->uuid) < std::tie(b->hasKey, b->uuid);
-                             });
+    return *at->second.begin();
 }
 
 void ReferenceMaps::removeRemoteLocators() {

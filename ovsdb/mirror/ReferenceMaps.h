@@ -19,8 +19,7 @@
 #include <map>
 #include <set>
 #include <string>
-#include <unordered_map>
-#include <vector>
+#include <tuple>
 
 namespace Ovsdb {
 
@@ -28,7 +27,8 @@ class ReferenceMaps {
   public:
     explicit ReferenceMaps(Vgw::HwVtepOvsdb& database) : database_(database) {}
 
-    // What changed. A null row: the switch is gone.
+    // What changed. A null row: the switch is gone. A locator leaves before it changes, and enters
+    // after it has.
     void switchIs(Uuid const& uuid, Row const* before, Row const* after);
     void locatorLeaves(LocatorNode& node);
     void locatorEnters(LocatorNode& node);
@@ -42,6 +42,13 @@ class ReferenceMaps {
     void addRemoteLocators();
 
   private:
+    // The order in which rows of one address are preferred.
+    struct Before {
+        bool operator()(LocatorNode const* a, LocatorNode const* b) const {
+            return std::tie(a->hasKey, a->uuid) < std::tie(b->hasKey, b->uuid);
+        }
+    };
+
     void tunnelIpsAre(Row const& row, int change);
     LocatorNode* chosen(Kelp::IpAddr address) const;
     bool isLocal(Kelp::IpAddr address) const { return localIps_.contains(address); }
@@ -49,7 +56,7 @@ class ReferenceMaps {
     Vgw::HwVtepOvsdb& database_;
     std::map<std::string, std::set<Uuid>, std::less<>> switchNames_;
     std::map<Kelp::IpAddr, int> localIps_;  // how many switches have it among their tunnel_ips
-    std::map<Kelp::IpAddr, std::vector<LocatorNode*>> locators_;
+    std::map<Kelp::IpAddr, std::set<LocatorNode*, Before>> locators_;
     std::set<std::string, std::less<>> dirtyNames_;
     std::set<Kelp::IpAddr> dirtyAddresses_;
 };

@@ -41,9 +41,15 @@ class MirrorUnderTest {
 
     void update(Json const& tables, bool whole = false, UpdateForm form = UpdateForm::differences) {
         JsonText const text(tables.dump());
+        apply(text.root(), whole, form);
+    }
+
+    void apply(simdjson::dom::element tables, bool whole = false,
+               UpdateForm form = UpdateForm::differences) {
         RowStore::Staging staging(store_);
-        UpdateReader(plan_, staging).read(text.root(), form);
-        mirror_.apply(staging.commit(whole, plan_.gapTables()));
+        UpdateReader(plan_, staging).read(tables, form);
+        changes_ = staging.commit(whole, plan_.gapTables());
+        mirror_.apply(changes_);
     }
 
     /// The canonical dump.
@@ -57,11 +63,15 @@ class MirrorUnderTest {
     Vgw::HwVtepOvsdb::Ptr const& database() const { return database_; }
     MacDirectories const& directories() const { return directories_; }
     RowStore const& store() const { return store_; }
+    Mirror const& mirror() const { return mirror_; }
+    /// Of the last update.
+    std::vector<RowChange> const& changes() const { return changes_; }
 
   private:
     static Qor::Dir::Ptr directory(char const* name) { return Qor::make<Qor::Dir>(name); }
 
     RowStore store_;
+    std::vector<RowChange> changes_;
     MonitorPlan plan_;
     Vgw::HwVtepOvsdb::Ptr database_ = Vgw::hwVtepOvsdbFactory("ovsdb");
     MacDirectories directories_{directory("ucastMacsLocal"), directory("mcastMacsLocal"),

@@ -35,17 +35,17 @@ void DatabaseBooks::planIs(Ovsdb::MonitorPlan const& plan) {
 
 void DatabaseBooks::step(std::vector<Ovsdb::RowChange> const& changes) {
     using Ovsdb::Table;
+    // A locator's BFD columns are those of the tunnels that end there: it is looked at once, since
+    // that is a look at all of them.
+    std::set<Ovsdb::Uuid> locators;
     for (Ovsdb::RowChange const& change : changes) {
         look(change.table, change.uuid);
         if (change.table != Table::tunnel) continue;
-        // A locator's BFD columns are those of the tunnels that end there.
-        if (change.before)
-            look(Table::physicalLocator,
-                 Ovsdb::uuidOf(change.before.column(Ovsdb::TunnelColumn::remote)));
-        if (change.after != nullptr)
-            look(Table::physicalLocator,
-                 Ovsdb::uuidOf(change.after->column(Ovsdb::TunnelColumn::remote)));
+        using Ovsdb::TunnelColumn::remote;
+        if (change.before) locators.insert(Ovsdb::uuidOf(change.before.column(remote)));
+        if (change.after != nullptr) locators.insert(Ovsdb::uuidOf(change.after->column(remote)));
     }
+    for (Ovsdb::Uuid const& locator : locators) look(Table::physicalLocator, locator);
     report_->lostRowsIs(lost_.size());
 }
 

@@ -44,6 +44,19 @@ TEST_F(SessionBooksTest, AFailedRequestNamesTheErrorFirstAndLeavesTheState) {
     EXPECT_EQ(session_->sessionState(), Vgw::stateConnected);
 }
 
+TEST_F(SessionBooksTest, ACopyOfAPartIsReportedAtOnceAndNoTransactionMakesItWhole) {
+    sync();
+    books_.incomplete("2 rows", "table Manager is missing from the schema");
+    EXPECT_EQ(session_->sessionState(), Vgw::stateDisconnected);
+    EXPECT_EQ(session_->lastErrorCode(), "table Manager is missing from the schema");
+    EXPECT_EQ(session_->numFailedMsg(), 1U);
+    books_.outcome(RequestKind::transact, "a write", nullptr);
+    EXPECT_EQ(session_->sessionState(), Vgw::stateDisconnected);
+    EXPECT_EQ(session_->lastSuccessfulMsgDetail(), "a write");
+    sync();
+    EXPECT_EQ(session_->sessionState(), Vgw::stateConnected);
+}
+
 TEST_F(SessionBooksTest, TheFirstCopyIsReportedAsASyncedBackupOnce) {
     struct States : Vgw::OvsdbSessionStatus::NotifieeConst {
         void onSessionState() override { heard.push_back(notifier()->sessionState()); }

@@ -1,0 +1,207 @@
+// What a mirror of many rows costs: no row looks at all the others.
+
+#include "MirrorMessages.h"
+
+#include <gtest/gtest.h>
+
+#include <ctime>
+#include <functional>
+#include <limits>
+
+namespace Ovsdb {
+namespace {
+
+// Of this thread.
+double processorTime() {
+    timespec now{};
+    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// So many things that share an owner by `each`; the last message is the one that counts.
+using Messages = std::function<std::vector<json>(unsigned size, unsigned each)>;
+
+// The seconds that the last of the messages takes, read and applied; the best of three.
+double cost(Messages const& messages, unsigned size, unsigned each) {
+    std::vector<std::string> texts;
+    for (json const& message : messages(size, each)) texts.push_back(message.dump());
+    double best = std::numeric_limits<double>::max();
+    for (int turn = 0; turn < 3; ++turn) {
+        MirrorUnderTest mirror;
+        double spent = 0;
+        for (std::string const& text : texts) {
+            JsonText const parsed(text);
+            double const begin = processorTime();
+            mirror.apply(parsed.root());
+            spent = processorTime() - begin;
+        }
+        best = std::min(best, spent);
+    }
+    return best;
+}
+
+// The same number of things is about as dear when all share one owner as when ten do. Where each
+// looked at all others of its owner, it would be tens of times as dear.
+void expectAsCheapTogether(Messages const& messages, unsigned size) {
+    double const together = cost(messages, size, size);
+    double const apart = cost(messages, size, 10);
+    testing::Test::RecordProperty("together", std::to_string(together));
+    testing::Test::RecordProperty("apart", std::to_string(apart));
+    EXPECT_LT(together, 3 * apart);
+}
+
+constexpr unsigned firstRow = 1'000'000;
+
+json rows(unsigned count, std::function<json(unsigned)> const& row, unsigned from = firstRow) {
+    json all = json::object();
+    for (unsigned i = 0; i < count; ++i) all[uuidText(from + i)] = row(i);
+    return all;
+}
+json allGone(unsigned count, unsigned from = firstRow) {
+    return rows(
+        count, [](unsigned) { return gone; }, from);
+}
+std::string multicast(unsigned i) {
+    std::array<char, 20> text{};
+    std::snprintf(text.data(), text.size(), "01:00:5e:%02x:%02x:%02x", i >> 16 & 0x7fU,
+                  i >> 8 & 0xffU, i & 0xffU);
+    return text.data();
+}
+std::string address(unsigned i) {
+    return "10." + std::to_string(i >> 16) + "." + std::to_string(i >> 8 & 0xffU) + "." +
+           std::to_string(i & 0xffU);
+}
+
+constexpr unsigned owners = 2'000'000;
+
+unsigned ownerOf(unsigned i, unsigned each) { return owners + i / each; }
+
+// Rows for all owners.
+json ownerRows(unsigned size, unsigned each, std::function<json(unsigned)> const& row) {
+    return rows((size + each - 1) / each, row, owners);
+}
+json allOf(unsigned owner, unsigned size, unsigned each) {
+    std::vector<json> all;
+    for (unsigned i = owner * each; i < std::min(size, (owner + 1) * each); ++i)
+        all.push_back(ref(firstRow + i));
+    return set(all);
+}
+json locators(unsigned i) { return locator(address(i).c_str()); }
+
+TEST(MirrorGrowth, MulticastRowsOfOneSet) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const owner = [](unsigned) { return insert({{"locators", ref(locatorA)}}); };
+            auto const row = [&](unsigned i) {
+                return mcast(multicast(i).c_str(), red, ownerOf(i, each));
+            };
+            json begin = network();
+            begin["Physical_Locator_Set"] = ownerRows(size, each, owner);
+            begin["Mcast_Macs_Local"] = rows(size, row);
+            return std::vector<json>{begin, {{"Mcast_Macs_Local", allGone(size)}}};
+        },
+        10'000);
+}
+
+TEST(MirrorGrowth, SetsOfOneLocator) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const row = [&](unsigned i) {
+                return insert({{"locators", ref(ownerOf(i, each))}});
+            };
+            return std::vector<json>{{{"Physical_Locator", ownerRows(size, each, locators)},
+                                      {"Physical_Locator_Set", rows(size, row)}},
+                                     {{"Physical_Locator_Set", allGone(size)}}};
+        },
+        20'000);
+}
+
+// The switch's key is written to each row anew, with the addresses of its set.
+TEST(MirrorGrowth, LocatorsOfOneSet) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const owner = [&](unsigned n) {
+                return insert({{"locators", allOf(n, size, each)}});
+            };
+            auto const user = [](unsigned n) {
+                return mcast(multicast(n).c_str(), red, owners + n);
+            };
+            json begin = network();
+            begin["Physical_Locator"] = rows(size, locators);
+            begin["Physical_Locator_Set"] = ownerRows(size, each, owner);
+            begin["Mcast_Macs_Local"] = ownerRows(size, each, user);
+            json const key = modify({{"tunnel_key", 7}});
+            return std::vector<json>{begin, {{"Logical_Switch", {{uuidText(red), key}}}}};
+        },
+        10'000);
+}
+
+TEST(MirrorGrowth, LocatorsOfOneAddress) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const row = [&](unsigned i) {
+                return insert({{"encapsulation_type", "vxlan_over_ipv4"},
+                               {"dst_ip", address(i / each)},
+                               {"tunnel_key", i + 1}});
+            };
+            return std::vector<json>{{{"Physical_Locator", rows(size, row)}},
+                                     {{"Physical_Locator", allGone(size)}}};
+        },
+        20'000);
+}
+
+TEST(MirrorGrowth, TunnelsToOneLocator) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const row = [&](unsigned i) {
+                return insert({{"remote", ref(ownerOf(i, each))}});
+            };
+            return std::vector<json>{{{"Physical_Locator", ownerRows(size, each, locators)},
+                                      {"Tunnel", rows(size, row)}},
+                                     {{"Tunnel", allGone(size)}}};
+        },
+        10'000);
+}
+
+TEST(MirrorGrowth, PortsOfOneSwitch) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const row = [](unsigned i) { return insert({{"name", "p" + std::to_string(i)}}); };
+            auto const owner = [&](unsigned n) {
+                return insert({{"name", "s" + std::to_string(n)}, {"ports", allOf(n, size, each)}});
+            };
+            auto const emptied = [&](unsigned n) {
+                return modify({{"ports", allOf(n, size, each)}});
+            };
+            return std::vector<json>{{{"Physical_Port", rows(size, row)},
+                                      {"Physical_Switch", ownerRows(size, each, owner)}},
+                                     {{"Physical_Port", allGone(size)},
+                                      {"Physical_Switch", ownerRows(size, each, emptied)}}};
+        },
+        10'000);
+}
+
+// Every other key goes.
+TEST(MirrorGrowth, BfdKeysOfOneLocator) {
+    expectAsCheapTogether(
+        [](unsigned size, unsigned each) {
+            auto const bfd = [&](unsigned step) {
+                std::vector<std::pair<json, json>> keys;
+                for (unsigned i = 0; i < each; i += step)
+                    keys.emplace_back("key" + std::to_string(i), "a");
+                return json{{"bfd", map(keys)}, {"bfd_status", map(keys)}};
+            };
+            auto const whole = [&](unsigned n) {
+                json row = locators(n);
+                row["insert"].update(bfd(1));
+                return row;
+            };
+            auto const halved = [&](unsigned) { return modify(bfd(2)); };
+            return std::vector<json>{{{"Physical_Locator", ownerRows(size, each, whole)}},
+                                     {{"Physical_Locator", ownerRows(size, each, halved)}}};
+        },
+        4'000);
+}
+
+}  // namespace
+}  // namespace Ovsdb

@@ -59,7 +59,7 @@ DynamicEntity::DynamicEntity(DynamicType& type, Name name)
     }
 }
 
-// What it owns goes, and is told, in the order of the attributes.
+// What it owns goes, and is told, in the order of the attributes; see dropOwned().
 DynamicEntity::~DynamicEntity() {
     DynamicScope const scope(type_);
     DynamicAttributeList::forEach([this]<class A>() {
@@ -69,6 +69,7 @@ DynamicEntity::~DynamicEntity() {
             delDynamicChild(*this);
         }
     });
+    orphanOwned<DynamicAttributeList>(*this);
 }
 
 void DynamicEntity::constructedIs(DynamicAttribute const& attribute, AnyValue value) {

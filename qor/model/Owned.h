@@ -111,7 +111,24 @@ Ptr<Entity> ownedAt(E& entity, String8 const* elements, std::size_t count, std::
     return found;
 }
 
+/// Clears the parent of everything that an owner still has. Tells nobody.
+template <class Attributes, class E>
+void orphanOwned(E& entity) {
+    Attributes::forEach([&]<class A>() {
+        if constexpr (A::kind == AttributeKind::childMap) {
+            for (AttributeIteratorConst<A> at(entity); at; ++at) {
+                at.value()->parentIs(nullptr);
+            }
+        } else if constexpr (A::kind == AttributeKind::child) {
+            if (A::field(entity)) {
+                A::field(entity)->parentIs(nullptr);
+            }
+        }
+    });
+}
+
 /// The end of an owner: everything that it owns goes, in the order of the attributes, and is told.
+/// What handlers add meanwhile goes with the owner's fields; whoever holds it has no parent then.
 template <class Attributes, class E>
 void dropOwned(E& entity) {
     Attributes::forEach([&]<class A>() {
@@ -121,6 +138,7 @@ void dropOwned(E& entity) {
             delChild<A>(entity);
         }
     });
+    orphanOwned<Attributes>(entity);
 }
 
 }  // namespace Qor

@@ -156,6 +156,44 @@ TEST_F(OwnerEnd, HandlerMayAddWhileTheContentsGo) {
     EXPECT_EQ(Port::living(), before);
 }
 
+// A handler that adds what the end has gone past already: nobody is told, and it has no parent.
+TEST_F(OwnerEnd, SingleChildThatAHandlerSetsAgainIsLeftWithoutAParent) {
+    device->mainIs("m");
+    a->isWeakReferenceIs(true);
+    Device* const raw = device.ptr();
+    Port::Ptr kept;
+    a->react = [&](std::string const& event) {
+        if (event == "main" && !kept) {
+            kept = raw->mainIs("again");
+        }
+    };
+    log.clear();
+    device = nullptr;
+    EXPECT_EQ(log, (Log{"a:zero", "a:main", "a:main"}));
+    ASSERT_TRUE(kept);
+    ASSERT_EQ(kept->parent().ptr(), nullptr);
+    EXPECT_EQ(kept->uriPath(), "/again");
+}
+
+TEST_F(OwnerEnd, EntityThatAHandlerAddsToAnEarlierCollectionIsLeftWithoutAParent) {
+    int const before = Port::living();
+    device->mainIs("m");
+    a->isWeakReferenceIs(true);
+    Device* const raw = device.ptr();
+    Port::Ptr kept;
+    a->react = [&](std::string const& event) {
+        if (event == "main") {
+            kept = raw->portIs("late");
+            raw->portIs("later");
+        }
+    };
+    device = nullptr;
+    ASSERT_TRUE(kept);
+    EXPECT_EQ(kept->parents, (std::vector<Qor::Entity*>{raw, nullptr}));
+    EXPECT_EQ(kept->qorRefs(), 1U);
+    EXPECT_EQ(Port::living(), before + 1);
+}
+
 TEST_F(OwnerEnd, OwnerIsDestroyedOnceThoughHandlersTakeAndDropReferences) {
     int const before = Device::living();
     device->portIs("p");

@@ -182,10 +182,11 @@ Ptr<Entity> setDynamicChild(DynamicEntity& owner, Name const& name) {
     using A = DynamicChildAttr;
     Ptr<Entity>& field = A::field(owner);
     if (field && field->qorName() == name) return field;
-    if (field) field->parentIs(nullptr);
     Ptr<Entity> const child = newDynamicChild(owner, name);
+    if (field) field->parentIs(nullptr);
     take(owner, *child);
-    field = child;
+    // The old one goes when all is told: its end may run any code.
+    Ptr<Entity> const old = std::exchange(field, child);
     tellScalar<A>(owner);
     return child;
 }

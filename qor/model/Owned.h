@@ -52,12 +52,18 @@ typename A::Value delOwned(typename A::Entity& entity, Name const& name) {
     return gone;
 }
 
+/// Makes the entity the parent of what is, or is to be, its single child.
+template <class A>
+void takeChild(typename A::Entity& entity, typename A::Target& child) {
+    child.parentAttrIdIs(A::id);
+    child.parentIs(Ptr<Entity>(&entity));
+}
+
 /// Makes a single child and leaves the attribute unset. Tells nobody.
 template <class A>
 typename A::Value newChild(typename A::Entity& entity, Name name) {
     auto child = validPtr(make<typename A::Target>(std::move(name)));
-    child->parentAttrIdIs(A::id);
-    child->parentIs(Ptr<Entity>(&entity));
+    takeChild<A>(entity, *child);
     return child;
 }
 
@@ -68,14 +74,16 @@ typename A::Value setChild(typename A::Entity& entity, Name const& name) {
     if (field && field->qorName() == name) {
         return field;
     }
+    // Made before the old one is let go: it may be that it can't be.
+    typename A::Value const child = validPtr(make<typename A::Target>(name));
     if (field) {
         field->parentIs(nullptr);
     }
-    typename A::Value const child = newChild<A>(entity, name);
+    takeChild<A>(entity, *child);
     // The old one goes when all is told: its end may run any code.
     typename A::Value const old = std::exchange(field, child);
     tellScalar<A>(entity);
-    return validPtr(child);
+    return child;
 }
 
 /// Lets the child go and hands it over; null if there is none.

@@ -47,6 +47,30 @@ class DynamicOwner : public testing::Test {
     Tree::Wrapper wrapper = Tree::wrapperOf(status);
 };
 
+TEST_F(DynamicOwner, ReplacedSingleChildEndsWhenAllIsTold) {
+    std::vector<std::string> log;
+    auto const first = heard(child(wrapper, "ovsdb", "first"));
+    first->onEnd = [&] { log.emplace_back("end"); };
+    auto const owner = heard(status);
+    owner->react = [&](Qor::AttributeId) { log.emplace_back("told"); };
+    child(wrapper, "ovsdb", "second");
+    EXPECT_EQ(log, (std::vector<std::string>{"told", "end"}));
+}
+
+TEST_F(DynamicOwner, SingleChildWhoseReplacementIsRefusedStays) {
+    auto const first = child(wrapper, "ovsdb", "first");
+    std::vector<Ptr<Qor::Dir>> nested{Qor::make<Qor::Dir>(Name("0"))};
+    for (int depth = 1; depth < 70; ++depth) {
+        auto const inner = Qor::make<Qor::Dir>(Name(std::to_string(depth).c_str()));
+        nested.back()->entryIs(inner->qorName(), inner);
+        nested.push_back(inner);
+    }
+    nested.back()->entryIs(status->qorName(), status);
+    EXPECT_THROW(child(wrapper, "ovsdb", "second"), Qor::RangeException);
+    EXPECT_EQ(wrapper->attributeOp(wrapper->attributeId("ovsdb"))->entity(), first);
+    EXPECT_EQ(first->parent(), status);
+}
+
 TEST_F(DynamicOwner, SingleChildThatAHandlerSetsAgainAtTheEndIsLeftWithoutAParent) {
     child(wrapper, "ovsdb", "db");
     auto const listener = heard(status);

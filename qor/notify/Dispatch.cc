@@ -2,6 +2,9 @@
 
 #include <qor/core/Expect.h>
 
+#include <memory>
+#include <new>
+
 namespace Qor {
 
 namespace {
@@ -28,10 +31,11 @@ void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, Telling const& te
     notifiee.qorDeleteRef();
 }
 
+using Snapshot = SnapshotIterator<ListRawGeneric>;
+
 // The walk ends where a handler throws, and goes on behind it.
-[[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, Telling const& telling,
-                               void const* key) {
-    SnapshotIterator<ListRawGeneric> snapshot(list);
+[[gnu::always_inline]] inline void tellEach(Snapshot& snapshot, AttributeId id,
+                                            Telling const& telling, void const* key) {
     while (snapshot) {
         try {
             telling.rest(snapshot, key);
@@ -43,6 +47,26 @@ void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, Telling const& te
             ++snapshot;
         }
     }
+}
+
+// What has changed must be told, memory or not: without any, the stack has the room.
+[[gnu::noinline, gnu::cold]] void tellMany(ListRawGeneric const& list, AttributeId id,
+                                           Telling const& telling, void const* key) {
+    using Place = Snapshot::T*;
+    std::unique_ptr<Place[]> const far(new (std::nothrow) Place[list.count()]);
+    auto* const room =
+        far ? far.get() : static_cast<Place*>(__builtin_alloca(list.count() * sizeof(Place)));
+    Snapshot snapshot(list, room);
+    tellEach(snapshot, id, telling, key);
+}
+
+[[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, Telling const& telling,
+                               void const* key) {
+    if (list.count() > Snapshot::ownRoom) [[unlikely]] {
+        return tellMany(list, id, telling, key);
+    }
+    Snapshot snapshot(list);
+    tellEach(snapshot, id, telling, key);
 }
 
 }  // namespace

@@ -18,7 +18,15 @@ void ListRawGeneric::link(Node& node) {
     node.qorListedIs(true);
 }
 
-bool ListRawGeneric::cut(Node& node) {
+bool ListRawGeneric::has(Node const& node) const noexcept {
+    Node const* at = head_;
+    while (at && at != &node) {
+        at = at->next_;
+    }
+    return at != nullptr;
+}
+
+bool ListRawGeneric::cut(Node& node) noexcept {
     Node* before = nullptr;
     Node* at = head_;
     while (at && at != &node) {
@@ -37,18 +45,20 @@ bool ListRawGeneric::cut(Node& node) {
 }
 
 void ListRawGeneric::unlink(Node& node) {
-    if (cut(node)) {
-        ++version_;
-        --count_;
+    if (has(node)) {
         node.qorListedIs(false);
+        leave(node);
     }
 }
 
-void ListRawGeneric::abandon(Node& node) {
+void ListRawGeneric::leave(Node& node) noexcept {
     if (cut(node)) {
-        node.qorListedIs(false);
+        ++version_;
+        --count_;
     }
 }
+
+void ListRawGeneric::abandon(Node& node) noexcept { cut(node); }
 
 void ListRawGeneric::deleteAll() noexcept {
     while (Node* const node = head_) {

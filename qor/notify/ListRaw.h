@@ -22,11 +22,15 @@ class QOR_EXPORT ListRawGeneric {
     U32 version() const noexcept { return version_; }
     /// Links a notifiee that is on no list, by the rule above.
     void link(Node& node);
-    /// Takes a notifiee off; nothing happens if it is not on this list.
+    /// Takes a notifiee off; nothing happens if it is not on this list. Raises std::bad_alloc, and
+    /// changes nothing, where a weak one would have to be watched for and can't be.
     void unlink(Node& node);
+    /// The same for one that is about to be linked elsewhere, or forgets its notifier: it counts as
+    /// listed until it is told otherwise.
+    void leave(Node& node) noexcept;
     /// Takes a notifiee off and leaves count and version as they are: what is marked for deletion
     /// is not to change any more, but must not lead to what is gone either.
-    void abandon(Node& node);
+    void abandon(Node& node) noexcept;
     /// The notifier ends: takes all notifiees off, and they forget it.
     void deleteAll() noexcept;
 
@@ -34,7 +38,8 @@ class QOR_EXPORT ListRawGeneric {
     static Node* next(Node const& node) noexcept { return node.next_; }
 
   private:
-    bool cut(Node& node);
+    bool has(Node const& node) const noexcept;
+    bool cut(Node& node) noexcept;
 
     U32 version_ = 0;
     U32 count_ = 0;

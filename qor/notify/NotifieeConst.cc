@@ -9,9 +9,36 @@ constinit NotifieeKind const PtrInterface::NotifieeConst::qorKind{};
 
 PtrInterface::NotifieeConst::NotifieeConst() = default;
 
+inline void PtrInterface::NotifieeConst::standIs(PtrInterface const* notifier, bool isWeak,
+                                                 bool isListed) {
+    if (isWeakReference_ || isWeak) {
+        standWeaklyIs(notifier, isWeak, isListed);
+        return;
+    }
+    notifier_ = notifier;
+    isListed_ = isListed;
+}
+
+// A weak notifiee that is on no list is watched for. To enter the watch may fail, and so it is
+// done before anything is changed; one that is on a list hears of the end through that.
+void PtrInterface::NotifieeConst::standWeaklyIs(PtrInterface const* notifier, bool isWeak,
+                                                bool isListed) {
+    PtrInterface const* const before = isWeakReference_ && !isListed_ ? notifier_ : nullptr;
+    PtrInterface const* const after = isWeak && !isListed ? notifier : nullptr;
+    if (after && after != before) {
+        weakWatchIs(*after, *this);
+    }
+    notifier_ = notifier;
+    isWeakReference_ = isWeak;
+    isListed_ = isListed;
+    if (before && after != before) {
+        weakWatchDel(*before, *this);
+    }
+}
+
 PtrInterface::NotifieeConst::~NotifieeConst() {
     activityIs(nullptr);
-    swapNotifier(nullptr);
+    swapNotifier(nullptr, isListed_);
 }
 
 void PtrInterface::NotifieeConst::hasNotificationActiveIs(bool hasNotificationActive) {
@@ -29,9 +56,7 @@ void PtrInterface::NotifieeConst::isRegisteredNotifieeIs(bool isRegisteredNotifi
 }
 
 void PtrInterface::NotifieeConst::qorListedIs(bool listed) const {
-    unwatch();
-    isListed_ = listed;
-    watch();
+    const_cast<NotifieeConst*>(this)->standIs(notifier_, isWeakReference_, listed);
 }
 
 void PtrInterface::NotifieeConst::qor_bitSetIs(Qor_BitSet bits) { bits_ = bits; }
@@ -39,16 +64,14 @@ void PtrInterface::NotifieeConst::qor_bitSetIs(Qor_BitSet bits) { bits_ = bits; 
 String8 PtrInterface::NotifieeConst::name() const { return {}; }
 
 void PtrInterface::NotifieeConst::notifierIs(Qor::Ptr<PtrInterface const> const& notifier) {
-    swapNotifier(notifier.ptr());
+    if (notifier.ptr() != notifier_) {
+        swapNotifier(notifier.ptr(), isListed_);
+    }
 }
 
-void PtrInterface::NotifieeConst::swapNotifier(PtrInterface const* notifier) {
-    if (notifier == notifier_) {
-        return;
-    }
-    unwatch();
-    PtrInterface const* const old = std::exchange(notifier_, notifier);
-    watch();
+void PtrInterface::NotifieeConst::swapNotifier(PtrInterface const* notifier, bool isListed) {
+    PtrInterface const* const old = notifier_;
+    standIs(notifier, isWeakReference_, isListed);
     if (isWeakReference_) {
         return;
     }
@@ -64,9 +87,7 @@ void PtrInterface::NotifieeConst::isWeakReferenceIs(bool isWeakReference) {
     if (isWeakReference_ == isWeakReference) {
         return;
     }
-    unwatch();
-    isWeakReference_ = isWeakReference;
-    watch();
+    standIs(notifier_, isWeakReference, isListed_);
     if (!notifier_) {
         return;
     }
@@ -74,23 +95,6 @@ void PtrInterface::NotifieeConst::isWeakReferenceIs(bool isWeakReference) {
         notifier_->qorDeleteRef();
     } else {
         notifier_->qorNewRef();
-    }
-}
-
-// A weak notifiee that is on a list hears of the end through the list.
-bool PtrInterface::NotifieeConst::onlyWatches() const noexcept {
-    return notifier_ && isWeakReference_ && !isListed_;
-}
-
-void PtrInterface::NotifieeConst::watch() const {
-    if (onlyWatches()) {
-        weakWatchIs(*notifier_, *this);
-    }
-}
-
-void PtrInterface::NotifieeConst::unwatch() const {
-    if (onlyWatches()) {
-        weakWatchDel(*notifier_, *this);
     }
 }
 

@@ -54,7 +54,9 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     virtual void qor_bitSetIs(Qor_BitSet bits);
     /// The name of the notifier, empty without one.
     virtual String8 name() const;
-    /// Attaches to a notifier or, with null, detaches.
+    /// Attaches to a notifier or, with null, detaches. As isRegisteredNotifieeIs and
+    /// isWeakReferenceIs it raises std::bad_alloc, and changes nothing, where it would leave the
+    /// notifiee weak and on no list, and there is no memory.
     virtual void notifierIs(Qor::Ptr<PtrInterface const> const& notifier);
 
     /// The activity's turn: delivers what is pending.
@@ -110,6 +112,7 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
 
     /// Whether it stands on its notifier's list; told by the list's users.
     bool qorIsListed() const noexcept { return isListed_; }
+    /// Raises std::bad_alloc, and changes nothing, when it would have to be watched for and can't.
     void qorListedIs(bool listed) const;
     /// The notifier ends: it is forgotten. What holds it by a reference is concerned as well, if
     /// the reference was taken when the end had begun already.
@@ -122,7 +125,7 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     Qor_BitSet& qorState() noexcept { return bits_; }
     void isRegisteredFlagIs(bool on) const noexcept { isRegisteredNotifiee_ = on; }
     /// Swaps the notifier, with a counted reference unless weak.
-    void swapNotifier(PtrInterface const* notifier);
+    void swapNotifier(PtrInterface const* notifier, bool isListed);
     /// Its first notifier, held weakly. REQUIRES: it stands on that notifier's list
     void weakNotifierIs(PtrInterface const& notifier) noexcept {
         isWeakReference_ = true;
@@ -130,9 +133,9 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     }
 
   private:
-    bool onlyWatches() const noexcept;
-    void watch() const;
-    void unwatch() const;
+    // Where it stands towards which notifier; the second, when it is weak before or after.
+    void standIs(PtrInterface const* notifier, bool isWeak, bool isListed);
+    void standWeaklyIs(PtrInterface const* notifier, bool isWeak, bool isListed);
 
     I32 pendingAttribute_ = nothingPending;
     PtrInterface const* notifier_ = nullptr;

@@ -12,13 +12,14 @@ class RootNotifiee : public Entity::NotifieeConst {
   public:
     ~RootNotifiee() override {
         E const* const entity = rawEntity();
-        if (!entity || !isRegisteredNotifiee()) {
+        if (!entity || !qorIsListed()) {
             return;
         }
+        // It goes on counting as listed: nobody has to watch for it any more.
         if (entity->qorMarkedForDeletion()) {
             entity->notifierList().abandon(*this);
         } else {
-            entity->notifierList().unlink(*this);
+            entity->notifierList().leave(*this);
         }
     }
 
@@ -27,10 +28,10 @@ class RootNotifiee : public Entity::NotifieeConst {
         if (isRegistered == isRegisteredNotifiee()) {
             return;
         }
-        isRegisteredFlagIs(isRegistered);
         if (E const* const entity = rawEntity()) {
             placeOn(*entity, isRegistered);
         }
+        isRegisteredFlagIs(isRegistered);
     }
 
     String8 name() const override {
@@ -47,12 +48,14 @@ class RootNotifiee : public Entity::NotifieeConst {
         if (old == fresh) {
             return;
         }
-        if (old && qorIsListed()) {
-            placeOn(*old, false);
+        bool const wasListed = qorIsListed();
+        bool const willBeListed = fresh && isRegisteredNotifiee();
+        swapNotifier(fresh, willBeListed);
+        if (wasListed) {
+            old->notifierList().leave(*this);
         }
-        swapNotifier(fresh);
-        if (fresh && isRegisteredNotifiee()) {
-            placeOn(*fresh, true);
+        if (willBeListed) {
+            fresh->notifierList().link(*this);
         }
     }
 
@@ -70,8 +73,9 @@ class RootNotifiee : public Entity::NotifieeConst {
         auto& self = const_cast<RootNotifiee&>(*this);
         if (listed) {
             entity.notifierList().link(self);
-        } else {
-            entity.notifierList().unlink(self);
+        } else if (qorIsListed()) {
+            qorListedIs(false);
+            entity.notifierList().leave(self);
         }
     }
 };

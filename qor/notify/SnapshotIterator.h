@@ -1,11 +1,9 @@
 // A walk over a notifier's list as it stood at the beginning: each notifiee of that moment is held
 // by a counted reference until it has been served. One that only the walk keeps alive has left in
-// the meantime, and is passed over. Up to sixteen notifiees need no memory of their own.
+// the meantime, and is passed over. Up to sixteen notifiees need no room but the walk's own; who
+// walks over more brings it.
 #ifndef QOR_NOTIFY_SNAPSHOT_ITERATOR_H
 #define QOR_NOTIFY_SNAPSHOT_ITERATOR_H
-
-#include <array>
-#include <memory>
 
 #include <qor/notify/ListRaw.h>
 
@@ -67,13 +65,13 @@ template <class List>
 class SnapshotIterator : public SnapshotRest<typename List::Member> {
   public:
     using T = typename List::Member;
+    static constexpr U32 ownRoom = 16;
 
-    explicit SnapshotIterator(List const& list) {
-        at_ = near_.data();
-        if (list.count() > near_.size()) [[unlikely]] {
-            far_ = std::make_unique_for_overwrite<T*[]>(list.count());
-            at_ = far_.get();
-        }
+    /// REQUIRES: list.count() <= ownRoom
+    explicit SnapshotIterator(List const& list) : SnapshotIterator(list, near_) {}
+    /// `room` takes list.count() notifiees, and outlives this.
+    SnapshotIterator(List const& list, T** room) {
+        at_ = room;
         end_ = isSingleThreaded() ? fill<true>(list) : fill<false>(list);
     }
     ~SnapshotIterator() {
@@ -108,8 +106,7 @@ class SnapshotIterator : public SnapshotRest<typename List::Member> {
         return end;
     }
 
-    std::array<T*, 16> near_;  // as it comes: only what lies between at_ and end_ is meant
-    std::unique_ptr<T*[]> far_;
+    T* near_[ownRoom];  // as it comes: only what lies between at_ and end_ is meant
 };
 
 }  // namespace Qor

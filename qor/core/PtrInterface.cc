@@ -1,5 +1,7 @@
 #include <qor/core/PtrInterface.h>
 
+#include <qor/core/Assert.h>
+
 namespace Qor {
 
 constinit std::atomic<PtrInterface::WeakWatchersEnd> PtrInterface::weakWatchersEnd{nullptr};
@@ -34,8 +36,10 @@ U32 PtrInterface::qorAuditErrors(unsigned int level) const { return auditErrors(
 
 U32 PtrInterface::auditErrors(unsigned int) const { return 0; }
 
-// The byte leaves no room to remember whether there are weak watchers. What can end again is taken
-// to have some if anything ever had: asking in vain is all that this may cost.
+// The byte stands in the place of the marks and of the count's upper five bits: more references
+// than the rest can hold would be forgotten, and the object end under those who hold it. Nor does
+// it leave room to remember whether there are weak watchers. What can end again is taken to have
+// some if anything ever had: asking in vain is all that this may cost.
 void PtrInterface::isNondestructingIs(bool isNondestructing) {
     bool const watched = weakWatchersEnd.load(std::memory_order_relaxed) != nullptr;
     U32 const whenCounted = watched ? weaklyWatchedBit : 0;
@@ -45,7 +49,10 @@ void PtrInterface::isNondestructingIs(bool isNondestructing) {
         if (((now >> 24) == nondestructingByte) == isNondestructing) {
             return;
         }
-        next = (now & 0x00FFFFFF) | (isNondestructing ? nondestructingByte << 24 : whenCounted);
+        assertThat(!isNondestructing || (now & refsMask) <= mostNondestructing,
+                   "fewer than 0x1000000 references", "Qor/PtrInterface", __LINE__, __func__);
+        next = (now & mostNondestructing) |
+               (isNondestructing ? nondestructingByte << 24 : whenCounted);
     } while (!word_.compare_exchange_weak(now, next, std::memory_order_relaxed));
 }
 

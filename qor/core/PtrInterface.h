@@ -36,6 +36,8 @@ class QOR_EXPORT PtrInterface {
     virtual U32 auditErrors(unsigned int level) const;
     /// Switches counting off or on. Switched on again, the count continues from where it stood when
     /// it was switched off: references taken in between must have been given up in between.
+    /// Beside what says that it is off there is no room for more than 24 bits of the count.
+    /// REQUIRES: fewer than 0x1000000 references
     virtual void isNondestructingIs(bool isNondestructing);
     /// Called once with true when the last reference has gone.
     virtual void zeroReferencesIs(bool zeroReferences);
@@ -120,6 +122,7 @@ class QOR_EXPORT PtrInterface {
     static constexpr U32 endingBit = 0x40000000;
     static constexpr U32 markedBit = 0x80000000;
     static constexpr U32 nondestructingByte = 0x1F;
+    static constexpr U32 mostNondestructing = 0x00FFFFFF;  // references that are remembered
 
   private:
     // From here on the word bears marks or is that of a non-destructing object.

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+
 namespace {
 
 using Qor::PtrInterface;
@@ -127,6 +131,30 @@ TEST(CountWord, CountContinuesWhereNondestructingBegan) {
     EXPECT_EQ(Counted::living, 1);
     kept = nullptr;
     EXPECT_EQ(Counted::living, 0);
+}
+
+TEST(CountWord, NondestructingObjectRemembersTwentyFourBitsOfItsCount) {
+    auto* const object = new Counted;
+    while (object->qorRefs() < 0xFFFFFF) object->qorNewRef();
+    object->isNondestructingIs(true);
+    object->isNondestructingIs(false);
+    EXPECT_EQ(object->qorRefs(), 0xFFFFFFU);
+    while (object->qorRefs() > 1) object->qorDeleteRef();
+    object->qorDeleteRef();
+    EXPECT_EQ(Counted::living, 0);
+}
+
+TEST(CountWordDeathTest, ObjectWithMoreReferencesThanItCouldRememberStaysDestructing) {
+    auto const run = [] {
+        auto* const object = new Counted;
+        while (object->qorRefs() < 0x1000000) object->qorNewRef();
+        object->isNondestructingIs(true);
+        object->isNondestructingIs(false);
+        std::fprintf(stderr, "%u references left", object->qorRefs());
+        std::abort();
+    };
+    EXPECT_EXIT(run(), testing::KilledBySignal(SIGABRT),
+                "Assertion 'fewer than 0x1000000 references' failed");
 }
 
 TEST(CountWord, WatchingLeavesANondestructingObjectNondestructing) {

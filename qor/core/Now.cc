@@ -20,8 +20,9 @@ struct Replacement {
     std::shared_ptr<Clock const> clock;
 };
 
+// Never destroyed: what ends with the process may read the clock.
 Replacement& replacement() {
-    static Replacement instance;
+    static Replacement& instance = *new Replacement;
     return instance;
 }
 
@@ -45,11 +46,12 @@ Seconds now() {
 }
 
 void nowIs(Clock clock) {
-    auto const next = clock ? std::make_shared<Clock const>(std::move(clock)) : nullptr;
+    // What the clock before held goes behind the lock: its end may read the clock.
+    auto swapped = clock ? std::make_shared<Clock const>(std::move(clock)) : nullptr;
     auto& place = replacement();
     std::lock_guard const lock(place.mutex);
-    place.clock = next;
-    isReplaced.store(next != nullptr, std::memory_order_release);
+    place.clock.swap(swapped);
+    isReplaced.store(place.clock != nullptr, std::memory_order_release);
 }
 
 }  // namespace Qor

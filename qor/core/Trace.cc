@@ -16,12 +16,12 @@ namespace Qor {
 
 std::ostream* coverageStream_ = nullptr;
 
-// All handles alive and what was said about names. Handles reach it first in their constructor, so
-// it outlives them.
+// All handles alive and what was said about names. Never destroyed: what ends with the process may
+// trace.
 class TraceRegistry {
   public:
     static TraceRegistry& instance() {
-        static TraceRegistry registry;
+        static TraceRegistry& registry = *new TraceRegistry;
         return registry;
     }
 
@@ -49,9 +49,10 @@ class TraceRegistry {
     }
 
     void sinkIs(TraceSink sink) {
-        auto const next = sink ? std::make_shared<TraceSink const>(std::move(sink)) : nullptr;
+        // What the sink before held goes behind the lock: its end may trace.
+        auto swapped = sink ? std::make_shared<TraceSink const>(std::move(sink)) : nullptr;
         std::lock_guard const lock(mutex_);
-        sink_ = next;
+        sink_.swap(swapped);
     }
 
     std::shared_ptr<TraceSink const> sink() {

@@ -135,7 +135,8 @@ void PtrInterface::NotifieeConst::handleNotificationException(AttributeId) {
 
 // The exception ends here; who wants to see it switches the trace on.
 void PtrInterface::NotifieeConst::handleNotificationException() {
-    static TraceHandle handle("Qor", false);
+    // Never destroyed: handlers may throw while the process ends.
+    static TraceHandle const& handle = *new TraceHandle("Qor", false);
     trace(handle, 1, "Qor/Notify", __LINE__, "handleNotificationException", [](std::ostream& out) {
         try {
             throw;

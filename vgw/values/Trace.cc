@@ -3,7 +3,8 @@
 namespace Vgw {
 
 Qor::TraceHandle const& traceHandle() {
-    static Qor::TraceHandle const handle("Vgw", false);
+    // Never destroyed: rows that end with the process may trace.
+    static Qor::TraceHandle const& handle = *new Qor::TraceHandle("Vgw", false);
     return handle;
 }
 

@@ -10,7 +10,7 @@ namespace Vgw {
 inline constexpr char const* ovsdbDataTypesUnit = "OvsdbDataTypes";
 inline constexpr char const* vgwTypesUnit = "VgwTypes";
 
-/// Built on first use, kept until the library unloads.
+/// Built on first use, kept as long as the process.
 Qor::TraceHandle const& traceHandle();
 
 /// The statement on entry: level 5, the text is the function's signature.

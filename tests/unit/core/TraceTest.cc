@@ -3,10 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <thread>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -153,6 +158,41 @@ TEST_F(Trace, SinkMayTraceAndReplaceItself) {
     EXPECT_EQ(calls, 1);
     ASSERT_EQ(records_.size(), 1U);
     EXPECT_EQ(records_[0].level, 6);
+}
+
+void lastStatement(TraceHandle const& handle) {
+    Qor::trace(handle, 5, "VgwTypes", 7, "end", [](std::ostream& text) { text << "last"; });
+}
+
+TEST(TraceDeathTest, StatementMayRunWhileTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    struct Sink {
+        ~Sink() { name = "gone"; }
+        char const* name = "sink";
+    };
+    auto const run = [] {
+        std::atexit([] { lastStatement(TraceHandle("trace.end", true)); });
+        Qor::traceSinkIs([sink = std::make_shared<Sink>()](TraceRecord const& record) {
+            std::fprintf(stderr, "%s: %s", sink->name, record.text.charPtr());
+        });
+        std::exit(0);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "sink: last");
+}
+
+TEST(TraceDeathTest, WhatAReplacedSinkHeldMayTraceAtItsEnd) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    struct Tracing {
+        ~Tracing() { lastStatement(handle); }
+        TraceHandle handle{"trace.held", true};
+    };
+    auto const run = [] {
+        alarm(10);
+        Qor::traceSinkIs([held = std::make_shared<Tracing>()](TraceRecord const&) {});
+        Qor::traceSinkIs({});
+        std::exit(0);
+    };
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "trace.held\\[5\\] .*: last");
 }
 
 TEST_F(Trace, HandlesComeAndGoOnManyThreads) {

@@ -2,9 +2,11 @@
 
 #include <qor/core/Exception.h>
 #include <qor/core/Expect.h>
+#include <qor/core/Trace.h>
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <stdexcept>
 
 using namespace Sample;
@@ -133,6 +135,32 @@ TEST_F(DispatchException, LeavesTheExpectationsOfTheCaller) {
     port->speedIs(10);
     EXPECT_TRUE(within);
     EXPECT_TRUE(Qor::Expect::isExpected(Qor::Exception::rangeId));
+}
+
+struct RefusingSpeed : Port::NotifieeConst {
+    void onSpeed() override { throw std::runtime_error("refused"); }
+};
+
+Port* lasting = nullptr;
+
+// What is registered before the first use of a static runs after that static's end.
+TEST(DispatchExceptionDeathTest, HandlerMayThrowWhileTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const run = [] {
+        std::atexit([] {
+            std::vector<Qor::String8> const reused(50, Qor::String8("XYZ"));
+            Qor::Ptr<Qor::Entity> const others[] = {Qor::make<Port>("XYZ"), Qor::make<Port>("UVW")};
+            lasting->speedIs(2);
+        });
+        Qor::traceLevelIs("Qor", 1, true);
+        lasting = Qor::make<Port>("ethernet1").release();
+        auto const refusing = Qor::make<RefusingSpeed>();
+        refusing->notifierIs(Qor::Ptr<Port>(lasting));
+        lasting->speedIs(1);
+        std::exit(0);
+    };
+    auto const line = "Qor\\[1\\] Qor/Notify:.*a handler threw: refused\n";
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), std::string(line) + line);
 }
 
 }  // namespace

@@ -230,4 +230,21 @@ TEST(RowDestruction, LastReferenceThatGoesInAHandlerEndsTheRowBehindTheSetter) {
     EXPECT_EQ(held->qorRefs(), 1U);
 }
 
+// What is registered before the first use of a static runs after that static's end.
+TEST(ClearDeathTest, DatabaseMayBeClearedWhileTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    auto const run = [] {
+        std::atexit([] {
+            std::vector<Qor::String8> const reused(50, Qor::String8("XYZ"));
+            Qor::Ptr<Vgw::HwVtepOvsdb> const other = Qor::make<Vgw::HwVtepOvsdb>("XYZ");
+            Qor::make<Vgw::HwVtepOvsdb>("db")->clear();
+        });
+        Qor::traceLevelIs("Vgw", 5, true);
+        Qor::make<Vgw::HwVtepOvsdb>("db")->clear();
+        std::exit(0);
+    };
+    auto const line = std::string("Vgw\\[5\\] [^\n]*clear[^\n]*\n");
+    EXPECT_EXIT(run(), testing::ExitedWithCode(0), "^" + line + line + "$");
+}
+
 }  // namespace

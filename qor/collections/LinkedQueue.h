@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
+#include <memory>
 #include <utility>
 
 #include <qor/core/Assert.h>
@@ -51,12 +52,13 @@ class LinkedQueue {
     };
 
     LinkedQueue() = default;
-    LinkedQueue(std::initializer_list<T> values) {
+    // Both by the empty queue, so that what was put in goes when an element can't be copied.
+    LinkedQueue(std::initializer_list<T> values) : LinkedQueue() {
         for (T const& value : values) {
             enq(value);
         }
     }
-    LinkedQueue(LinkedQueue const& other) {
+    LinkedQueue(LinkedQueue const& other) : LinkedQueue() {
         for (T const& value : other) {
             enq(value);
         }
@@ -82,14 +84,12 @@ class LinkedQueue {
     T deq() {
         assertThat(head_ != nullptr, "the queue is not empty", "Qor/LinkedQueue", __LINE__,
                    __func__);
-        Node* const node = std::exchange(head_, head_->next);
+        std::unique_ptr<Node> const node(std::exchange(head_, head_->next));
         if (!head_) {
             tail_ = nullptr;
         }
         --size_;
-        T value = std::move(node->value);
-        delete node;
-        return value;
+        return std::move(node->value);
     }
     U32 size() const noexcept { return size_; }
     bool isEmpty() const noexcept { return head_ == nullptr; }

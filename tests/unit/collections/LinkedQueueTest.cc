@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -69,6 +70,38 @@ TEST(LinkedQueue, IteratorOutlivesTheComingOfOthers) {
     EXPECT_EQ(*++at, "b");
     EXPECT_FALSE(++at);
     EXPECT_FALSE(Queue::Iterator());
+}
+
+// An element whose copies are counted and, after some, refused.
+struct Rare {
+    explicit Rare(int& living) : living_(&living) { ++*living_; }
+    Rare(Rare const& other) : living_(other.living_) {
+        if (left == 0) throw std::runtime_error("no more copies");
+        --left;
+        ++*living_;
+    }
+    ~Rare() { --*living_; }
+    static inline int left = 0;
+
+  private:
+    int* living_;
+};
+
+TEST(LinkedQueue, CopyThatCantBeCompletedLeavesNothingBehind) {
+    int living = 0;
+    {
+        Qor::LinkedQueue<Rare> queue;
+        Rare::left = 6;  // into the argument, and into the queue
+        for (int i = 0; i < 3; ++i) queue.enq(Rare(living));
+        ASSERT_EQ(living, 3);
+        Rare::left = 5;
+        EXPECT_THROW(Qor::LinkedQueue<Rare>{queue}, std::runtime_error);
+        EXPECT_EQ(living, 3);
+    }
+    Rare const one(living);
+    Rare::left = 6;  // three into the list
+    EXPECT_THROW((Qor::LinkedQueue<Rare>{one, one, one}), std::runtime_error);
+    EXPECT_EQ(living, 1);
 }
 
 TEST(LinkedQueue, LongOneEndsWithoutRecursion) {

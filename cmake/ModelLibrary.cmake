@@ -10,7 +10,8 @@
 #   qor_model_sources(<name> MODEL <file>... [OUT <folder>] [IMPORTS <folder>...])
 #
 # Only the sources: sets <name>_VALUES, <name>_ENTITIES and <name>_REGISTRY to the .cc files of each sort, <name>_DIR to the folder that their
-# headers are included from, and adds the target <name>, which makes them.
+# headers are included from, and adds the target <name>, which makes them. A library that they are linked into has to stay in memory once it
+# was loaded (-z nodelete).
 
 function(qor_model_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TYPE" "MODEL;IMPORTS;LINKS")
@@ -27,6 +28,8 @@ function(qor_model_library target)
         set(arg_LINKS Vgw::Qor)
     endif()
     target_link_libraries(${target} PUBLIC ${arg_LINKS})
+    # The records of its types live as long as the process, and so must the code that they call: what it is linked into stays.
+    target_link_options(${target} PUBLIC -Wl,-z,nodelete)
 endfunction()
 
 function(qor_model_sources name)

@@ -88,8 +88,9 @@ class SessionsTest(serve_case.ServeCase):
     def test_what_an_older_schema_lacks_is_told(self):
         older = schema_without_statistics()
         client = self.client(self.agent(self.server(older, name="older")), "/vgw")
-        client.await_value("true", "get", "/vgw/database", "inStep")
         client.await_that(lambda: "vlan_stats" in client.ask("list", "/vgw/database", "complaint"), "the column is told")
+        self.assertIn("vlan_stats", client.ask("get", "/vgw/database", "reason"))
+        self.assertEqual(client.ask("get", "/vgw/database", "inStep"), "false")
 
 
 def schema_without_statistics():

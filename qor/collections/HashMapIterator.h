@@ -49,6 +49,28 @@ struct MetTies<Member, true> {
     U32 version = 0;
 };
 
+// What is kept of a walk that is left, beside the key that it stands on: of keys that tie those of
+// the tie that it has met. A member that has gone and come back stands behind them all, so neither
+// the place of a key in its tie nor whether the key is there says how far the walk was.
+template <class Key, bool hasTies>
+struct MetKeys {};
+
+template <class Key>
+struct MetKeys<Key, true> {
+    /// `hint` is where it is looked for first, and then the place behind: who asks for the keys in
+    /// their order finds each at once.
+    bool contains(Key const& key, std::size_t& hint) const {
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            std::size_t const at = (hint + i) % keys.size();
+            if (keys[at] != key) continue;
+            hint = at + 1;
+            return true;
+        }
+        return false;
+    }
+    std::vector<Key> keys;
+};
+
 template <class Member, class Key>
 class HashMap<Member, Key>::IteratorConst : private MapWalker {
   public:
@@ -63,6 +85,10 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
             meetTiesBefore(start);
             stand(start);
         }
+    }
+    /// Goes on with a walk that was left where it stood on `key`. REQUIRES: keys that tie
+    IteratorConst(Map const* map, Key const& key, MetKeys<Key, true> const& met) : MapWalker(map) {
+        goOnInTie(KeyTraits::hash(key), met);
     }
     IteratorConst(IteratorConst const&) = default;
     IteratorConst& operator=(IteratorConst const&) = default;
@@ -84,6 +110,12 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     }
     /// A copy: the member it stems from may go in the step that follows.
     Key key() const { return stood()->fwkKey(); }
+    /// What it takes to go on later, beside key(). REQUIRES: keys that tie
+    MetKeys<Key, true> metKeys() const {
+        MetKeys<Key, true> met;
+        for (auto const& member : ties_.members) met.keys.push_back(member->fwkKey());
+        return met;
+    }
 
     IteratorConst& operator++() {
         advance();
@@ -177,6 +209,19 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
             at = at->fwkHmNext();
         }
         return at && at->fwkHash() == hash ? at : nullptr;
+    }
+    // What came meanwhile stands at the tie's end, so the first that was not met comes next.
+    void goOnInTie(U32 hash, MetKeys<Key, true> const& met) {
+        Member* at = tieHead(hash);
+        for (std::size_t hint = 0; isTied(at, hash) && met.contains(at->fwkKey(), hint);) {
+            ties_.members.emplace_back(std::exchange(at, at->fwkHmNext()));
+        }
+        if (!isTied(at, hash)) ties_.members.clear();
+        auto bucket = static_cast<I32>(map()->bucketIndex(hash));
+        arrive(at ? at : static_cast<Member*>(map()->findNextBucketG(&bucket)));
+    }
+    static bool isTied(Member const* member, U32 hash) {
+        return member && member->fwkHash() == hash;
     }
     void meetTiesBefore(Member* start) {
         if constexpr (KeyTraits::hasTies) {

@@ -1,6 +1,7 @@
 // The walk over a collection: the whole of it as a snapshot between two markers, then the keys that
 // have become dirty meanwhile. It stops between keys, remembers its place by key and not by
-// position, and so survives whatever happens to the collection between two turns.
+// position, and so survives whatever happens to the collection between two turns. Among keys that
+// tie it remembers those that it has sent as well.
 #ifndef QOR_ATTRLOG_FAMILY_COLLECTIONOUT_H
 #define QOR_ATTRLOG_FAMILY_COLLECTIONOUT_H
 
@@ -117,8 +118,7 @@ class CollectionOut {
     std::optional<bool> walk() {
         bool const goesOn = flow_->bookmark() != nullptr;
         if (!goesOn) beginSnapshot<S>(adapter_);
-        Walk at =
-            goesOn ? Walk(&map_, NboAttrLog::qorFlowOutBookmarkDeq<Key>(*flow_)) : Walk(&map_);
+        Walk at = goesOn ? walkFromBookmark() : Walk(&map_);
         while (at) {
             if constexpr (S::kind == StreamKind::entry) askForNext(at);
             Key const key = at.key();
@@ -132,6 +132,17 @@ class CollectionOut {
             if (leaves) return leaveAt(at);
         }
         return std::nullopt;
+    }
+
+    /// A key that has gone, or has come back, since the walk stood on it was told by itself. Those
+    /// that tie with it and were still to come have not changed, and stand in front of it then.
+    Walk walkFromBookmark() {
+        Key const key = NboAttrLog::qorFlowOutBookmarkDeq<Key>(*flow_);
+        if constexpr (Map::KeyTraits::hasTies) {
+            return Walk(&map_, key, std::exchange(flow_->template metKeys<S>(), {}));
+        } else {
+            return Walk(&map_, key);
+        }
     }
 
     /// Entries lie anywhere in memory: while one is sent, that of the next two comes.
@@ -161,6 +172,7 @@ class CollectionOut {
     bool leaveAt(Walk const& at) {
         if (at) {
             NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());
+            if constexpr (Map::KeyTraits::hasTies) flow_->template metKeys<S>() = at.metKeys();
             return false;
         }
         if constexpr (S::kind == StreamKind::textMember) {

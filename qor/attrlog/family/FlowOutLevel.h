@@ -46,13 +46,20 @@ namespace family {
 
 struct NoKeys {};
 
+/// Of one collection: the keys that are owed, and what a bookmark among keys that tie needs.
+template <class K>
+struct OwedKeys {
+    DirtyKeyMap<K> dirty;
+    [[no_unique_address]] MetKeys<K, HashMapKey<K>::hasTies> met;
+};
+
 template <class S, bool isKeyed>
 struct DirtyKeysOf {
     using Type = NoKeys;
 };
 template <class S>
 struct DirtyKeysOf<S, true> {
-    using Type = DirtyKeyMap<typename S::Key>;
+    using Type = OwedKeys<typename S::Key>;
 };
 
 template <class List>
@@ -115,11 +122,16 @@ class FlowOutLevel : public Base {
     }
     template <class S>
     DirtyKeyMap<typename S::Key>& dirtyKeys() noexcept {
-        return std::get<List::template indexOf<S>()>(dirtyKeys_);
+        return std::get<List::template indexOf<S>()>(owedKeys_).dirty;
     }
     template <class S>
     DirtyKeyMap<typename S::Key> const& dirtyKeys() const noexcept {
-        return std::get<List::template indexOf<S>()>(dirtyKeys_);
+        return std::get<List::template indexOf<S>()>(owedKeys_).dirty;
+    }
+    /// Where the bookmark stands in the collection: the keys of its tie that went before.
+    template <class S>
+    MetKeys<typename S::Key, true>& metKeys() noexcept {
+        return std::get<List::template indexOf<S>()>(owedKeys_).met;
     }
     template <class S>
     Ptr<DirtyKey<typename S::Key>> newDirtyKey(typename S::Key const& key, bool dirty) {
@@ -162,7 +174,7 @@ class FlowOutLevel : public Base {
     }
 
     std::array<U32, List::size / 32 + 1> bits_{};
-    [[no_unique_address]] typename family::DirtyKeysOfAll<List>::Type dirtyKeys_;
+    [[no_unique_address]] typename family::DirtyKeysOfAll<List>::Type owedKeys_;
 };
 
 }  // namespace Qor

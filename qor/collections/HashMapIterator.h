@@ -53,7 +53,9 @@ struct MetTies<Member, true> {
 // the tie that it has met. A member that has gone and come back stands behind them all, so neither
 // the place of a key in its tie nor whether the key is there says how far the walk was.
 template <class Key, bool hasTies>
-struct MetKeys {};
+struct MetKeys {
+    bool contains(Key const&, std::size_t&) const { return false; }
+};
 
 template <class Key>
 struct MetKeys<Key, true> {
@@ -86,8 +88,10 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
             stand(start);
         }
     }
-    /// Goes on with a walk that was left where it stood on `key`. REQUIRES: keys that tie
-    IteratorConst(Map const* map, Key const& key, MetKeys<Key, true> const& met) : MapWalker(map) {
+    /// Goes on with a walk that was left where it stood on `key`. Where nothing was met it begins
+    /// at the first member that has the hash of `key`, or at the next in the order.
+    IteratorConst(Map const* map, Key const& key, MetKeys<Key, KeyTraits::hasTies> const& met)
+        : MapWalker(map) {
         goOnInTie(KeyTraits::hash(key), met);
     }
     IteratorConst(IteratorConst const&) = default;
@@ -211,12 +215,14 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
         return at && at->fwkHash() == hash ? at : nullptr;
     }
     // What came meanwhile stands at the tie's end, so the first that was not met comes next.
-    void goOnInTie(U32 hash, MetKeys<Key, true> const& met) {
+    void goOnInTie(U32 hash, MetKeys<Key, KeyTraits::hasTies> const& met) {
         Member* at = tieHead(hash);
-        for (std::size_t hint = 0; isTied(at, hash) && met.contains(at->fwkKey(), hint);) {
-            ties_.members.emplace_back(std::exchange(at, at->fwkHmNext()));
+        if constexpr (KeyTraits::hasTies) {
+            for (std::size_t hint = 0; isTied(at, hash) && met.contains(at->fwkKey(), hint);) {
+                ties_.members.emplace_back(std::exchange(at, at->fwkHmNext()));
+            }
+            if (!isTied(at, hash)) ties_.members.clear();
         }
-        if (!isTied(at, hash)) ties_.members.clear();
         auto bucket = static_cast<I32>(map()->bucketIndex(hash));
         arrive(at ? at : static_cast<Member*>(map()->findNextBucketG(&bucket)));
     }

@@ -43,7 +43,11 @@ bool AnyValue::operator==(AnyValue const& other) const {
 }
 
 bool AnyValue::operator<(AnyValue const& other) const {
-    return steps_ && steps_ == other.steps_ && steps_->less(address(), other.address());
+    if (!steps_ || steps_ != other.steps_) return false;
+    if (steps_->less(address(), other.address())) return true;
+    bool const isUndecided =
+        !steps_->equal(address(), other.address()) && !steps_->less(other.address(), address());
+    return isUndecided && steps_->text(address()) < steps_->text(other.address());
 }
 
 Ptr<NboAttrLog::Out> const& operator<<(Ptr<NboAttrLog::Out> const& out, AnyValue const& value) {

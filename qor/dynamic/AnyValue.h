@@ -61,6 +61,8 @@ class QOR_EXPORT AnyValue {
     GenericIf::Ptr wrapped(bool isConst) const;
 
     bool operator==(AnyValue const& other) const;
+    /// Where their type's order leaves two values undecided, that of their texts decides: so no two
+    /// keys of a described collection tie.
     bool operator<(AnyValue const& other) const;
 
   private:

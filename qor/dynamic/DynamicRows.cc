@@ -49,8 +49,8 @@ struct MembersWalk : WalkSteps<DynamicReferenceAttr> {
     static GenericIf::Ptr value(void const* iterator, bool isConst) {
         return wrappedTarget(held(iterator).at.value(), isConst);
     }
-    static constexpr GenericWalk walk{&atStart, &atKey, &MembersWalk::value, &key, &step, &clone,
-                                      &isThere, &end};
+    static constexpr GenericWalk walk{&atStart, &atKey,   &atHash, &MembersWalk::value, &key, &step,
+                                      &clone,   &isThere, &end};
 };
 
 struct ChildMemberSteps {

@@ -38,6 +38,12 @@ GenericIf::AttributeIteratorConst DynamicEntity::GenericIf_::attributeIteratorKe
     return EntityWrapper::attributeIteratorKeyConst(id, key);
 }
 
+GenericIf::AttributeIteratorConst DynamicEntity::GenericIf_::attributeIteratorHashConst(
+    AttributeId id, PtrConst const& key) {
+    DynamicScope const at = scope(id);
+    return EntityWrapper::attributeIteratorHashConst(id, key);
+}
+
 GenericIf::Ptr DynamicEntity::GenericIf_::attributeIterator_iterObj(
     AttributeIteratorConst const& iterator) {
     DynamicScope const at = scope(iterator.id());

@@ -34,6 +34,7 @@ class QOR_EXPORT DynamicEntity::GenericIf_ : public EntityWrapper<DynamicEntity,
 
     AttributeIteratorConst attributeIteratorConst(AttributeId id) override;
     AttributeIteratorConst attributeIteratorKeyConst(AttributeId id, PtrConst const& key) override;
+    AttributeIteratorConst attributeIteratorHashConst(AttributeId id, PtrConst const& key) override;
     using GenericIf::attributeIterator_iterObj;
     GenericIf::Ptr attributeIterator_iterObj(AttributeIteratorConst const& iterator) override;
     GenericIf::Ptr attributeIterator_iterInc(AttributeIteratorConst const& iterator) override;

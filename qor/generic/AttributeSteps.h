@@ -62,6 +62,10 @@ struct WalkSteps : AttributeSteps<A> {
     static void* atKey(Entity& entity, GenericIf const& key) {
         return new Held(AttributeIteratorConst<A>(WalkSteps::of(entity), unwrapped<Key>(key)));
     }
+    static void* atHash(Entity& entity, GenericIf const& key) {
+        return new Held(
+            AttributeIteratorConst<A>::fromHash(WalkSteps::of(entity), unwrapped<Key>(key)));
+    }
     static GenericIf::Ptr value(void const* iterator, bool isConst) {
         typename A::Value const value = held(iterator).at.value();
         return wrapped(value, isConst);
@@ -75,7 +79,7 @@ struct WalkSteps : AttributeSteps<A> {
     static bool isThere(void const* iterator) { return static_cast<bool>(held(iterator).at); }
     static void end(void* iterator) { delete &held(iterator); }
 
-    static constexpr GenericWalk walk{&atStart, &atKey, &value,   &key,
+    static constexpr GenericWalk walk{&atStart, &atKey, &atHash,  &value, &key,
                                       &step,    &clone, &isThere, &end};
 };
 

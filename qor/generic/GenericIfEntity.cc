@@ -243,6 +243,12 @@ GenericIf::AttributeIteratorConst GenericIfEntity::attributeIteratorKeyConst(Att
     return {Ptr(this), id, walk.atKey(needEntity(), needValue("qor_index", key.ptr()))};
 }
 
+GenericIf::AttributeIteratorConst GenericIfEntity::attributeIteratorHashConst(AttributeId id,
+                                                                              PtrConst const& key) {
+    GenericWalk const& walk = walkOf(id);
+    return {Ptr(this), id, walk.atHash(needEntity(), needValue("qor_index", key.ptr()))};
+}
+
 GenericIf::Ptr GenericIfEntity::attributeIterator_iterObj(AttributeIteratorConst const& iterator) {
     GenericWalk const& walk = walkOf(iterator.id());
     return walk.isThere(iterator.iterator()) ? walk.value(iterator.iterator(), isConst()) : nullptr;

@@ -25,6 +25,7 @@ inline constexpr AttributeId saForMsgChannelId = 155;
 struct GenericWalk {
     void* (*atStart)(Entity& entity);
     void* (*atKey)(Entity& entity, GenericIf const& key);
+    void* (*atHash)(Entity& entity, GenericIf const& key);
     GenericIf::Ptr (*value)(void const* iterator, bool isConst);
     GenericIf::PtrConst (*key)(void const* iterator);
     void (*step)(void* iterator);
@@ -85,6 +86,10 @@ class QOR_EXPORT GenericIfEntity : public GenericIf {
         AttributeIteratorConst const& iterator) override;
     bool attributeIterator_nonNull(AttributeIteratorConst const& iterator) override;
     Ptr attributeIterator_iterDel(AttributeIteratorConst const& iterator) override;
+
+    /// From the first member that has the hash of `key`, or the next in the order: so in front of
+    /// all that tie with it.
+    virtual AttributeIteratorConst attributeIteratorHashConst(AttributeId id, PtrConst const& key);
 
     /// A handler's part for an attribute that is no collection, or for a collection as a whole.
     void qorHeard(AttributeId id);

@@ -20,12 +20,20 @@ class AttributeIteratorConst : public A::Map::IteratorConst {
     explicit AttributeIteratorConst(typename A::Entity const& entity) : Base(&A::map(entity)) {}
     AttributeIteratorConst(typename A::Entity const& entity, typename A::Key const& key)
         : Base(&A::map(entity), key) {}
+    /// From the first member that has the hash of `key`.
+    static AttributeIteratorConst fromHash(typename A::Entity const& entity,
+                                           typename A::Key const& key) {
+        return AttributeIteratorConst(Base(&A::map(entity), key, {}));
+    }
 
     AttributeIteratorConst& operator++() {
         Base::operator++();
         return *this;
     }
     typename A::Value value() const { return A::valueOf(Base::operator*()); }
+
+  private:
+    explicit AttributeIteratorConst(Base const& base) : Base(base) {}
 };
 
 /// X::AIterator and X::QorAIterator: member() gives the member object.

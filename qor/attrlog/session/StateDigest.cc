@@ -1,7 +1,12 @@
 #include <qor/attrlog/session/StateDigest.h>
 
-#include <qor/generic/GenericIf.h>
+#include <qor/generic/GenericIfEntity.h>
+#include <qor/generic/ValueSteps.h>
 #include <qor/tree/Dir.h>
+
+#include <algorithm>
+#include <optional>
+#include <vector>
 
 namespace Qor {
 
@@ -32,14 +37,75 @@ bool holdsChildren(Entity const& entity, QorAttr const& attribute) {
     return attribute.flags().isInstantiating() || dynamic_cast<Dir const*>(&entity) != nullptr;
 }
 
+// The members of a collection in the order of their keys' hashes, and those of one hash in that of
+// their keys' texts: they may stand as they were inserted, which is another order in each process.
+class RowsInOrder {
+  public:
+    RowsInOrder(GenericIf& held, QorAttr const& attribute)
+        : type_(*attribute.keyType()), at_(held.attributeIteratorConst(attribute.id())) {
+        gather();
+    }
+    /// From that key on, which need not be there.
+    RowsInOrder(GenericIf& held, QorAttr const& attribute, GenericIf::PtrConst const& from)
+        : type_(*attribute.keyType()), at_(fromHash(held, attribute.id(), from)) {
+        gather();
+        if (rows_.empty() || rows_.front().hash != hashOf(*from)) return;
+        String8 const text = textOf(from.ptr());
+        while (*this && key().view() < text.view()) ++*this;
+    }
+
+    explicit operator bool() const noexcept { return row_ < rows_.size(); }
+    RowsInOrder& operator++() {
+        if (++row_ == rows_.size()) gather();
+        return *this;
+    }
+    /// REQUIRES: not at the end
+    String8 const& key() const { return rows_[row_].key; }
+    GenericIf::Ptr const& value() const { return rows_[row_].value; }
+
+  private:
+    struct Row {
+        U32 hash;
+        String8 key;
+        GenericIf::Ptr value;
+    };
+
+    static GenericIf::AttributeIteratorConst fromHash(GenericIf& held, AttributeId id,
+                                                      GenericIf::PtrConst const& from) {
+        return static_cast<GenericIfEntity&>(held).attributeIteratorHashConst(id, from);
+    }
+    U32 hashOf(GenericIf const& key) const {
+        auto const* const steps = type_.valueSteps();
+        return steps ? steps->hash(key.genericValue(Ptr<QorType const>(&type_))) : 0;
+    }
+    // The members of the next hash.
+    void gather() {
+        rows_.clear();
+        row_ = 0;
+        for (; at_; ++at_) {
+            auto const key = at_.key();
+            U32 const hash = hashOf(*key);
+            if (!rows_.empty() && rows_.front().hash != hash) break;
+            rows_.push_back({hash, textOf(key.ptr()), at_.value()});
+        }
+        std::sort(rows_.begin(), rows_.end(),
+                  [](Row const& a, Row const& b) { return a.key.view() < b.key.view(); });
+    }
+
+    QorType& type_;
+    GenericIf::AttributeIteratorConst at_;
+    std::vector<Row> rows_;
+    std::size_t row_ = 0;
+};
+
 void addValue(Hash& hash, GenericIf& held, QorAttr const& attribute) {
     hash.add(attribute.name());
     if (!attribute.flags().isCollection()) {
         hash.add(textOf(held.attributeOp(attribute.id()).ptr()));
         return;
     }
-    for (auto at = held.attributeIteratorConst(attribute.id()); at; ++at) {
-        hash.add(textOf(at.key().ptr()));
+    for (RowsInOrder at(held, attribute); at; ++at) {
+        hash.add(at.key());
         hash.add(textOf(at.value().ptr()));
     }
 }
@@ -63,6 +129,11 @@ QorAttr::Ptr collectionOf(Entity const& entity, AttributeId id) {
     return attribute;
 }
 
+RowsInOrder rowsFrom(GenericIf& held, QorAttr const& attribute, String8 const& from) {
+    if (from.empty()) return RowsInOrder(held, attribute);
+    return RowsInOrder(held, attribute, attribute.keyType()->genericIfFromStrep(from, true));
+}
+
 }  // namespace
 
 StateDigest stateDigest(Entity& entity, DigestPage const& page) {
@@ -75,13 +146,10 @@ StateDigest stateDigest(Entity& entity, DigestPage const& page) {
     QorAttr::Ptr const attribute = collectionOf(entity, page.attribute);
     GenericIf::Ptr const held = wrapper(entity);
     bool const ownsMembers = holdsChildren(entity, *attribute);
-    auto at = page.from.empty()
-                  ? held->attributeIteratorConst(page.attribute)
-                  : held->attributeIteratorKeyConst(
-                        page.attribute, attribute->keyType()->genericIfFromStrep(page.from, true));
+    auto at = rowsFrom(*held, *attribute, page.from);
     for (; at && digest.rows < page.most; ++at, ++digest.rows) {
-        hash.add(textOf(at.key().ptr()));
-        GenericIf::Ptr const member = at.value();
+        hash.add(at.key());
+        GenericIf::Ptr const& member = at.value();
         auto const child = member ? member->entityConst() : nullptr;
         if (ownsMembers && child) {
             addEntity(hash, const_cast<Entity&>(*child));
@@ -90,7 +158,7 @@ StateDigest stateDigest(Entity& entity, DigestPage const& page) {
         }
     }
     digest.value = hash.value();
-    if (at) digest.next = at.key()->strRep();
+    if (at) digest.next = at.key();
     return digest;
 }
 

@@ -94,6 +94,58 @@ TEST_F(Digest, GoesPageByPage) {
     EXPECT_EQ(pages, 4);
 }
 
+constexpr Qor::AttributeId remoteLocators = 268;
+
+// Two have one hash, and stand in the order of their insertion.
+Vgw::HwVtepOvsdb::Ptr databaseWith(std::initializer_list<char const*> addresses) {
+    auto const database = make<Vgw::HwVtepOvsdb>(Name("ovsdb"));
+    auto const row = database->physicalLocatorRawIs(Name("l"));
+    for (char const* const address : addresses) {
+        Vgw::PhysicalLocatorKey const key(Vgw::vxlan_over_ipv4, Kelp::IpAddr(address));
+        database->remoteLocatorIs(key, row);
+    }
+    return database;
+}
+
+TEST(DigestOfTies, IsTheSameInWhateverOrderTheyWereInserted) {
+    auto const one = databaseWith({"10.1.19.59", "10.0.237.115", "192.0.2.1"});
+    auto const other = databaseWith({"192.0.2.1", "10.0.237.115", "10.1.19.59"});
+    EXPECT_EQ(stateDigest(*one, {"", remoteLocators, "", 100}).value,
+              stateDigest(*other, {"", remoteLocators, "", 100}).value);
+    EXPECT_EQ(stateDigest(*one, {"", 0, "", 1}).value, stateDigest(*other, {"", 0, "", 1}).value);
+    auto const less = databaseWith({"192.0.2.1", "10.0.237.115"});
+    EXPECT_NE(stateDigest(*one, {"", remoteLocators, "", 100}).value,
+              stateDigest(*less, {"", remoteLocators, "", 100}).value);
+}
+
+TEST(DigestOfTies, PageThatBeginsWithinATieIsTheSame) {
+    auto const one = databaseWith({"10.1.19.59", "10.0.237.115", "192.0.2.1"});
+    auto const other = databaseWith({"192.0.2.1", "10.0.237.115", "10.1.19.59"});
+    String8 from;
+    Qor::U32 rows = 0;
+    do {
+        auto const a = stateDigest(*one, {"", remoteLocators, from, 1});
+        auto const b = stateDigest(*other, {"", remoteLocators, from, 1});
+        ASSERT_EQ(a.value, b.value);
+        ASSERT_EQ(a.next, b.next);
+        ASSERT_EQ(a.rows, 1U);
+        from = a.next;
+    } while (++rows < 9 && !from.empty());
+    EXPECT_EQ(rows, 3U);
+}
+
+TEST(DigestOfTies, PageThatBeginsWithATiedKeyThatHasGoneHoldsWhatIsBehindIt) {
+    auto const one = databaseWith({"10.1.19.59", "10.0.237.115"});
+    auto const next = stateDigest(*one, {"", remoteLocators, "", 1}).next;
+    ASSERT_NE(next.view().find("10.1.19.59"), std::string_view::npos);
+    auto const first = databaseWith({"10.0.237.115"});
+    EXPECT_EQ(stateDigest(*first, {"", remoteLocators, next, 9}).rows, 0U);
+    auto const last = databaseWith({"10.1.19.59"});
+    auto const gone = stateDigest(*first, {"", remoteLocators, "", 9}).next;
+    EXPECT_EQ(gone, "");
+    EXPECT_EQ(stateDigest(*last, {"", remoteLocators, next, 9}).rows, 1U);
+}
+
 TEST_F(Digest, IsAnsweredBehindTheChangesThatItHasSeen) {
     for (int n = 0; n < 100; ++n) {
         database->logicalSwitch("ls7")->tunnelKeyIs(static_cast<Qor::U32>(9000 + n));

@@ -2,6 +2,7 @@
 #include "Peers.h"
 #include "Records.h"
 
+#include <qor/attrlog/dir/DirAdapter.h>
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 #include <vgw/attrlog/PhysicalPort.h>
@@ -49,6 +50,7 @@ TEST(DocumentedFrames, AreThoseThatAreSent) {
     shows(frameOf<Vgw::PhysicalSwitch>(sw, [](auto& row) { row.portDel("p"); }));
     auto const port = make<Vgw::PhysicalPort>(Name("p"));
     shows(frameOf<Vgw::PhysicalPort>(port, [](auto& row) { row.vlanBindingIs(7, "ls"); }));
+    shows(frameOf<Vgw::PhysicalPort>(port, [](auto& row) { row.vlanBindingDel(7); }));
     auto const db = make<Vgw::HwVtepOvsdb>(Name("db"));
     shows(frameOf<Vgw::HwVtepOvsdb>(db, [](auto& row) { row.rootIs(Name("r")); }));
     shows(frameOf<Vgw::HwVtepOvsdb>(db, [](auto& row) { row.rootDel(Name("r")); }));
@@ -69,6 +71,8 @@ TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
     takeBytes(peer.out());
     db->physicalSwitchIs("leaf", row);
     shows(hex(takeBytes(peer.out())));
+    db->physicalSwitchDel("leaf");
+    shows(hex(takeBytes(peer.out())));
     for (auto const type :
          {Qor::StreamAdapter::begin, Qor::StreamAdapter::abort, Qor::StreamAdapter::end}) {
         a->sendTransactionMarker(388, type, 0);
@@ -80,6 +84,22 @@ TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
     b->doSerializeOrphan();
     std::string const bytes = takeBytes(other.out());
     shows(hex(bytes.substr(0, 4 + static_cast<unsigned char>(bytes[3]))));
+}
+
+TEST(DocumentedFrames, OfADirectorysEntry) {
+    Peer peer(Peer::Demuxer::Side::connecting);
+    auto const dir = make<Qor::Dir>(Name("dir"));
+    auto const adapter = peer.attach(dir);
+    auto const next = [&peer] {
+        std::string const bytes = takeBytes(peer.out());
+        return hex(bytes.substr(0, 4 + static_cast<unsigned char>(bytes[3])));
+    };
+    dir->entryIs(Name("ls"), make<Vgw::LogicalSwitch>(Name("ls")));
+    for (int i = 0; i < 2; ++i) {
+        std::string const frame = next();
+        EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+        dir->entryDel(Name("ls"));
+    }
 }
 
 TEST(DocumentedFrames, OfAReceipt) {

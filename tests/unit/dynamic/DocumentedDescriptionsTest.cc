@@ -59,8 +59,9 @@ TEST(DocumentedDescriptions, AreThoseThatAreSent) {
     std::string const text = documentation();
     auto const frames = framesOfSession();
     ASSERT_EQ(frames.size(), 4U) << "hello, the question, a description, the end";
-    for (std::size_t i = 1; i < frames.size(); ++i) {
-        EXPECT_NE(text.find("\n" + frames[i] + "\n"), std::string::npos) << frames[i];
+    for (std::size_t i = 0; i < frames.size(); ++i) {
+        std::string const mark = i == 0 ? "\n> " : "\n";  // the hello is one of a dialogue
+        EXPECT_NE(text.find(mark + frames[i] + "\n"), std::string::npos) << frames[i];
     }
 }
 

@@ -1,8 +1,7 @@
-// Two writers at once, references to what the peer does not have, and cuts.
+// Two writers at once, and references to what the peer does not have.
 #include "Peers.h"
 #include "Records.h"
 
-#include <tests/support/Settings.h>
 #include <vgw/attrlog/HwVtepOvsdb.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 #include <vgw/attrlog/PhysicalPort.h>
@@ -12,7 +11,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -163,54 +161,6 @@ TEST(RingOfOneBlock, FlowMakesProgressToItsEnd) {
     ASSERT_TRUE(copy->physicalPort(Name("p")));
     EXPECT_EQ(copy->physicalPort(Name("p"))->vlanBinding(1).length(), 200000U);
     EXPECT_EQ(peers.source.demuxer->flows(), 0U);
-}
-
-TEST(Remount, CutAtEveryByteThenMountedAgainConverges) {
-    auto const build = [](Vgw::HwVtepOvsdb& db, int round) {
-        for (int i = 0; i < 4; ++i) {
-            Name const name(std::to_string(round * 2 + i).c_str());
-            db.logicalSwitchIs(name)->descIs(name);
-            auto const sw = db.physicalSwitchRawIs(name);
-            sw->portIs(name, true);
-            db.physicalSwitchIs(name, sw);
-        }
-    };
-    auto const names = [](Vgw::HwVtepOvsdb const& db) {
-        std::vector<std::string> result;
-        for (auto at = db.logicalSwitchIterator(); at; ++at) {
-            result.push_back(std::string(at.key().view()) + "=" +
-                             std::string(at.value()->desc().view()));
-        }
-        for (auto at = db.physicalSwitchIterator(); at; ++at) {
-            result.emplace_back(at.key().view());
-            for (auto port = at.value()->portIterator(); port; ++port) {
-                result.emplace_back(port.key().view());
-            }
-        }
-        return result;
-    };
-    // The plain build takes every byte.
-    constexpr std::size_t stride = Settings::volume(1, 3, 7);
-    std::size_t whole = 1;
-    for (std::size_t cut = 0; cut < whole; cut += stride) {
-        auto const original = make<Vgw::HwVtepOvsdb>(Name("db"));
-        auto const copy = make<Vgw::HwVtepOvsdb>(Name("db"));
-        build(*copy, 1);
-        build(*original, 0);
-        auto const before = names(*copy);
-        {
-            Peers peers;
-            peers.reader.copy = copy;
-            peers.source.send(original);
-            if (cut == 0) whole = peers.source.out().unsent().size();
-            carry(peers.source, peers.reader, cut);
-            ASSERT_EQ(peers.reader.failure, String8());
-        }
-        Peers peers;
-        peers.mount(original, copy);
-        ASSERT_EQ(names(*copy), names(*original)) << "cut at " << cut;
-    }
-    EXPECT_GT(whole, 1000U);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@ namespace Sim {
 namespace {
 
 constexpr unsigned keysEach = 4;
+constexpr char const* knot = "/entry/s3";
 constexpr std::size_t deepest = 90;  // characters of a path
 
 unsigned sortOf(std::string const& className) {
@@ -64,8 +65,12 @@ bool Author::mayWrite(std::string const& row, Field const& field, unsigned key) 
     return isRival_ || key % count_ == number_;
 }
 
-// Down from the top, a random number of steps.
+// Down from the top, a random number of steps; where keys tie mostly the one that stays and has
+// them.
 std::pair<std::string, Row> Author::anyRow() {
+    if (Cast::hasTies() && !dice_.oneIn(4)) {
+        if (Row const row = rowAt(*top_, knot); row.entity) return {knot, row};
+    }
     std::pair<std::string, Row> at{"", {EntityPtr(top_), &dirShape()}};
     while (!dice_.oneIn(4)) {
         auto below = ownedBy(at.second, at.first);
@@ -243,6 +248,10 @@ void Author::found() {
     stay("/entry/s1/node/s0", "leaf", "s0");
     stay("/entry/s2", "entry", "s0", sortOf("Vgw::CliConfig"));
     stay("/entry/s2", "entry", "s1", sortOf("Vgw::McastMacsLocal"));
+    if (Cast::hasTies()) {
+        stay("", "entry", "s3", sortOf("Ties::Knot"));
+        stay("/entry/s3", "target", "s0");
+    }
     for (auto const& [path, row] : pictureOf(*top_).rows) {
         plan_.set(path, row.shape->title(*row.entity), 0);
     }

@@ -29,7 +29,8 @@ Settings settingsOf(Dice& dice, Topology const& topology, Request const& request
 class Run {
   public:
     explicit Run(Request const& request)
-        : remounts_(request.remounts),
+        : cast_(request.ties),
+          remounts_(request.remounts),
           dice_(request.seed),
           topology_(dice_.oneOf(topologies())),
           settings_(settingsOf(dice_, topology_, request)),
@@ -57,6 +58,7 @@ class Run {
     }
     bool mayWrite(Tree& tree, unsigned process) const;
 
+    Cast const cast_;
     bool const remounts_;
     Dice dice_;
     Topology const& topology_;
@@ -88,7 +90,9 @@ void Run::serveSomeone() {
     Link& link = *dice_.oneOf(net_.links());
     if (!link.isUp() && dice_.oneIn(3)) net_.connect(link);
     link.roomIs(dice_.oneIn(2), dice_.oneOf(rooms));
-    link.service(dice_.oneIn(2), dice_.oneIn(4) ? 300 : 1U << 20);
+    // With few bytes a turn, walks wait within ties.
+    Qor::U64 const few = Cast::hasTies() ? 60 : 300;
+    link.service(dice_.oneIn(2), dice_.oneIn(Cast::hasTies() ? 2 : 4) ? few : 1U << 20);
     if (!link.closed().empty() && link.isUp()) fail("closed: " + link.closed());
     digest(link.bytes());
     traceOn(link);

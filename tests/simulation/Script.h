@@ -32,6 +32,7 @@ struct Request {
     unsigned steps = 0;     // 0: the seed decides
     bool rivals = false;    // several authors write the same values
     bool remounts = false;  // mounts are given back and made again while the connection stays
+    bool ties = false;      // collections have keys that tie
     bool isTraced = false;  // everything that happens on standard output
 };
 

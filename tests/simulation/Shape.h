@@ -80,7 +80,18 @@ class Shape {
     mutable EntityPtr newborn_;
 };
 
-// Every class, in a fixed order; the directory's is not among them.
+// Which classes take part as long as it stands: those of agents and the lab's, or, so that keys tie
+// all the time, the lab's and a few whose keys do.
+class Cast {
+  public:
+    explicit Cast(bool hasTies);
+    ~Cast();
+    static bool hasTies();
+    Cast(Cast const&) = delete;
+    Cast& operator=(Cast const&) = delete;
+};
+
+// Every class that takes part, in a fixed order; the directory's is not among them.
 std::vector<Shape const*> const& shapes();
 Shape const& dirShape();
 // By the full name of the class.

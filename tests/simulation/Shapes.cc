@@ -44,7 +44,19 @@ class DirShape final : public Shape {
     }
 };
 
+std::vector<Shape const*> joined(std::vector<Shape const*> all,
+                                 std::vector<Shape const*> const& more) {
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+}
+
+bool areTied = false;
+
 }  // namespace
+
+Cast::Cast(bool hasTies) { areTied = hasTies; }
+Cast::~Cast() { areTied = false; }
+bool Cast::hasTies() { return areTied; }
 
 Qor::Entity const& Shape::newborn() const {
     if (!newborn_) newborn_ = make("newborn");
@@ -52,17 +64,13 @@ Qor::Entity const& Shape::newborn() const {
 }
 
 std::vector<Shape const*> const& shapes() {
-    static std::vector<Shape const*> const all = [] {
 #ifdef SIMULATION_OF_LAB_ONLY
-        std::vector<Shape const*> result;
+    static auto const usual = labShapes();
 #else
-        auto result = vgwShapes();
+    static auto const usual = joined(vgwShapes(), labShapes());
 #endif
-        auto const lab = labShapes();
-        result.insert(result.end(), lab.begin(), lab.end());
-        return result;
-    }();
-    return all;
+    static auto const tied = joined(labShapes(), tiesShapes());
+    return areTied ? tied : usual;
 }
 
 Shape const& dirShape() {

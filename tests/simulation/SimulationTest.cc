@@ -49,6 +49,17 @@ TEST(Simulation, MountsAreGivenBackAndMadeAgainOnTheSameConnection) {
     EXPECT_GT(remounts, scripts / 9);
 }
 
+TEST(Simulation, CollectionsWhoseKeysTieConverge) {
+    for (std::uint64_t seed = 1; seed <= scripts / 2; ++seed) {
+        Request const request{seed, 0, seed % 3 == 0, seed % 4 == 0, true};
+        auto const outcome = runScript(request);
+        ASSERT_EQ(outcome.violation, "")
+            << outcome.topology << "; to see it again: simulate --ties --trace --scripts 1 "
+            << (request.rivals ? "--rivals " : "") << (request.remounts ? "--remounts " : "")
+            << "--seed " << seed;
+    }
+}
+
 // Each is a run in which a child, or what its author wrote below it, had got lost while the source
 // removed or replaced others of the same collection; or a flow was owed for ever.
 TEST(Simulation, NoWriteIsLostThatNobodyOpposes) {

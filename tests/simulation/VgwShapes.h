@@ -8,6 +8,7 @@ namespace Sim {
 
 std::vector<Shape const*> vgwShapes();
 std::vector<Shape const*> labShapes();
+std::vector<Shape const*> tiesShapes();
 
 }  // namespace Sim
 

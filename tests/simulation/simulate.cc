@@ -16,12 +16,13 @@ struct Options {
 
 constexpr char const* help =
     "simulate [--seed N] [--steps N] [--scripts N] [--seconds N] [--rivals] [--remounts] "
-    "[--trace]\n"
+    "[--ties] [--trace]\n"
     "\n"
     "Runs script after script from the seed on (1 unless told), each of so many steps (as the\n"
     "seed decides unless told), until so many scripts or seconds (60) are over. --rivals lets\n"
     "several authors write the same values, --remounts has mounts given back and made again while\n"
-    "their connection stays, --trace tells everything. Ends with 1 at the first violation.\n";
+    "their connection stays, --ties gives collections keys that tie, --trace tells everything.\n"
+    "Ends with 1 at the first violation.\n";
 
 Options parsed(int count, char** words) {
     Options options;
@@ -42,6 +43,8 @@ Options parsed(int count, char** words) {
             options.request.rivals = true;
         } else if (is("--remounts")) {
             options.request.remounts = true;
+        } else if (is("--ties")) {
+            options.request.ties = true;
         } else if (is("--trace")) {
             options.request.isTraced = true;
         } else {

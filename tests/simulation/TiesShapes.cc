@@ -1,0 +1,16 @@
+#include "ShapeOf.h"
+#include "VgwShapes.h"
+
+#include <ties/TiesList.h>
+#include <ties/attrlog/Knot.h>
+#include <ties/attrlog/Target.h>
+
+namespace Sim {
+
+std::vector<Shape const*> tiesShapes() {
+    std::vector<Shape const*> all;
+    Ties::TiesEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>()); });
+    return all;
+}
+
+}  // namespace Sim

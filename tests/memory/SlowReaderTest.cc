@@ -5,9 +5,12 @@
 
 #include <vgw/agent/Status.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <chrono>
+#include <cstdio>
 #include <random>
 #include <vector>
 
@@ -20,10 +23,26 @@ using Qor::Name;
 constexpr std::size_t rows = 10000;
 
 // How many times more than in the short form.
-std::size_t factor() {
-    char const* const given = std::getenv("VGW_SOAK");
-    return given ? std::strtoull(given, nullptr, 10) : 1;
-}
+std::size_t factor() { return Settings::number("VGW_SOAK", 1); }
+
+// Says how much of it there was, and how fast, when it goes.
+class Tally {
+  public:
+    Tally(std::size_t count, char const* what) : count_(count), what_(what) {}
+    ~Tally() {
+        std::chrono::duration<double> const past = Clock::now() - start_;
+        std::printf("%zu %s in %.1f s, %.0f a second\n", count_, what_, past.count(),
+                    static_cast<double>(count_) / past.count());
+    }
+    Tally(Tally const&) = delete;
+    Tally& operator=(Tally const&) = delete;
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    std::size_t const count_;
+    char const* const what_;
+    Clock::time_point const start_ = Clock::now();
+};
 
 struct Reader {
     Reader(Qor::Ptr<Qor::Dir> const& root) : pair(root) {
@@ -75,7 +94,8 @@ TEST_F(SlowReader, StoppedOneCostsItsRingAndAMarkForEachEntity) {
     stopped.pair.near.roomIs(0);
     std::size_t inTheBeginning = 0;
     Qor::U32 value = 1;
-    std::size_t const passes = 20 * factor();
+    std::size_t const passes = Settings::volume(500, 20, 20) * factor();
+    Tally const tally(passes * 2 * rows, "changes past a stopped reader of 10000 entities");
     for (std::size_t pass = 0; pass < passes; ++pass) {
         for (std::size_t i = 0; i < rows; ++i) rows_[random_() % rows]->tunnelKeyIs(++value);
         for (auto const& row : rows_) row->tunnelKeyIs(++value);
@@ -108,6 +128,7 @@ TEST_F(SlowReader, StoppedOneCostsNothingForRowsAndKeysThatCameAndWent) {
     stopped.pair.near.roomIs(0);
     std::size_t inTheBeginning = 0;
     std::size_t const passes = 40 * factor();
+    Tally const tally(passes * 6 * 2000, "rows and keys past a stopped reader");
     for (std::size_t pass = 0; pass < passes; ++pass) {
         for (std::size_t i = 0; i < 2000; ++i) {
             std::string const name = std::to_string(pass) + "-" + std::to_string(i);
@@ -141,6 +162,7 @@ TEST_F(SlowReader, SixtyFourAtAllSpeedsConvergeUnderChurn) {
     std::vector<std::unique_ptr<Reader>> readers;
     for (std::size_t i = 0; i < 64; ++i) readers.push_back(std::make_unique<Reader>(root_));
     std::size_t const turns = 300 * factor();
+    Tally const tally(turns * 10, "changes past 64 readers of all speeds");
     for (std::size_t turn = 0; turn < turns; ++turn) {
         for (int i = 0; i < 10; ++i) {
             std::size_t const row = random_() % 300;

@@ -193,10 +193,11 @@ class HashMap : public HashMapGeneric {
     }
     [[gnu::noinline]] Member* memberInLongChain(Key const& key, U32 hash) const {
         auto* at = static_cast<Member*>(placeInLongChain(qorVTable(), hash, &key).at);
-        while (at && at->fwkHash() == hash && !isIts(*at, key, hash)) {
+        // Only keys that tie stand anywhere among those of their hash.
+        while (KeyTraits::hasTies && at && at->fwkHash() == hash && !isIts(*at, key, hash)) {
             at = at->fwkHmNext();
         }
-        return at && at->fwkHash() == hash ? at : nullptr;
+        return at && isIts(*at, key, hash) ? at : nullptr;
     }
     Member* head(U32 bucket) const { return static_cast<Member*>(buckets()[bucket]); }
     // Makes `fresh` the head of a bucket whose head so far is `next`.

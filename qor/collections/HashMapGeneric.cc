@@ -295,7 +295,8 @@ Ptr<PtrInterface> HashMapGeneric::memberDelG(HashMapVTableGeneric const& table, 
             at = place.at;
             continue;
         }
-        if (table.hash(at) > hash) {
+        // In a chain of one hash as in one of many.
+        if (table.hash(at) > hash || (table.hash(at) == hash && table.keyLessThan(key, at))) {
             return nullptr;
         }
         before = std::exchange(at, table.next(at));

@@ -206,12 +206,13 @@ bool RpcSession::handleReply(simdjson::dom::object message) {
     if (message["id"].get(id) != simdjson::SUCCESS) return false;
     auto const found = pending_.find(id);
     if (found == pending_.end()) return false;
-    Request const request = std::move(found->second);
-    pending_.erase(found);
     RpcReply reply;
     if (hasError) reply.error = replyError(error);
+    // Still pending: its handler hears that it is lost.
     if (!reply.error && !hasResult)
         throw ProtocolError("a reply has neither \"result\" nor an error");
+    Request const request = std::move(found->second);
+    pending_.erase(found);
     reply.result = result;
     request.handler(reply);
     return request.method == "echo";

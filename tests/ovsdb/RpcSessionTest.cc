@@ -107,6 +107,20 @@ TEST_F(RpcSessionTest, AMessageThatIsNeitherCallNorReplyEndsTheSession) {
         "a message is neither a call nor a reply: it has no \"method\", \"result\" or \"error\"");
 }
 
+TEST_F(RpcSessionTest, AReplyWithoutResultAndErrorEndsTheSessionAndTheRequestIsLost) {
+    open();
+    server_.scriptIs([](FakeServer& server, json const& message) {
+        server.send(json{{"id", message["id"]}, {"error", nullptr}}.dump());
+    });
+    std::vector<RpcError::Kind> told;
+    session_->request("a", json::array(),
+                      [&](RpcReply const& reply) { told.push_back(reply.error->kind); });
+    ASSERT_TRUE(closed());
+    EXPECT_EQ(told, std::vector<RpcError::Kind>{RpcError::Kind::lost});
+    EXPECT_EQ(listener_.reasons,
+              std::vector<std::string>{"a reply has neither \"result\" nor an error"});
+}
+
 TEST_F(RpcSessionTest, AnArrayIsNoMessage) {
     open();
     server_.send("[1]");

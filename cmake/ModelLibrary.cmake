@@ -10,8 +10,8 @@
 #   qor_model_sources(<name> MODEL <file>... [OUT <folder>] [IMPORTS <folder>...])
 #
 # Only the sources: sets <name>_VALUES, <name>_ENTITIES and <name>_REGISTRY to the .cc files of each sort, <name>_DIR to the folder that their
-# headers are included from, and adds the target <name>, which makes them. A library that they are linked into has to stay in memory once it
-# was loaded (-z nodelete).
+# headers are included from, and adds the target <name>, which makes them. The global property QOR_MODEL_SOURCES names all such targets. A
+# library that the sources are linked into has to stay in memory once it was loaded (-z nodelete).
 
 function(qor_model_library target)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "TYPE" "MODEL;IMPORTS;LINKS")
@@ -65,6 +65,7 @@ function(qor_model_sources name)
         COMMENT "modelc ${name}"
         VERBATIM)
     add_custom_target(${name} DEPENDS "${stamp}")
+    set_property(GLOBAL APPEND PROPERTY QOR_MODEL_SOURCES ${name})
     set_source_files_properties(${values} ${entities} ${registry} ${adapters} ${others} PROPERTIES GENERATED ON)
     set(${name}_VALUES "${values}" PARENT_SCOPE)
     set(${name}_ENTITIES "${entities}" PARENT_SCOPE)

@@ -1,7 +1,8 @@
 #!/bin/sh
-# Sees to it that the distribution's packages for building (and, with "test", for testing) are there.
+# Sees to it that the distribution's packages for building (and, with "test", for testing; with "tidy", for tests/soak/tidy)
+# are there.
 #
-#   tools/packages.sh [build|test]
+#   tools/packages.sh [build|test|tidy]
 #
 # Says nothing when all are there; otherwise one line, and apt-get, as root or through sudo.
 set -eu
@@ -12,6 +13,8 @@ wanted="g++ cmake ninja-build pkgconf python3-minimal python3
  libssl3 libcap-ng0 libnuma1 libxdp1 libbpf1 libunbound8"
 if [ "${1:-build}" = test ]; then
     wanted="$wanted libgtest-dev libgmock-dev clang-format-14 clang-14 libclang-rt-14-dev lld-14 llvm-14 openssl zsh"
+elif [ "${1:-build}" = tidy ]; then
+    wanted="$wanted clang-14 clang-tidy-14"
 fi
 
 is_installed() {

@@ -82,7 +82,7 @@ std::optional<Initial> initial(Type const& type, Tree::Literal const& literal) {
     bool const isZero =
         literal.kind == TokenKind::word && literal.text == "zero" && !literal.negative;
     if (type.kind == TypeKind::enumeration) {
-        std::optional<Initial> const named = enumerator(*type.enumeration, literal);
+        std::optional<Initial> named = enumerator(*type.enumeration, literal);
         if (named) return named;
     }
     if (isZero) return Initial{};
@@ -120,7 +120,7 @@ std::string expectedInitial(Type const& type) {
 
 std::optional<Initial> checkInitial(Context const& context, Type const& type,
                                     Tree::Literal const& literal) {
-    std::optional<Initial> const result = initial(type, literal);
+    std::optional<Initial> result = initial(type, literal);
     if (!result) {
         std::string const shown = (literal.negative ? "-" : "") + literal.text;
         context.report(literal.at, quoted(shown) + " is no default for " + type.fullName,

@@ -13,7 +13,7 @@ namespace {
 
 constexpr U32 mostBuckets = U32{1} << 31;
 
-std::size_t arrayBytes(U32 count) { return std::size_t{count} * sizeof(PtrInterface*); }
+std::size_t arrayBytes(U32 count) { return std::size_t{count} * sizeof(void*); }
 
 // As they come.
 PtrInterface** newBuckets(U32 count) noexcept {

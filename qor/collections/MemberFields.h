@@ -49,6 +49,7 @@ template <class Node>
 class MemberLink<Node, bool> {
   public:
     explicit MemberLink(bool value) noexcept : word_(value ? 1 : 0) {}
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the word's lowest bit is the value.
     Node* next() const noexcept { return reinterpret_cast<Node*>(word_ & ~std::uintptr_t{1}); }
     void nextIs(Node* next) noexcept {
         word_ = reinterpret_cast<std::uintptr_t>(next) | (word_ & 1);

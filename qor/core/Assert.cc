@@ -6,8 +6,10 @@
 namespace Qor {
 
 void assertionFailed(char const* text, char const* unit, int line, char const* function) noexcept {
-    std::fprintf(stderr, "%s:%d: %s: Assertion '%s' failed.\n", unit, line, function, text);
-    std::fflush(stderr);
+    // Where standard error is gone, nothing can tell of that either.
+    static_cast<void>(
+        std::fprintf(stderr, "%s:%d: %s: Assertion '%s' failed.\n", unit, line, function, text));
+    static_cast<void>(std::fflush(stderr));
     std::abort();
 }
 

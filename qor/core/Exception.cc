@@ -5,6 +5,7 @@
 namespace Qor {
 
 Exception::Exception(String8 message, IdBitArray const& ids, bool isInternal)
+    // NOLINTNEXTLINE(bugprone-throw-keyword-missing): a set of numbers, whose name bears the word.
     : message_(std::move(message)), ids_(ids), isInternal_(isInternal) {}
 
 // The destructors stand here so that each class has its type information in one place, where every

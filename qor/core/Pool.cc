@@ -66,10 +66,11 @@ constexpr bool bearsBatch(std::size_t cls) { return blockSize(cls) >= sizeof(Bat
 // Asks for large pages where whole ones fit: members that lie far apart are reached without a walk
 // through the page tables, and fresh memory costs few page faults. A refusal changes nothing.
 void* withLargePages(void* block, std::size_t size) noexcept {
-    auto const begin = (reinterpret_cast<std::uintptr_t>(block) + largePage - 1) & ~(largePage - 1);
-    auto const end = (reinterpret_cast<std::uintptr_t>(block) + size) & ~(largePage - 1);
+    auto const at = reinterpret_cast<std::uintptr_t>(block);
+    auto const begin = (at + largePage - 1) & ~(largePage - 1);
+    auto const end = (at + size) & ~(largePage - 1);
     if (block && begin < end) {
-        ::madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+        ::madvise(static_cast<char*>(block) + (begin - at), end - begin, MADV_HUGEPAGE);
     }
     return block;
 }

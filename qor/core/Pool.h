@@ -28,6 +28,7 @@ QOR_EXPORT std::size_t memFromSystem() noexcept;
 /// Base of small framework records: allocation by size from the pool.
 class QorMemPool {
   public:
+    // NOLINTNEXTLINE(misc-new-delete-overloads): the delete below is told the size.
     static void* operator new(std::size_t size) { return memNew(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* block, std::size_t size) noexcept { memDel(block, size); }

@@ -31,11 +31,12 @@ class Ptr {
     noexcept : target_(other.release()) {}
     ~Ptr() { drop(target_); }
 
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): it takes before it gives.
     Ptr& operator=(Ptr const& other) {
         Ptr(other).swap(*this);
         return *this;
     }
-    Ptr& operator=(Ptr&& other) {
+    Ptr& operator=(Ptr&& other) noexcept {
         Ptr(std::move(other)).swap(*this);
         return *this;
     }

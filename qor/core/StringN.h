@@ -246,6 +246,7 @@ inline void StringN<unsigned char>::Data::take() noexcept {
 
 inline void StringN<unsigned char>::Data::give() noexcept {
     // Who holds the only reference need not change the count: nobody else can take one.
+    // NOLINTNEXTLINE(bugprone-branch-clone): the middle one stores, which the last has done.
     if (count_.load(std::memory_order_acquire) == 1) {
         end();
     } else if (isSingleThreaded()) {
@@ -272,6 +273,7 @@ inline StringN<unsigned char>::~StringN() {
     if (data_ != nullptr) data_->give();
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): it takes before it gives.
 inline StringN<unsigned char>& StringN<unsigned char>::operator=(StringN const& other) noexcept {
     if (other.data_ != nullptr) other.data_->take();
     auto* const old = std::exchange(data_, other.data_);

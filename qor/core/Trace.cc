@@ -91,7 +91,7 @@ std::string lineOf(TraceRecord const& record) {
 void writeToStandardError(TraceRecord const& record) {
     if (!record.on) return;
     auto const line = lineOf(record);
-    std::fwrite(line.data(), 1, line.size(), stderr);
+    static_cast<void>(std::fwrite(line.data(), 1, line.size(), stderr));
 }
 
 void giveToSink(TraceRecord const& record) {

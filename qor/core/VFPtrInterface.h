@@ -9,6 +9,7 @@ namespace Qor {
 
 class QOR_EXPORT VFPtrInterface : public PtrInterface {
   public:
+    // NOLINTNEXTLINE(misc-new-delete-overloads): the delete below is told the size.
     static void* operator new(std::size_t size) { return memNew(size); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
     static void operator delete(void* block, std::size_t size) noexcept { memDel(block, size); }

@@ -83,7 +83,7 @@ class ValueStepsOf final : public ValueSteps {
     }
     bool equal(void const* lhs, void const* rhs) const override { return of(lhs) == of(rhs); }
     bool less(void const* lhs, void const* rhs) const override {
-        if constexpr (requires(V const& value) { value < value; }) {
+        if constexpr (requires(V const& left, V const& right) { left < right; }) {
             return of(lhs) < of(rhs);
         } else {
             return false;
@@ -135,6 +135,7 @@ class ValueStepsOf final : public ValueSteps {
 
   private:
     static constexpr bool isInPlace =
+        // NOLINTNEXTLINE(misc-redundant-expression): no V is the place itself.
         sizeof(V) <= sizeof(Place) && alignof(V) <= alignof(Place) &&
         (std::is_trivially_copyable_v<V> || std::is_base_of_v<String8, V>);
     static V const& of(void const* value) noexcept { return *static_cast<V const*>(value); }

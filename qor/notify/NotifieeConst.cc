@@ -162,6 +162,7 @@ void PtrInterface::NotifieeConst::activityIs(Activity::Ptr activity) {
         activity_->clientIs(nullptr);
     }
     pendingAttribute_ = nothingPending;
+    // NOLINTNEXTLINE(clang-analyzer-optin.cplusplus.VirtualCall): base part only at its end.
     qorDropPendingKeys();
     activity_ = std::move(activity);
     if (activity_) {

@@ -182,7 +182,7 @@ Ptr<Entity> setDynamicChild(DynamicEntity& owner, Name const& name) {
     using A = DynamicChildAttr;
     Ptr<Entity>& field = A::field(owner);
     if (field && field->qorName() == name) return field;
-    Ptr<Entity> const child = newDynamicChild(owner, name);
+    Ptr<Entity> child = newDynamicChild(owner, name);
     if (field) field->parentIs(nullptr);
     take(owner, *child);
     // The old one goes when all is told: its end may run any code.
@@ -193,7 +193,7 @@ Ptr<Entity> setDynamicChild(DynamicEntity& owner, Name const& name) {
 
 Ptr<Entity> delDynamicChild(DynamicEntity& owner) {
     using A = DynamicChildAttr;
-    Ptr<Entity> const gone = std::exchange(A::field(owner), nullptr);
+    Ptr<Entity> gone = std::exchange(A::field(owner), nullptr);
     if (gone) {
         gone->parentIs(nullptr);
         tellScalar<A>(owner);

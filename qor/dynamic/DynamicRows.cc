@@ -25,7 +25,7 @@ Name nameOf(GenericIf const& key) { return unwrapped<Name>(key); }
 
 Name argumentName(GenericIf const* list) {
     GenericArguments arguments(list);
-    auto const name = argument<Name>(arguments.next("name").ptr(), "name");
+    auto name = argument<Name>(arguments.next("name").ptr(), "name");
     arguments.end(DynamicScope::attribute().name.charPtr());
     return name;
 }

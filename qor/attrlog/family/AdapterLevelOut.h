@@ -85,6 +85,7 @@ bool AdapterLevel<X, Base>::sendAttribute(AttributeId& next) {
     bool const isSent = sendOwed<S>(flow);
     if (this->StreamAdapter::flowOut() != &flow) return false;
     AttributeId const after = List::after(S::id);
+    // NOLINTNEXTLINE(bugprone-branch-clone): the order of the questions counts.
     if (flow.retryLater()) {
         next = S::id;
     } else if (!isSent && (after == 0 || flow.bookmark() || flow.valueIter())) {

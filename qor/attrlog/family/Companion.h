@@ -18,7 +18,7 @@ class Companion : public Base {
     static auto QorNboAttrLogSaAdapter_Is(Qor::Ptr<typename Adapter::EntityClass> const& entity,
                                           Qor::Ptr<Adapter> const& adapter) {
         using Hearing = typename Adapter::QorNboAttrLogSaAdapter_;
-        Qor::Ptr<Hearing> const companion = validPtr(make<Hearing>(adapter.ptr()));
+        Qor::Ptr<Hearing> companion = validPtr(make<Hearing>(adapter.ptr()));
         if (entity) companion->attachWeaklyTo(*entity);
         companion->hasNotificationActiveIs(true);
         return companion;

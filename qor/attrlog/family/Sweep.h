@@ -61,6 +61,7 @@ void sweepMembers(Adapter& adapter, StreamAdapter::AttrTransactionType type) {
         if (hasLeft(adapter)) return;
         if (type == StreamAdapter::begin) return member.qorMarkedForDeletionIs(true);
         if (!member.qorMarkedForDeletion()) return;
+        // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the member may go.
         typename S::Key const key = member.fwkKey();
         bool const stays = goesAgain || isStillToCome<S>(adapter, key);
         if (!stays) return sweepKey<S>(adapter, key);
@@ -84,6 +85,7 @@ void sweepChild(Adapter& adapter, typename S::Key const& key, Entity& child,
     bool const isSwept =
         known ? known->has(AdapterState::remountPending) : !isOwed<S>(adapter, key);
     if (!isSwept) return;
+    // NOLINTNEXTLINE(performance-unnecessary-copy-initialization): the member goes, and its key.
     typename S::Key const gone = key;
     bool const hasCrossed = hasCrossedSnapshot(adapter);
     tellTargetGone(adapter);

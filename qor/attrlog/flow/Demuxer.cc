@@ -118,7 +118,7 @@ bool Demuxer::checkEphemeralEntityDeletion(Qor::Ptr<Entity> const& child, Entity
 
 Qor::Ptr<FlowIn> Demuxer::flowInIs(EntityId const& id) {
     if (FlowIn* const known = flowIn(id)) return Qor::Ptr<FlowIn>(known);
-    Qor::Ptr<FlowIn> const fresh = flowsIn_.newFlow(id);
+    Qor::Ptr<FlowIn> fresh = flowsIn_.newFlow(id);
     if (auto* const here = adapter(id)) here->flagIs(AdapterState::mayHaveFlowIn, true);
     return fresh;
 }

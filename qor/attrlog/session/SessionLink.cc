@@ -165,7 +165,7 @@ void Session::giveAsked(MountId mount, Held const& asked, bool mayHoldBack) {
 String8 Session::whyNotGiven(Held const& asked, Ptr<Entity> const& entity) {
     if (!entity) return asked.path + " does not exist";
     if (!entity->qorHasAttrLogInterface()) return asked.path + " can't be mounted";
-    String8 const why = whyNotAbove(*entity);
+    String8 why = whyNotAbove(*entity);
     if (!why.empty() || listener_ == nullptr) return why;
     return listener_->onAsked(asked.path, asked.writable, *entity);
 }

@@ -122,7 +122,7 @@ void addEntity(Hash& hash, Entity& entity) {
 }
 
 QorAttr::Ptr collectionOf(Entity const& entity, AttributeId id) {
-    QorAttr::Ptr const attribute = entity.fwkType()->attr(id);
+    QorAttr::Ptr attribute = entity.fwkType()->attr(id);
     if (!attribute || !attribute->flags().isCollection()) {
         throwRangeException(entity.uriPath() + " has no such collection");
     }

@@ -127,7 +127,7 @@ class TextWrapper final : public ValueWrapper<T, TextWrapper<T>> {
     using ValueWrapper<T, TextWrapper<T>>::ValueWrapper;
     void const* genericValue(Qor::Ptr<QorType const> const& type) const override {
         bool const isText = type == typeOf<Name>() || type == typeOf<String8>();
-        // NOLINTNEXTLINE(bugprone-parent-virtual-call): what is between asks for its own type alone.
+        // NOLINTNEXTLINE(bugprone-parent-virtual-call): the one between has answered.
         return isText ? static_cast<String8 const*>(&this->value()) : GenericIf::genericValue(type);
     }
 };

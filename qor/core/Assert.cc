@@ -6,9 +6,7 @@
 namespace Qor {
 
 void assertionFailed(char const* text, char const* unit, int line, char const* function) noexcept {
-    // Where standard error is gone, nothing can tell of that either.
-    static_cast<void>(
-        std::fprintf(stderr, "%s:%d: %s: Assertion '%s' failed.\n", unit, line, function, text));
+    std::fprintf(stderr, "%s:%d: %s: Assertion '%s' failed.\n", unit, line, function, text);
     static_cast<void>(std::fflush(stderr));
     std::abort();
 }

@@ -22,7 +22,7 @@ String8 format(char const* pattern, ...) {
             text = String8(std::string_view(small.data(), size));
         } else {
             std::string large(size, '\0');
-            static_cast<void>(std::vsnprintf(large.data(), size + 1, pattern, again));
+            std::vsnprintf(large.data(), size + 1, pattern, again);
             text = String8(std::string_view(large));
         }
     }

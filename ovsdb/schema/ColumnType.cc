@@ -18,7 +18,7 @@ std::optional<AtomType> atomTypeOf(std::string_view name) {
 }
 
 std::string ColumnType::text() const {
-    std::string const atom(atomTypeName(key));
+    std::string atom(atomTypeName(key));
     switch (shape) {
         case Shape::one:
             return atom;

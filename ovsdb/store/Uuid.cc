@@ -8,11 +8,10 @@ namespace {
 constexpr std::array<signed char, 256> digitTable() {
     std::array<signed char, 256> table{};
     table.fill(-1);
-    for (int i = 0; i < 10; ++i)
-        table[static_cast<std::size_t>('0' + i)] = static_cast<signed char>(i);
-    for (int i = 0; i < 6; ++i) {
-        table[static_cast<std::size_t>('a' + i)] = static_cast<signed char>(10 + i);
-        table[static_cast<std::size_t>('A' + i)] = static_cast<signed char>(10 + i);
+    for (std::size_t i = 0; i < 10; ++i) table['0' + i] = static_cast<signed char>(i);
+    for (std::size_t i = 0; i < 6; ++i) {
+        table['a' + i] = static_cast<signed char>(10 + i);
+        table['A' + i] = static_cast<signed char>(10 + i);
     }
     return table;
 }
@@ -25,6 +24,7 @@ template <int count>
 std::uint64_t takeDigits(char const* at, int& good) {
     std::uint64_t word = 0;
     for (int i = 0; i < count; ++i) {
+        // NOLINTNEXTLINE(bugprone-signed-char-misuse): the sign says that it is no digit.
         int const value = digits[static_cast<unsigned char>(at[i])];
         good |= value;
         word = word << 4 | static_cast<std::uint64_t>(value & 15);

@@ -111,7 +111,7 @@ void needArguments(std::span<Qor::QorAttr::Argument const> arguments, Words word
 Qor::Ptr<GenericIf::List_> listOf(std::span<Qor::QorAttr::Argument const> arguments, Words words,
                                   std::string const& what) {
     needArguments(arguments, words, what);
-    auto const list = Qor::make<GenericIf::List_>();
+    auto list = Qor::make<GenericIf::List_>();
     for (std::size_t n = 0; n < words.size(); ++n)
         list->enq(valueFrom(neededType(arguments[n].type.view()), words[n]));
     return list;

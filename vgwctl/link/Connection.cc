@@ -148,6 +148,7 @@ std::string Connection::call(std::string_view path, std::string_view operation,
                              std::vector<std::string> const& arguments, Deadline const& deadline) {
     returned_.reset();
     std::vector<Qor::String8> texts;
+    texts.reserve(arguments.size());
     for (std::string const& argument : arguments) texts.emplace_back(std::string_view(argument));
     session_->call(Qor::String8(path), Qor::String8(operation), texts);
     while (!returned_) {

@@ -1,6 +1,7 @@
 #include "Net.h"
 
 #include <algorithm>
+#include <new>
 
 namespace Sim {
 
@@ -196,10 +197,18 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
     }
 }
 
+// Memory that fails once is there again.
+template <class Work>
+void doInTheEnd(Work const& work) try {
+    work();
+} catch (std::bad_alloc const&) {
+    work();
+}
+
 Net::~Net() {
-    for (auto const& link : links_) link->cut();
+    for (auto const& link : links_) doInTheEnd([&] { link->cut(); });
     for (Tree& tree : trees_) {
-        for (Author& author : tree.authors) author.letGo();
+        for (Author& author : tree.authors) doInTheEnd([&] { author.letGo(); });
     }
 }
 

@@ -8,7 +8,12 @@
 #include <qor/tree/Dir.h>
 #include <vgw/agent/Status.h>
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
+
+#include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -209,6 +214,50 @@ TEST_F(InboundMemory, RecordsForNobodyLeaveNothingBehind) {
         expectBound();
     }
     EXPECT_EQ(closed(), "");
+}
+
+// One of many peers, each of which has begun a text and never ends it.
+struct OpenText {
+    explicit OpenText(Qor::Ptr<Qor::Dir> const& root) {
+        MemoryTransport::connect(peer, own);
+        Session::Config config;
+        config.side = Qor::NboAttrLog::Demuxer::Side::accepting;
+        config.peerMayWrite = true;
+        session = std::make_unique<Session>(config, own, root);
+        send(HostilePeer::hello());
+        send(hostileFrame(2, 0, 0, 1, 0, "\2" + number(1, 4) + "\1" + text("/vgw/status")));
+        static unsigned char sink[65536];
+        while (peer.read(sink) != 0) session->service();
+    }
+    std::size_t send(std::string const& bytes) {
+        peer.write(bytes);
+        session->service();
+        return bytes.size();
+    }
+    MemoryTransport peer;
+    MemoryTransport own;
+    std::unique_ptr<Session> session;
+};
+
+TEST_F(InboundMemory, OfManySessionsWithAnOpenTextEachKeepsToTheBound) {
+    constexpr std::size_t chunks = 20;
+    std::size_t const count = Settings::number("VGW_SESSIONS", Settings::volume(1000, 100, 50));
+    std::vector<std::unique_ptr<OpenText>> peers;
+    for (std::size_t i = 0; i < count; ++i) peers.push_back(std::make_unique<OpenText>(root_));
+    std::size_t const before = Memory::heldBytes();
+    std::size_t sent = 0;
+    for (std::size_t i = 0; i < chunks; ++i) {
+        for (auto const& peer : peers) {
+            sent += peer->send(hostileFrame(0x80, switchId, 387, 1, 0, std::string(1000, 'x')));
+        }
+        ASSERT_LE(Memory::heldBytes(), before + count * allowance + 4 * sent);
+    }
+    std::size_t const held = Memory::heldBytes() - before;
+    EXPECT_GE(held, count * chunks * 1000) << "the texts are not held";
+    EXPECT_LE(held, 4 * sent) << "all of them together take no more than one does";
+    for (auto const& peer : peers) ASSERT_EQ(peer->session->closed(), "");
+    std::printf("%zu sessions with an open text: %zu bytes sent, %.2f held for each\n", count, sent,
+                static_cast<double>(held) / static_cast<double>(sent));
 }
 
 // An entity costs more than the bytes that announce it; their number is what is bounded.

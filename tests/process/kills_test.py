@@ -23,6 +23,7 @@ class KillsTest(serve_case.ServeCase):
         chance = random.Random(self.seed)
         churn = Churn(generator, db.read())
         agent.start()
+        begin = time.monotonic()
         readers = [self.client(agent, "/vgw", reconnect=True) for _ in range(5)]
         with db.client() as client:
             for cycle in range(CYCLES):
@@ -35,6 +36,7 @@ class KillsTest(serve_case.ServeCase):
                 tables = db.read()
                 for reader in readers[:2] if cycle + 1 < CYCLES else readers:
                     self.await_rows(reader, tables)
+        print(f"{CYCLES} kills of a vgwd with 5 readers, {CYCLES / (time.monotonic() - begin):.2f} a second")
         self.assertEqual(agent.stop(), 0)
         left = {path.name for path in agent.directory.iterdir()} - {"said", "heard", "vgwd.lock"}
         self.assertEqual(left, set())

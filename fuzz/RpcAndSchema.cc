@@ -91,7 +91,7 @@ class Owner : public Ovsdb::RpcListener {
         if ((ways_ & 1) != 0 && method == "throw") throw std::runtime_error("a handler's trouble");
         if ((ways_ & 2) != 0 && method == "close") end();
     }
-    void onSilent(bool) override { must(false); }
+    void onSilence(Ovsdb::Silence) override { must(false); }
     void onClosed(std::string const& reason) override {
         must(!isClosed_ && !reason.empty());
         isClosed_ = true;

@@ -1,5 +1,5 @@
-// Keys of texts that a peer chooses so that all of them have one hash: they are taken in, looked
-// up, told on and removed in time that grows with their number, not with its square.
+// Keys of texts that a peer chooses so that all of them have one hash: they are taken in, looked up
+// and removed in time that grows with their number, not with its square.
 #include "ServedBytes.h"
 
 #include <qor/core/TextHash.h>

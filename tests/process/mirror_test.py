@@ -56,6 +56,19 @@ class MirrorTest(process_case.ProcessCase):
             agent.start()
         agent.await_equal(server.read())
 
+    def test_changes_that_can_not_be_printed_are_said_once_and_stop_nobody(self):
+        server = self.server()
+        self.network(server)
+        agent = Agent(self.directory / "agent", server.remote, watch=True)
+        (self.directory / "agent/heard").symlink_to("/dev/full")
+        self.addCleanup(agent.stop)
+        agent.start()
+        agent.await_said("standard output can't be written")
+        server.vtep_ctl("add-ls", "one-more")
+        agent.await_equal(server.read())
+        self.assertEqual(agent.said().count("standard output can't be written"), 1, agent.said())
+        self.assertEqual(agent.stop(), 0)
+
 
 if __name__ == "__main__":
     process_case.main()

@@ -171,7 +171,9 @@ void Agent::end(int exitCode) {
 }
 
 void Agent::onStep() {
-    if (watcher_) watcher_->flush();
+    if (!watcher_ || watcher_->flush()) return;
+    log_(LogLevel::error, "standard output can't be written: changes are not printed any more");
+    watcher_.reset();
 }
 
 void Agent::onInStep() {

@@ -25,8 +25,9 @@ class ChangePrinter {
     void tell(std::string const& path, std::string_view attribute, std::string const& value);
     void tellKey(std::string const& path, std::string_view attribute, std::string const& key,
                  std::string const& value);
-    /// What was told is out. To be called after each step.
-    void flush() { std::fflush(out_); }
+    /// What was told is out; false where something could not be written, now or before. To be
+    /// called after each step.
+    [[nodiscard]] bool flush() { return std::fflush(out_) == 0 && std::ferror(out_) == 0; }
 
     /// `value` is what a key is told with that is gone.
     static constexpr char const* removed = "removed";

@@ -22,8 +22,8 @@ class Watcher {
     /// Watches the status, and the session below it, too.
     void watch(Vgw::Status::Ptr const& status);
 
-    /// To be called after each step of the mirror.
-    void flush() { printer_.flush(); }
+    /// To be called after each step of the mirror. False where something could not be written.
+    [[nodiscard]] bool flush() { return printer_.flush(); }
 
   private:
     ChangePrinter printer_;

@@ -72,7 +72,7 @@ std::string findProgram(std::string const& name, std::string const& companion) {
     places += std::string(path != nullptr ? path : "") + ":/usr/sbin:/usr/bin:/sbin:/bin";
     for (std::size_t from = 0; from <= places.size();) {
         std::size_t const colon = std::min(places.find(':', from), places.size());
-        std::string const candidate = places.substr(from, colon - from) + "/" + name;
+        std::string candidate = places.substr(from, colon - from) + "/" + name;
         if (candidate.front() == '/' && ::access(candidate.c_str(), X_OK) == 0) return candidate;
         from = colon + 1;
     }
@@ -82,6 +82,7 @@ std::string findProgram(std::string const& name, std::string const& companion) {
 
 pid_t startProgram(std::vector<std::string> const& words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string const& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     pid_t const parent = ::getpid();

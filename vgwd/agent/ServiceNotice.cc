@@ -16,7 +16,7 @@ namespace {
 
 std::string taken(char const* variable) {
     char const* const value = std::getenv(variable);
-    std::string const text = value != nullptr ? value : "";
+    std::string text = value != nullptr ? value : "";
     ::unsetenv(variable);
     return text;
 }

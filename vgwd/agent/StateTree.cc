@@ -7,7 +7,7 @@ constexpr char const* macTables[] = {"ucastMacsLocal", "mcastMacsLocal", "ucastM
                                      "mcastMacsRemote"};
 
 Qor::Dir::Ptr addDirectory(Qor::Dir& root, char const* name) {
-    Qor::Dir::Ptr const directory = Qor::make<Qor::Dir>(name);
+    Qor::Dir::Ptr directory = Qor::make<Qor::Dir>(name);
     root.entryIs(name, directory);
     return directory;
 }

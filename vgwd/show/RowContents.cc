@@ -19,6 +19,7 @@ void tellSet(std::string_view name, Walk walk, ContentSink& sink) {
         if (walk.value()) keys.push_back(walk.key());
     std::sort(keys.begin(), keys.end());
     std::vector<Cell> cells;
+    cells.reserve(keys.size());
     for (auto const& key : keys) cells.push_back(cellOf(key));
     sink.list(name, cells);
 }
@@ -29,6 +30,7 @@ void tellMap(std::string_view name, Walk walk, ContentSink& sink) {
     for (; walk; ++walk) entries.emplace_back(walk.key(), walk.value());
     std::sort(entries.begin(), entries.end());
     std::vector<CellPair> cells;
+    cells.reserve(entries.size());
     for (auto const& [key, value] : entries) cells.emplace_back(cellOf(key), cellOf(value));
     sink.pairs(name, cells);
 }
@@ -40,6 +42,7 @@ void tellMacRefs(std::string_view name, Walk walk, ContentSink& sink) {
         if (walk.value()) pairs.push_back(walk.key());
     std::sort(pairs.begin(), pairs.end());
     std::vector<CellPair> cells;
+    cells.reserve(pairs.size());
     for (Vgw::MacVniPair const& pair : pairs)
         cells.emplace_back(cellOf(pair.mac()), cellOf(pair.vni()));
     sink.pairs(name, cells);

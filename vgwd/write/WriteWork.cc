@@ -135,7 +135,7 @@ std::string DatabaseWriter::madeRow(Table table, Pending const& pending) const {
     if (isInDatabase({table, pending.uuid})) return pending.uuid;
     if (takesUuids_) return {};
     for (auto at = directory(table).entryIteratorConst(); at; ++at) {
-        std::string const name(at.key().view());
+        std::string name(at.key().view());
         if (at.value() && isInDatabase({table, name}) && macContentOf(*at.value()) == pending.made)
             return name;
     }

@@ -130,6 +130,7 @@ void AdapterLevel<X, Base>::handleAttrTransaction(AttributeId id, Transaction ty
     Adapter::QorStreamed::forEach([&]<class S>() {
         if (S::id == id) handleTransactionOf<S>(self(), type);
     });
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): no level between has this attribute.
     Entity::QorNboAttrLogSa::handleAttrTransaction(id, type, arg);
 }
 

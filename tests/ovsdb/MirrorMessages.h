@@ -7,6 +7,8 @@
 
 #include <vgwd/watch/Watcher.h>
 
+#include <gtest/gtest.h>
+
 #include <array>
 #include <cstdio>
 #include <string>
@@ -74,7 +76,7 @@ class Heard {
 
     /// Since the last call.
     std::vector<std::string> lines() {
-        watcher_.flush();
+        EXPECT_TRUE(watcher_.flush());
         std::vector<std::string> lines;
         std::fseek(file_, read_, SEEK_SET);
         std::array<char, 400> line{};

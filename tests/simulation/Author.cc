@@ -1,6 +1,7 @@
 #include "Author.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace Sim {
 
@@ -105,16 +106,54 @@ void Author::changeField(std::string const& path, Row const& row, Field const& f
     put(path, row, field, key);
 }
 
+// What a field holds under a key; none where there is nothing.
+class Held final : public FieldReader {
+  public:
+    Held(Row const& row, Field const& field, unsigned key) : key_(field.keyText(key)) {
+        field.show(*row.entity, row.shape->newborn(), *this);
+    }
+    void value(std::string const& key, std::string const& text) override {
+        if (key == key_) held = text;
+    }
+    void reference(std::string const&, EntityPtr const&) override {}
+    void owned(std::string const&, EntityPtr const&, Shape const&) override {}
+
+    std::optional<std::string> held;
+
+  private:
+    std::string const key_;
+};
+
+// A copy may hold again what its author has replaced: the source, which has not heard of that yet,
+// has said it once more. To write that then is no change, and goes nowhere. So it is of flags,
+// whose values are not each another.
+void Author::noteWrite(std::string const& line, Held const& before,
+                       std::optional<std::string> const& written) {
+    auto const planned = plan_.lines.find(line);
+    bool const isAsPlanned =
+        planned == plan_.lines.end() ? !before.held : before.held == planned->second;
+    bool const isSure = isAsPlanned && !plan_.unsure.contains(line);
+    bool const goesNowhere = number_ != 0 && before.held == written && !isSure;
+    note(line, written.value_or(""), !written);
+    if (goesNowhere) plan_.unsure.insert(line);
+}
+
 void Author::put(std::string const& path, Row const& row, Field const& field, unsigned key) {
+    std::string const line = lineOf(path, field, key);
+    if (field.kind == FieldKind::flags) {
+        Held const before(row, field, key);
+        return noteWrite(line, before, field.put(*row.entity, key, fresh()));
+    }
     std::string const text = field.put(*row.entity, key, fresh());
     bool const isInitial =
         field.kind == FieldKind::scalar && text == field.initial(row.shape->newborn());
-    note(lineOf(path, field, key), text, isInitial);
+    note(line, text, isInitial);
 }
 
 void Author::erase(std::string const& path, Row const& row, Field const& field, unsigned key) {
+    Held const before(row, field, key);
     field.erase(*row.entity, key);
-    note(lineOf(path, field, key), {}, true);
+    noteWrite(lineOf(path, field, key), before, std::nullopt);
 }
 
 void Author::refer(std::string const& path, Row const& row, Field const& field, unsigned key) {

@@ -6,7 +6,11 @@
 #include "Dice.h"
 #include "Plan.h"
 
+#include <optional>
+
 namespace Sim {
+
+class Held;
 
 class Author {
   public:
@@ -41,6 +45,8 @@ class Author {
     std::pair<std::string, Row> anyRow();
     unsigned anyKey();
     void changeField(std::string const& path, Row const& row, Field const& field);
+    void noteWrite(std::string const& line, Held const& before,
+                   std::optional<std::string> const& written);
     void put(std::string const& path, Row const& row, Field const& field, unsigned key);
     void erase(std::string const& path, Row const& row, Field const& field, unsigned key);
     void refer(std::string const& path, Row const& row, Field const& field, unsigned key);

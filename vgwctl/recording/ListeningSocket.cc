@@ -29,6 +29,23 @@ void endByASignal(int signal) {
     ::raise(signal);
 }
 
+// While it lives, none of them arrives.
+class EndingHeldOff {
+  public:
+    EndingHeldOff() {
+        sigset_t ending;
+        ::sigemptyset(&ending);
+        for (int const signal : endingSignals) ::sigaddset(&ending, signal);
+        ::sigprocmask(SIG_BLOCK, &ending, &before_);
+    }
+    ~EndingHeldOff() { ::sigprocmask(SIG_SETMASK, &before_, nullptr); }
+    EndingHeldOff(EndingHeldOff const&) = delete;
+    EndingHeldOff& operator=(EndingHeldOff const&) = delete;
+
+  private:
+    sigset_t before_;
+};
+
 void removeAtEnd(std::string const& path) {
     path.copy(removedAtEnd, path.size());
     removedAtEnd[path.size()] = 0;
@@ -97,8 +114,10 @@ Descriptor listeningAt(std::string const& path) {
 
 }  // namespace
 
-ListeningSocket::ListeningSocket(std::string path)
-    : path_(std::move(path)), descriptor_(listeningAt(path_)) {
+ListeningSocket::ListeningSocket(std::string path) : path_(std::move(path)) {
+    // Whoever sees the socket may end the program.
+    EndingHeldOff const heldOff;
+    descriptor_ = listeningAt(path_);
     removeAtEnd(path_);
 }
 

@@ -28,6 +28,9 @@ void* counted(std::size_t size) {
     return counted(size);
 }
 [[gnu::noinline]] void* operator new[](std::size_t size) { return ::operator new(size); }
+[[gnu::noinline]] void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return counted(size);
+}
 [[gnu::noinline]] void operator delete(void* block) noexcept { std::free(block); }
 [[gnu::noinline]] void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 [[gnu::noinline]] void operator delete(void* block, std::nothrow_t const&) noexcept {
@@ -35,6 +38,9 @@ void* counted(std::size_t size) {
 }
 [[gnu::noinline]] void operator delete[](void* block) noexcept { std::free(block); }
 [[gnu::noinline]] void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+[[gnu::noinline]] void operator delete[](void* block, std::nothrow_t const&) noexcept {
+    std::free(block);
+}
 
 using namespace Sample;
 

@@ -2,6 +2,8 @@
 
 #include "MirrorMessages.h"
 
+#include <tests/support/Settings.h>
+
 #include <gtest/gtest.h>
 
 #include <ctime>
@@ -48,6 +50,11 @@ void expectAsCheapTogether(Messages const& messages, unsigned size) {
     testing::Test::RecordProperty("together", std::to_string(together));
     testing::Test::RecordProperty("apart", std::to_string(apart));
     EXPECT_LT(together, 3 * apart);
+}
+
+// So many thousands, where nothing is checked beside.
+constexpr unsigned things(unsigned thousands) {
+    return static_cast<unsigned>(thousands * Settings::volume(1000, 100, 100));
 }
 
 constexpr unsigned firstRow = 1'000'000;
@@ -100,7 +107,7 @@ TEST(MirrorGrowth, MulticastRowsOfOneSet) {
             begin["Mcast_Macs_Local"] = rows(size, row);
             return std::vector<json>{begin, {{"Mcast_Macs_Local", allGone(size)}}};
         },
-        10'000);
+        things(10));
 }
 
 TEST(MirrorGrowth, SetsOfOneLocator) {
@@ -113,7 +120,7 @@ TEST(MirrorGrowth, SetsOfOneLocator) {
                                       {"Physical_Locator_Set", rows(size, row)}},
                                      {{"Physical_Locator_Set", allGone(size)}}};
         },
-        20'000);
+        things(20));
 }
 
 // The switch's key is written to each row anew, with the addresses of its set.
@@ -133,7 +140,7 @@ TEST(MirrorGrowth, LocatorsOfOneSet) {
             json const key = modify({{"tunnel_key", 7}});
             return std::vector<json>{begin, {{"Logical_Switch", {{uuidText(red), key}}}}};
         },
-        10'000);
+        things(10));
 }
 
 TEST(MirrorGrowth, LocatorsOfOneAddress) {
@@ -147,7 +154,7 @@ TEST(MirrorGrowth, LocatorsOfOneAddress) {
             return std::vector<json>{{{"Physical_Locator", rows(size, row)}},
                                      {{"Physical_Locator", allGone(size)}}};
         },
-        20'000);
+        things(20));
 }
 
 TEST(MirrorGrowth, TunnelsToOneLocator) {
@@ -160,7 +167,7 @@ TEST(MirrorGrowth, TunnelsToOneLocator) {
                                       {"Tunnel", rows(size, row)}},
                                      {{"Tunnel", allGone(size)}}};
         },
-        10'000);
+        things(10));
 }
 
 TEST(MirrorGrowth, PortsOfOneSwitch) {
@@ -178,7 +185,7 @@ TEST(MirrorGrowth, PortsOfOneSwitch) {
                                      {{"Physical_Port", allGone(size)},
                                       {"Physical_Switch", ownerRows(size, each, emptied)}}};
         },
-        10'000);
+        things(10));
 }
 
 // Every other key goes.
@@ -200,7 +207,7 @@ TEST(MirrorGrowth, BfdKeysOfOneLocator) {
             return std::vector<json>{{{"Physical_Locator", ownerRows(size, each, whole)}},
                                      {{"Physical_Locator", ownerRows(size, each, halved)}}};
         },
-        4'000);
+        things(4));
 }
 
 }  // namespace

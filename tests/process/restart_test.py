@@ -1,7 +1,7 @@
 """A server that is killed at any moment under writes and started again: the mirror is equal again, soon, and with it the
 copies of all that read: a library peer, one behind a relay, and `vgwctl watch`, which tells real differences only.
 
-VGW_CYCLES=n repeats it n times (75 unless told, in each of the four that ./test runs side by side; 8 under a sanitizer).
+VGW_CYCLES=n repeats it n times (40 unless told, in each of the four that ./test runs side by side; 8 under a sanitizer).
 """
 import os
 import random
@@ -14,7 +14,7 @@ from support.churn import Churn
 from support.generator import Generator
 from support.rpc import RpcError
 
-CYCLES = int(os.environ.get("VGW_CYCLES", volume(75, 8)))
+CYCLES = int(os.environ.get("VGW_CYCLES", volume(40, 8)))
 
 # After a restart: the wait before a reconnect, at most 1 s after one short loss, and a second for all the rest.
 LONGEST = 2.0

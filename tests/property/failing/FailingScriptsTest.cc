@@ -65,7 +65,7 @@ void judge(std::optional<Outcome> const& outcome, std::uint64_t digest, Counts& 
 }
 
 TEST(FailingScripts, EachRequestForMemoryMayFail) {
-    std::uint64_t const failures = Settings::number("VGW_FAILURES", Settings::volume(60, 6, 3));
+    std::uint64_t const failures = Settings::number("VGW_FAILURES", Settings::volume(60, 3, 2));
     std::mt19937_64 random(Settings::seed());
     auto const start = std::chrono::steady_clock::now();
     Counts counts;

@@ -224,17 +224,17 @@ std::unique_ptr<Subject> made() {
 
 std::vector<Sort> const& sorts() {
     static std::vector<Sort> const all{
-        {"DescribedRow", 1, 1, false, &made<DescribedRow>},
-        {"DescribedRowAndValue", 2, 2, true, &made<DescribedRow>},
-        {"DescribedChild", 1, 1, false, &made<DescribedChild>},
-        {"DescribedChildAndValue", 2, 2, true, &made<DescribedChild>},
-        {"DescribedFlag", 2, 2, true, &made<DescribedFlag>},
-        {"DescribedLabel", 2, 2, true, &made<DescribedLabel<1>>},
+        {"DescribedRow", 1, 2, false, &made<DescribedRow>},
+        {"DescribedRowAndValue", 2, 3, true, &made<DescribedRow>},
+        {"DescribedChild", 1, 2, false, &made<DescribedChild>},
+        {"DescribedChildAndValue", 2, 3, true, &made<DescribedChild>},
+        {"DescribedFlag", 2, 3, true, &made<DescribedFlag>},
+        {"DescribedLabel", 2, 3, true, &made<DescribedLabel<1>>},
         {"DescribedLongLabel", 2, 3, true, &made<DescribedLabel<40000>>},
-        {"DescribedScalar", 1, 1, true, &made<DescribedScalar>},
-        {"DescribedText", 1, 1, true, &made<DescribedText<1>>},
+        {"DescribedScalar", 1, 2, true, &made<DescribedScalar>},
+        {"DescribedText", 1, 2, true, &made<DescribedText<1>>},
         {"DescribedLongText", 1, 3, true, &made<DescribedText<40000>>},
-        {"DescribedReference", 2, 2, true, &made<DescribedReference>},
+        {"DescribedReference", 2, 3, true, &made<DescribedReference>},
     };
     return all;
 }

@@ -84,6 +84,7 @@ class EmbeddedTest(process_case.ProcessCase):
     def test_it_inherits_neither_the_log_nor_a_connection(self):
         log = self.directory / "log"
         self.agent = Agent(self.directory / "agent", None, "--schema", self.schema, "--log-file", str(log))
+        self.addCleanup(self.agent.stop)
         self.agent.start()
         for _ in range(2):
             self.agent.await_said("in step by")

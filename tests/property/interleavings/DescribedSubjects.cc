@@ -215,11 +215,6 @@ class DescribedReference final : public DescribedSubject {
     void tidyUp(End end) override { Tree::dropDangling(top(end)); }
 };
 
-template <class S>
-std::unique_ptr<Subject> made() {
-    return std::make_unique<S>();
-}
-
 }  // namespace
 
 std::vector<Sort> const& sorts() {

@@ -30,6 +30,11 @@ class Subject {
     virtual void tidyUp(End) {}
 };
 
+template <class S>
+std::unique_ptr<Subject> made() {
+    return std::make_unique<S>();
+}
+
 struct Sort {
     char const* name;
     unsigned changes;      // of how many sorts

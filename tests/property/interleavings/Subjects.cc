@@ -321,11 +321,6 @@ class Reference final : public SubjectOf<Links> {
     }
 };
 
-template <class S>
-std::unique_ptr<Subject> made() {
-    return std::make_unique<S>();
-}
-
 }  // namespace
 
 std::vector<Sort> const& sorts() {

@@ -3,26 +3,19 @@
 
 #include <qor/attrlog/dir/DirAdapter.h>
 #include <qor/core/Now.h>
+#include <tests/support/Documentation.h>
 #include <tests/support/SessionPair.h>
 #include <vgw/attrlog/CliConfig.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 
 namespace {
 
 using Qor::make;
 using Qor::Name;
-
-std::string page() {
-    std::ifstream file(TREE "/docs/attribute-log.md");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // Notes each frame that goes over, in its order, with who sends it.
 class Dialogue : protected SessionPair {
@@ -85,7 +78,7 @@ class Dialogue : protected SessionPair {
 
 // The block of the page that begins with that line, without the lines of words.
 std::string blockOf(std::string const& title) {
-    std::string const text = page();
+    std::string const text = attributeLogPage(TREE);
     std::size_t const begin = text.find("```\n" + title + "\n");
     if (begin == std::string::npos) return "no block begins with: " + title;
     std::istringstream lines(text.substr(begin + 4, text.find("\n```", begin + 4) - begin - 3));

@@ -9,23 +9,16 @@
 #include <vgw/attrlog/PhysicalSwitch.h>
 #include <vgw/attrlog/Status.h>
 
+#include <tests/support/Documentation.h>
+
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
-#include <sstream>
 
 namespace {
 
 using Qor::make;
 using Qor::Name;
-
-std::string documentation() {
-    std::ifstream file(TREE "/docs/attribute-log.md");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // What a connecting end sends of `entity` when it changes.
 template <class X>
@@ -38,7 +31,7 @@ std::string frameOf(Qor::Ptr<X> const& entity, std::function<void(X&)> const& ch
 }
 
 TEST(DocumentedFrames, AreThoseThatAreSent) {
-    std::string const text = documentation();
+    std::string const text = attributeLogPage(TREE);
     auto const shows = [&text](std::string const& frame) {
         EXPECT_NE(text.find("\n" + frame + "\n"), std::string::npos) << frame;
     };
@@ -60,7 +53,7 @@ TEST(DocumentedFrames, AreThoseThatAreSent) {
 }
 
 TEST(DocumentedFrames, OfReferencesOrphansAndMarkers) {
-    std::string const text = documentation();
+    std::string const text = attributeLogPage(TREE);
     auto const shows = [&text](std::string const& frame) {
         EXPECT_NE(text.find("\n" + frame + "\n"), std::string::npos) << frame;
     };
@@ -97,7 +90,7 @@ TEST(DocumentedFrames, OfADirectorysEntry) {
     dir->entryIs(Name("ls"), make<Vgw::LogicalSwitch>(Name("ls")));
     for (int i = 0; i < 2; ++i) {
         std::string const frame = next();
-        EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+        EXPECT_NE(attributeLogPage(TREE).find("\n" + frame + "\n"), std::string::npos) << frame;
         dir->entryDel(Name("ls"));
     }
 }
@@ -108,7 +101,7 @@ TEST(DocumentedFrames, OfAReceipt) {
     peer.demuxer->serveFrames(1);
     peer.demuxer->sendReceipt();
     std::string const frame = hex(takeBytes(peer.out()));
-    EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+    EXPECT_NE(attributeLogPage(TREE).find("\n" + frame + "\n"), std::string::npos) << frame;
 }
 
 TEST(DocumentedFrames, OfAChunkThatIsNotTheLast) {
@@ -122,7 +115,7 @@ TEST(DocumentedFrames, OfAChunkThatIsNotTheLast) {
     connection << position;
     out << Token::end;
     std::string const frame = hex(takeBytes(*out));
-    EXPECT_NE(documentation().find("\n" + frame + "\n"), std::string::npos) << frame;
+    EXPECT_NE(attributeLogPage(TREE).find("\n" + frame + "\n"), std::string::npos) << frame;
 }
 
 }  // namespace

@@ -3,10 +3,9 @@
 
 #include <qor/attrlog/session/Session.h>
 
-#include <gtest/gtest.h>
+#include <tests/support/Documentation.h>
 
-#include <fstream>
-#include <sstream>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -16,13 +15,6 @@ using Qor::U8;
 using Qor::NboAttrLog::Out;
 using Qor::NboAttrLog::Session;
 using Token = Out::TransactToken;
-
-std::string documentation() {
-    std::ifstream file(TREE "/docs/attribute-log.md");
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 // The frames of a session that takes types, and is asked for one of its own.
 std::vector<std::string> framesOfSession() {
@@ -56,7 +48,7 @@ std::vector<std::string> framesOfSession() {
 }
 
 TEST(DocumentedDescriptions, AreThoseThatAreSent) {
-    std::string const text = documentation();
+    std::string const text = attributeLogPage(TREE);
     auto const frames = framesOfSession();
     ASSERT_EQ(frames.size(), 4U) << "hello, the question, a description, the end";
     for (std::size_t i = 0; i < frames.size(); ++i) {

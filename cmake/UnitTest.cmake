@@ -1,11 +1,11 @@
 # vgw_test(<name> SOURCES <file>... [LINKS <target>...] [LABELS <label>...] [TIMEOUT <seconds>] [ENVIRONMENT <A=B>...]
-#          [HEADERS <target>])
+#          [HEADERS <target>] [WAITS])
 #
 # One gtest binary and one ctest entry. Links every object library that LINKS reach, so hidden visibility costs no test.
 # HEADERS: a target of vgw_test_headers, for tests that read more heavy headers than the framework's.
 # LABELS: unit (the default), contract, property, process, regress, install.
 function(vgw_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_MAIN" "TIMEOUT;HEADERS" "SOURCES;LINKS;LABELS;ENVIRONMENT")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "NO_MAIN;WAITS" "TIMEOUT;HEADERS" "SOURCES;LINKS;LABELS;ENVIRONMENT")
     find_package(GTest REQUIRED)
     add_executable(${name} ${arg_SOURCES})
     vgw_target_settings(${name})
@@ -28,12 +28,17 @@ function(vgw_test name)
     if(NOT arg_NO_MAIN)
         target_link_libraries(${name} PRIVATE GTest::gtest_main)
     endif()
+    set(load "")
+    if(arg_WAITS)
+        set(load WAITS)
+    endif()
     vgw_add_test(
         ${name}
         COMMAND $<TARGET_FILE:${name}>
         LABELS ${arg_LABELS}
         TIMEOUT ${arg_TIMEOUT}
-        ENVIRONMENT ${arg_ENVIRONMENT})
+        ENVIRONMENT ${arg_ENVIRONMENT}
+        ${load})
 endfunction()
 
 # vgw_test_settings(<target> [OPTIMISED])
@@ -80,8 +85,8 @@ endfunction()
 
 # vgw_add_test(<name> COMMAND <program> <argument>... [LABELS ...] [TIMEOUT <seconds>] [ENVIRONMENT ...] [SERIAL | WAITS])
 #
-# Registers a command with ctest under this build's prefix, with its time limit and the sanitizers' settings. ./test runs twice
-# as many as there are cores, and each counts for two; but one that WAITS, for most of its time, for one.
+# Registers a command with ctest under this build's prefix, with its time limit and the sanitizers' settings. For ./test one
+# counts for three, one that WAITS, for most of its time, for one; what runs at a time counts for three a core, and one beside.
 function(vgw_add_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "SERIAL;WAITS" "TIMEOUT" "COMMAND;LABELS;ENVIRONMENT")
     if(NOT arg_LABELS)
@@ -93,7 +98,7 @@ function(vgw_add_test name)
     math(EXPR timeout "${arg_TIMEOUT} * ${VGW_TEST_TIME_FACTOR}")
     set(test "${VGW_TEST_PREFIX}${name}")
     add_test(NAME ${test} COMMAND ${VGW_TEST_LAUNCHER} ${arg_COMMAND})
-    set(processors 2)
+    set(processors 3)
     if(arg_WAITS)
         set(processors 1)
     endif()

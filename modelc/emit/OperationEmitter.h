@@ -6,7 +6,7 @@
 
 namespace Modelc {
 
-class OperationEmitter : public MemberEmitter {
+class OperationEmitter final : public MemberEmitter {
   public:
     OperationEmitter(Entity const& entity, Operation const& operation);
 

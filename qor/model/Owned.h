@@ -75,7 +75,7 @@ typename A::Value setChild(typename A::Entity& entity, Name const& name) {
         return field;
     }
     // Made before the old one is let go: it may be that it can't be.
-    typename A::Value const child = validPtr(make<typename A::Target>(name));
+    typename A::Value child = validPtr(make<typename A::Target>(name));
     if (field) {
         field->parentIs(nullptr);
     }

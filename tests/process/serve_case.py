@@ -8,11 +8,9 @@ from support.agent import SLOWNESS, Agent, difference
 from support.tree_client import TreeClient
 
 
-def rows_text(tables):
-    """The dump of a reader that has what those tables say. What the model can't hold is told in no row."""
-    rows = projection.project(tables)
-    rows["lost"] = []
-    return json.dumps(rows, sort_keys=True, indent=1, ensure_ascii=True) + "\n"
+def told_rows(rows):
+    """What a reader has of the rows of a projection. What the model can't hold is told in no row."""
+    return {**rows, "lost": []}
 
 
 class ServeCase(process_case.ProcessCase):
@@ -31,11 +29,15 @@ class ServeCase(process_case.ProcessCase):
 
     def await_rows(self, client, tables, timeout=30):
         """Until the reader's copy is what the tables say; the seconds that it took."""
+        return self.await_told_rows(client, projection.project(tables), timeout)
+
+    def await_told_rows(self, client, rows, timeout=30):
+        """The same, of what the tables' projection is."""
         begin = time.monotonic()
-        expected = rows_text(tables)
+        expected = projection.one_line(told_rows(rows))
         while True:
             text = client.dump(self.directory / "client.json")
-            if text == expected:
+            if projection.one_line(json.loads(text)) == expected:
                 return time.monotonic() - begin
             if time.monotonic() - begin > timeout * SLOWNESS:
                 raise AssertionError(f"after {timeout * SLOWNESS} s: {difference(expected, text)}; {client.told[-5:]}")

@@ -5,6 +5,7 @@ import subprocess
 import time
 
 import serve_case
+from support import projection
 from support.agent import Agent, program
 from support.proxy import Proxy
 
@@ -42,7 +43,7 @@ class ServeTest(serve_case.ServeCase):
 
     def test_a_reader_that_comes_amid_the_first_copy_gets_all_of_it_at_once(self):
         self.network(self.db, remote_macs=50)
-        expected = serve_case.rows_text(self.db.read())
+        expected = projection.canonical_text(serve_case.told_rows(projection.project(self.db.read())))
         for turn in range(3):
             begin = time.monotonic()
             agent, proxy = self.agent_without_answer(f"agent{turn}")

@@ -328,6 +328,8 @@ class FollowingTest(VgwctlCase):
 
     def test_a_relay_that_is_ended_leaves_no_socket(self):
         for number, ending in ((signal.SIGTERM, -15), (signal.SIGINT, -2), (signal.SIGHUP, -1)):
+            # One that is ignored here, as behind nohup, would be ignored there.
+            self.addCleanup(signal.signal, number, signal.signal(number, signal.SIG_DFL))
             relay, remote = self.start_relay("ended")
             relay.send(number)
             self.assertEqual(relay.code(), ending)

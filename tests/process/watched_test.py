@@ -1,6 +1,7 @@
 """The judge of what `vgwctl watch` tells, judged: support/watched.py takes a true story and finds what is wrong with others."""
 import unittest
 
+from support.projection import project
 from support.watched import DATABASE, Story, expected_text
 
 ROW = f"{DATABASE}/logicalSwitch/a"
@@ -50,7 +51,8 @@ class WatchedTest(unittest.TestCase):
 
     def test_members_that_come_and_go_add_up(self):
         tables = {"Logical_Switch": {"a": {"name": "red", "description": "", "tunnel_key": -1}}}
-        text, expected = expected_text(tables)
+        expected = project(tables)
+        text = expected_text(expected)
         told = story(
             line("initial", ROW),
             line("initial", ROW, "displayName", value="red"),

@@ -41,6 +41,7 @@ class Agent:
         self.directory.mkdir(parents=True, exist_ok=True)
         self.dump_file = self.directory / "dump.json"
         self.pid_file = self.directory / "vgwd.pid"
+        self._is_form_judged = False
         self._said = self.directory / "said"
         self._heard = self.directory / "heard"
         self._command = [program(), *(["--ovsdb", remote] if remote else []), "--run-dir", str(self.directory)]
@@ -100,15 +101,24 @@ class Agent:
 
     def await_equal(self, tables, timeout=30):
         """Until the dump is the tables' projection; the seconds that it took."""
+        return self.await_rows(projection.project(tables), timeout)
+
+    def await_rows(self, rows, timeout=30):
+        """The same, of what the tables' projection is. The form of the first dump that is equal is judged too."""
         begin = time.monotonic()
-        expected = projection.canonical_text(tables)
+        expected = projection.one_line(rows)
         while True:
             text = self.dump_text()
-            if text == expected:
-                return time.monotonic() - begin
+            if projection.one_line(json.loads(text)) == expected:
+                break
             if time.monotonic() - begin > timeout * SLOWNESS:
                 raise AssertionError(f"after {timeout * SLOWNESS} s: {difference(expected, text)}\n{self.said()[-2000:]}")
             time.sleep(0.02)
+        took = time.monotonic() - begin
+        if not self._is_form_judged and text != projection.canonical_text(rows):
+            raise AssertionError(f"the same values, but not the same text\n{text[:2000]}")
+        self._is_form_judged = True
+        return took
 
     def await_said(self, *words, timeout=20):
         """Until standard error holds all the words."""
@@ -146,8 +156,6 @@ def difference(expected, got):
     except ValueError as error:
         return f"no JSON: {error}"
     places = list(_differences("", json.loads(expected), got))
-    if not places:
-        return "the same values, but not the same text"
     return "\n".join([f"{len(places)} differences"] + places[:8])
 
 

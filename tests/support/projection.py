@@ -22,9 +22,14 @@ COUNTERS = {
 }
 
 
-def canonical_text(tables):
-    """The dump as text, ending with a line's end."""
-    return json.dumps(project(tables), sort_keys=True, indent=1, ensure_ascii=True) + "\n"
+def canonical_text(rows):
+    """The dump of what project() answered, ending with a line's end."""
+    return json.dumps(rows, sort_keys=True, indent=1, ensure_ascii=True) + "\n"
+
+
+def one_line(rows):
+    """The same in a tenth of the time, for comparing with what was read from a dump."""
+    return json.dumps(rows, sort_keys=True)
 
 
 def project(tables):

@@ -5,7 +5,8 @@ import re
 import socket
 
 DATABASE = "hardware_vtep"
-_MARKS = re.compile(rb'["\\{}\[\]]')
+_DECODER = json.JSONDecoder()
+_SPACE = re.compile(r"\s*")
 
 
 class RpcError(Exception):
@@ -13,34 +14,27 @@ class RpcError(Exception):
 
 
 class Framer:
-    """Cuts a byte stream into JSON values; looks at each byte once."""
+    """Cuts a byte stream into JSON objects. It looks when what came ends as one does: a text may too, and is then looked at
+    again."""
 
     def __init__(self):
         self._buffer = bytearray()
-        self._seen = self._depth = 0
-        self._quoted = False
-        self._skip = -1  # index of a byte that a backslash has made ordinary
 
     def feed(self, data):
-        """The whole values that are there now."""
+        """The whole objects that are there now; one before a part of another may wait for the rest of that."""
         self._buffer += data
+        if not self._buffer.rstrip().endswith(b"}"):
+            return []
+        text = self._buffer.decode()
         values, start = [], 0
-        for mark in _MARKS.finditer(self._buffer, self._seen):
-            at, byte = mark.start(), mark.group()
-            if at == self._skip:
-                continue
-            if byte == b"\\":
-                self._skip = at + 1
-            elif byte == b'"':
-                self._quoted = not self._quoted
-            elif not self._quoted:
-                self._depth += 1 if byte in b"{[" else -1
-                if self._depth == 0:
-                    values.append(json.loads(self._buffer[start : at + 1]))
-                    start = at + 1
-        del self._buffer[:start]
-        self._skip -= start
-        self._seen = len(self._buffer)
+        while start < len(text):
+            try:
+                value, start = _DECODER.raw_decode(text, start)
+            except json.JSONDecodeError:
+                break
+            values.append(value)
+            start = _SPACE.match(text, start).end()
+        self._buffer = bytearray(text[start:].encode())
         return values
 
 

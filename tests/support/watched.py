@@ -102,7 +102,7 @@ class Story:
         indexes = self.rows.get(DATABASE, {})
         for index in INDEXES:
             database[index] = {_index_key(key): _leaf(value) for key, value in indexes.get(index, {}).values()}
-        return _text({"ovsdb": database, **told, "lost": []})
+        return projection.one_line({"ovsdb": database, **told, "lost": []})
 
     def _rows_of(self, folder, expected):
         """Values without content are told by no line."""
@@ -116,19 +116,17 @@ class Story:
         }
 
 
-def expected_text(tables):
-    """The rows that those tables make, in the form of Story.told_text, and as they are."""
-    expected = projection.project(tables)
-    expected["lost"] = []
-    for rows in [expected[table] for table in MAC_TABLES] + [expected["ovsdb"][table] for table in ROW_TABLES]:
-        for row in rows.values():
-            row.update({name: sorted(value, key=json.dumps) for name, value in row.items() if isinstance(value, list)})
-    return _text(expected), expected
+def expected_text(rows):
+    """The rows of a projection in the form of Story.told_text."""
+    expected = {"ovsdb": dict(rows["ovsdb"]), "lost": []}
+    for folder, tables in ((expected, MAC_TABLES), (expected["ovsdb"], ROW_TABLES)):
+        held = rows if folder is expected else rows["ovsdb"]
+        folder.update({table: {name: _with_sorted_lists(row) for name, row in held[table].items()} for table in tables})
+    return projection.one_line(expected)
 
 
-def _text(dump):
-    """Of both sides alike. With an indent it would take ten times as long."""
-    return json.dumps(dump, sort_keys=True)
+def _with_sorted_lists(row):
+    return {name: sorted(value, key=json.dumps) if isinstance(value, list) else value for name, value in row.items()}
 
 
 def _held(value):
@@ -187,11 +185,15 @@ class Watched:
 
     def await_rows(self, tables, timeout=30):
         """Until what it told adds up to the tables; the seconds that it took."""
+        return self.await_told_rows(projection.project(tables), timeout)
+
+    def await_told_rows(self, rows, timeout=30):
+        """The same, of what the tables' projection is."""
         begin = time.monotonic()
-        text, expected = expected_text(tables)
+        text = expected_text(rows)
         while True:
             with self._lock:
-                told = self.story.told_text(expected)
+                told = self.story.told_text(rows)
             if told == text:
                 return time.monotonic() - begin
             if time.monotonic() - begin > timeout * SLOWNESS or self._process.poll() is not None:

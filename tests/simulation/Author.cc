@@ -12,7 +12,7 @@ constexpr char const* knot = "/entry/s3";
 constexpr std::size_t deepest = 90;  // characters of a path
 
 unsigned sortOf(std::string const& className) {
-    auto const& all = shapes();
+    auto const& all = shapes(Knowledge::compiled);
     for (unsigned sort = 0; sort < all.size(); ++sort) {
         if (all[sort]->name == className) return sort;
     }
@@ -70,9 +70,9 @@ bool Author::mayWrite(std::string const& row, Field const& field, unsigned key) 
 // them.
 std::pair<std::string, Row> Author::anyRow() {
     if (Cast::hasTies() && !dice_.oneIn(4)) {
-        if (Row const row = rowAt(*top_, knot); row.entity) return {knot, row};
+        if (Row const row = rowAt(top_, knot); row.entity) return {knot, row};
     }
-    std::pair<std::string, Row> at{"", {EntityPtr(top_), &dirShape()}};
+    std::pair<std::string, Row> at{"", top_};
     while (!dice_.oneIn(4)) {
         auto below = ownedBy(at.second, at.first);
         std::erase_if(below, [this](auto const& row) {
@@ -165,7 +165,7 @@ void Author::refer(std::string const& path, Row const& row, Field const& field, 
         field.refer(*row.entity, key, *target.entity);
         std::string const line = lineOf(path, field, key);
         note(line, referenceTo(targetPath), false);
-        plan_.references[line] = {path, &field, key};
+        plan_.references[line] = {path, field.id, key};
         return;
     }
 }
@@ -191,12 +191,13 @@ void Author::own(std::string const& path, Row const& row, Field const& field,
     if (path.size() > deepest) return;
     std::string const line = path + "/" + field.name + "/" + name;
     bool const isSingle = field.kind == FieldKind::child;
-    bool const isEntry = row.shape == &dirShape();
+    bool const isEntry = row.shape->isDirectory;
     if (isHere(line) && !isEntry) return;
     // An entry is replaced, and so is a single child of another name.
     if (isSingle || isHere(line)) disown(path, row, field, isSingle ? std::string() : name);
     auto const child =
-        field.own(*row.entity, name, static_cast<unsigned>(dice_.below(shapes().size() + 1)));
+        field.own(*row.entity, name,
+                  static_cast<unsigned>(dice_.below(shapes(Knowledge::compiled).size() + 1)));
     for (auto const& [childPath, owned] : ownedBy(row, path)) {
         if (childPath != line) continue;
         note(line, owned.shape->title(*child), false);
@@ -230,6 +231,11 @@ void Author::disown(std::string const& path, Row const& row, Field const& field,
     }
 }
 
+void Author::eraseAt(Plan::Place const& place) {
+    Row const holder = rowAt(top_, place.row);
+    if (holder.entity) holder.shape->field(place.field)->erase(*holder.entity, place.key);
+}
+
 void Author::dropReferencesTo(std::string const& row) {
     std::vector<std::string> lines;
     for (auto const& [line, text] : plan_.lines) {
@@ -239,25 +245,23 @@ void Author::dropReferencesTo(std::string const& row) {
     }
     for (auto const& line : lines) {
         auto const& place = plan_.references[line];
-        Row const holder = rowAt(*top_, place.row);
-        if (holder.entity) place.field->erase(*holder.entity, place.key);
+        eraseAt(place);
         forget(line);
     }
 }
 
 void Author::dropLooseReferences() {
-    auto const picture = pictureOf(*top_);
+    auto const picture = pictureOf(top_);
     for (auto const& [line, text] : picture.lines) {
         if (text != nowhere) continue;
         auto const& place = plan_.references[line];
-        Row const holder = rowAt(*top_, place.row);
-        if (holder.entity) place.field->erase(*holder.entity, place.key);
+        eraseAt(place);
         forget(line);
     }
 }
 
 void Author::letGo() {
-    for (auto const& [path, row] : pictureOf(*top_).rows) {
+    for (auto const& [path, row] : pictureOf(top_).rows) {
         for (auto const& field : row.shape->fields) {
             if (field->kind != FieldKind::references) continue;
             for (unsigned key = 0; key < keysEach * count_; ++key) field->erase(*row.entity, key);
@@ -268,7 +272,7 @@ void Author::letGo() {
 void Author::found() {
     auto const stay = [this](std::string const& path, std::string const& fieldName,
                              std::string const& name, unsigned sort = 0) {
-        Row const row = rowAt(*top_, path);
+        Row const row = rowAt(top_, path);
         if (!row.shape) return;  // of a class that is not part of this simulation
         for (auto const& field : row.shape->fields) {
             if (field->name != fieldName) continue;
@@ -291,13 +295,13 @@ void Author::found() {
         stay("", "entry", "s3", sortOf("Ties::Knot"));
         stay("/entry/s3", "target", "s0");
     }
-    for (auto const& [path, row] : pictureOf(*top_).rows) {
+    for (auto const& [path, row] : pictureOf(top_).rows) {
         plan_.set(path, row.shape->title(*row.entity), 0);
     }
 }
 
 void Author::writeAll() {
-    for (auto const& [path, row] : pictureOf(*top_).rows) {
+    for (auto const& [path, row] : pictureOf(top_).rows) {
         if (ownerOf(path) != shared) continue;
         for (auto const& field : row.shape->fields) {
             if (field->isOwning() || field->kind == FieldKind::references) continue;

@@ -15,10 +15,10 @@ class Held;
 class Author {
   public:
     // `number` of `count` authors; number 0 writes to the source.
-    Author(unsigned number, unsigned count, Qor::Dir::Ptr top, Plan& plan, Dice& dice)
+    Author(unsigned number, unsigned count, Row top, Plan& plan, Dice& dice)
         : number_(number), count_(count), top_(std::move(top)), plan_(plan), dice_(dice) {}
 
-    void topIs(Qor::Dir::Ptr top) { top_ = std::move(top); }
+    void topIs(Row top) { top_ = std::move(top); }
     // Values of all shared rows may be written, whoever else does.
     void isRivalIs(bool isRival) { isRival_ = isRival; }
     // Whether what it writes stands unless another writes the same.
@@ -54,6 +54,7 @@ class Author {
     void disown(std::string const& path, Row const& row, Field const& field,
                 std::string const& name);
     void changeOwned(std::string const& path, Row const& row, Field const& field);
+    void eraseAt(Plan::Place const& place);
     void dropReferencesTo(std::string const& row);
     void note(std::string const& line, std::string const& text, bool isGone);
     void forget(std::string const& line);
@@ -63,7 +64,7 @@ class Author {
 
     unsigned const number_;
     unsigned const count_;
-    Qor::Dir::Ptr top_;
+    Row top_;
     Plan& plan_;
     Dice& dice_;
     bool isRival_ = false;

@@ -8,9 +8,9 @@
 
 namespace Sim {
 
-std::vector<Shape const*> labShapes() {
+std::vector<Shape const*> labShapes(Knowledge knowledge) {
     std::vector<Shape const*> all;
-    Lab::LabEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>()); });
+    Lab::LabEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>(knowledge)); });
     return all;
 }
 

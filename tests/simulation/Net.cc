@@ -46,10 +46,17 @@ void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> co
     acceptEnd_ = std::make_unique<Tap>(history_, true);
     connectEnd_ = std::make_unique<Tap>(history_, false);
     Qor::NboAttrLog::MemoryTransport::connect(acceptEnd_->memory(), connectEnd_->memory());
+    Process const& accepting = settings.processes[accepting_];
+    Process const& connecting = settings.processes[connecting_];
+    bool const exchangesNames = accepting.knowledge != connecting.knowledge;
+    acceptEnd_->exchangesNamesIs(exchangesNames);
+    connectEnd_->exchangesNamesIs(exchangesNames);
     Session::Config config;
     config.peerMayWrite = settings.isWritable;
     config.ringBlocks = settings.ringBlocks;
+    config.takesTypes = connecting.takesTypes;
     connect_ = std::make_unique<Session>(config, *connectEnd_, roots[connecting_]);
+    config.takesTypes = accepting.takesTypes;
     config.side = Side::accepting;
     accept_ = std::make_unique<Session>(config, *acceptEnd_, roots[accepting_]);
     acceptHearer_ = std::make_unique<Hearer>(*this, *accept_);
@@ -182,9 +189,10 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
         tree.plan.isTraced = settings.isTraced;
         for (unsigned i = 0; i < topology.processes; ++i) {
             tree.tops.push_back(make<Qor::Dir>(Qor::Name(std::string_view(name))));
+            tree.dirs.push_back(&dirShape(settings.processes[i].knowledge));
             roots_[i]->entryIs(Qor::Name(std::string_view(name)), tree.tops[i]);
             unsigned const number = (i + topology.processes - route.maker) % topology.processes;
-            tree.authors.emplace_back(number, topology.processes, tree.tops[i], tree.plan, dice);
+            tree.authors.emplace_back(number, topology.processes, tree.top(i), tree.plan, dice);
             tree.authors.back().isRivalIs(settings.areRivals);
             tree.authors.back().hasLongTextsIs(settings.hasLongTexts);
             tree.watches.emplace_back(settings.holdsEntities);
@@ -256,7 +264,7 @@ void Net::crash(unsigned process) {
         tree.authors[process].letGo();
         tree.tops[process] = make<Qor::Dir>(name);
         roots_[process]->entryIs(name, tree.tops[process]);
-        tree.authors[process].topIs(tree.tops[process]);
+        tree.authors[process].topIs(tree.top(process));
         tree.watches[process] = Watch(settings_.holdsEntities);
     }
     isHollow_[process] = true;

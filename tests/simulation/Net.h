@@ -32,7 +32,14 @@ struct Topology {
 
 std::vector<Topology> const& topologies();
 
+// What a process is.
+struct Process {
+    Knowledge knowledge = Knowledge::compiled;
+    bool takesTypes = false;  // on each connection, as one that has not yet
+};
+
 struct Settings {
+    std::vector<Process> processes;
     bool isWritable = false;  // copies may be written
     bool areRivals = false;   // several authors write the same values
     bool hasCuts = true;
@@ -47,10 +54,12 @@ struct Tree {
     Route route;
     Plan plan;
     std::vector<Qor::Dir::Ptr> tops;  // by process
+    std::vector<Shape const*> dirs;   // by process
     std::vector<Author> authors;      // by process, the maker's number is 0
     std::vector<Watch> watches;
     std::vector<bool> inStep;  // has had all that the maker had, since the last cut on the way
     std::string path;
+    Row top(unsigned process) const { return {EntityPtr(tops[process]), dirs[process]}; }
 };
 
 class Link final {

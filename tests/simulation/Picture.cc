@@ -68,10 +68,10 @@ class Owned final : public FieldReader {
 
 }  // namespace
 
-Picture pictureOf(Qor::Dir& top) {
+Picture pictureOf(Row const& top) {
     Picture picture;
     Walk walk(picture);
-    walk.row("", {EntityPtr(&top), &dirShape()});
+    walk.row("", top);
     walk.resolve();
     return picture;
 }
@@ -87,8 +87,8 @@ std::vector<std::pair<std::string, Row>> ownedBy(Row const& row, std::string con
     return found;
 }
 
-Row rowAt(Qor::Dir& top, std::string const& path) {
-    Row row{EntityPtr(&top), &dirShape()};
+Row rowAt(Row const& top, std::string const& path) {
+    Row row = top;
     for (std::string at; at != path;) {
         auto const children = ownedBy(row, at);
         auto const next = std::find_if(children.begin(), children.end(), [&](auto const& child) {

@@ -16,12 +16,13 @@ struct Picture {
     std::map<std::string, Row> rows;
 };
 
-Picture pictureOf(Qor::Dir& top);
+// The directory at the top of a process's tree.
+Picture pictureOf(Row const& top);
 
 // The entities that a row owns, by their paths.
 std::vector<std::pair<std::string, Row>> ownedBy(Row const& row, std::string const& path);
 // The row at a path of pictureOf(), or an empty one.
-Row rowAt(Qor::Dir& top, std::string const& path);
+Row rowAt(Row const& top, std::string const& path);
 
 // How a line tells a reference.
 std::string referenceTo(std::string const& path);

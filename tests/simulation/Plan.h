@@ -22,7 +22,7 @@ struct Plan {
     // Where references stand: row, field, number of the key.
     struct Place {
         std::string row;
-        Field const* field = nullptr;
+        Qor::AttributeId field = 0;
         unsigned key = 0;
     };
     std::map<std::string, Place> references;

@@ -11,9 +11,24 @@ namespace {
 
 constexpr std::size_t rooms[] = {0, 1, 2, 7, 100, 5000, 40000, 1U << 20};
 
+// In half of the scripts each process may know the classes by their descriptions alone. Dice of
+// their own: the rest of a script is the same either way.
+std::vector<Process> processesOf(Topology const& topology, Request const& request) {
+    std::vector<Process> processes(topology.processes);
+    Dice dice(request.seed ^ 0x9E3779B97F4A7C15);
+    if (request.compiled || dice.oneIn(2)) return processes;
+    for (Process& process : processes) {
+        if (dice.oneIn(2)) process.knowledge = Knowledge::described;
+        bool const takesTypes = dice.oneIn(3);
+        process.takesTypes = takesTypes && process.knowledge == Knowledge::described;
+    }
+    return processes;
+}
+
 Settings settingsOf(Dice& dice, Topology const& topology, Request const& request) {
     bool const rivals = request.rivals;
     Settings settings;
+    settings.processes = processesOf(topology, request);
     settings.isTraced = request.isTraced;
     settings.isWritable = rivals || dice.oneIn(2);
     settings.areRivals = rivals;
@@ -107,7 +122,7 @@ void Run::cutSomewhere() {
     if (!settings_.hasCuts) return;
     if (remounts_ && dice_.oneIn(3)) return remountSomewhere();
     for (Tree& tree : net_.trees()) {
-        tree.plan.cutAt(pictureOf(*tree.tops[tree.route.maker]).lines);
+        tree.plan.cutAt(pictureOf(tree.top(tree.route.maker)).lines);
     }
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
     if (dice_.oneIn(4) && net_.mayCrash(process)) {
@@ -124,7 +139,7 @@ void Run::remountSomewhere() {
     bool const areIdle =
         std::all_of(links.begin(), links.end(), [](auto const& link) { return link->isIdle(); });
     for (Tree& tree : net_.trees()) {
-        tree.plan.unmountedAt(pictureOf(*tree.tops[tree.route.maker]).lines, !areIdle);
+        tree.plan.unmountedAt(pictureOf(tree.top(tree.route.maker)).lines, !areIdle);
     }
     if (net_.remount(*dice_.oneOf(links), dice_)) ++outcome_.volumes.remounts;
 }
@@ -133,7 +148,7 @@ void Run::look() {
     Tree& tree = dice_.oneOf(net_.trees());
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
     if (process == tree.route.maker) return;
-    auto const violation = tree.watches[process].look(pictureOf(*tree.tops[process]), tree.plan);
+    auto const violation = tree.watches[process].look(pictureOf(tree.top(process)), tree.plan);
     if (!violation.empty() && !settings_.areRivals) {
         fail("process " + std::to_string(process) + ": " + violation);
     }
@@ -150,13 +165,13 @@ void Run::step() {
 
 void Run::needEqual(char const* when) {
     for (Tree const& tree : net_.trees()) {
-        auto const source = pictureOf(*tree.tops[tree.route.maker]);
+        auto const source = pictureOf(tree.top(tree.route.maker));
         auto const planned = settings_.areRivals ? difference(tree.plan.sureOf(tree.plan.lines),
                                                               tree.plan.sureOf(source.lines))
                                                  : difference(tree.plan.lines, source.lines);
         if (!planned.empty()) fail(std::string(when) + ", the source: " + planned);
         for (unsigned process = 0; process < net_.processes(); ++process) {
-            auto const copy = pictureOf(*tree.tops[process]);
+            auto const copy = pictureOf(tree.top(process));
             auto const differs = difference(source.lines, copy.lines);
             if (differs.empty()) continue;
             fail(std::string(when) + ", " + tree.path + " in process " + std::to_string(process) +
@@ -196,7 +211,7 @@ void Run::needNoEcho() {
                                               : tree.route.maker;
     std::vector<std::size_t> before;
     for (auto const& link : net_.links()) before.push_back(link->history().size());
-    Row const row = rowAt(*tree.tops[process], "/entry/s1/node/s0/leaf/s0");
+    Row const row = rowAt(tree.top(process), "/entry/s1/node/s0/leaf/s0");
     if (!row.entity) return fail("a leaf that stays has gone");
     row.shape->fields[0]->put(*row.entity, 0, {++tree.plan.number, {}});
     tree.plan.set("/entry/s1/node/s0/leaf/s0/number", "#" + std::to_string(tree.plan.number) + ".",
@@ -221,7 +236,7 @@ void Run::finish() {
         Author& first = tree.authors[tree.route.maker];
         first.dropLooseReferences();
         // Where a cut comes in between, the source's stand.
-        tree.plan.adopt(pictureOf(*tree.tops[tree.route.maker]).lines);
+        tree.plan.adopt(pictureOf(tree.top(tree.route.maker)).lines);
     }
     needQuiet();
     needEqual("at rest");
@@ -244,6 +259,11 @@ void Run::finish() {
 
 Outcome Run::run(unsigned steps) {
     outcome_.topology = topology_.name;
+    for (unsigned i = 0; i < net_.processes(); ++i) {
+        if (settings_.processes[i].knowledge == Knowledge::compiled) continue;
+        outcome_.topology += (outcome_.volumes.described++ == 0 ? ", described: " : ", ");
+        outcome_.topology += std::to_string(i);
+    }
     if (steps == 0) steps = static_cast<unsigned>(20 + dice_.below(300));
     for (unsigned i = 0; i < steps && outcome_.violation.empty(); ++i) {
         step();

@@ -16,6 +16,7 @@ struct Volumes {
     std::uint64_t crashes = 0;
     std::uint64_t remounts = 0;
     std::uint64_t bytes = 0;
+    std::uint64_t described = 0;  // processes that know the classes by their descriptions alone
 };
 
 struct Outcome {
@@ -33,6 +34,7 @@ struct Request {
     bool rivals = false;    // several authors write the same values
     bool remounts = false;  // mounts are given back and made again while the connection stays
     bool ties = false;      // collections have keys that tie
+    bool compiled = false;  // no process knows the classes by their descriptions alone
     bool isTraced = false;  // everything that happens on standard output
 };
 

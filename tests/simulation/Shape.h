@@ -4,6 +4,8 @@
 #ifndef TESTS_SIMULATION_SHAPE_H
 #define TESTS_SIMULATION_SHAPE_H
 
+#include "Knowledge.h"
+
 #include <qor/tree/Dir.h>
 
 #include <cstdint>
@@ -54,7 +56,10 @@ class Field {
     // Stores the value, under the key of that number where there are keys. How it shows.
     virtual std::string put(Qor::Entity&, unsigned, Fresh const&) const { return {}; }
     // How a scalar of an untouched entity shows.
-    virtual std::string initial(Qor::Entity const&) const { return {}; }
+    virtual std::string const& initial(Qor::Entity const&) const {
+        static std::string const none;
+        return none;
+    }
     virtual std::string keyText(unsigned) const { return {}; }
     virtual void erase(Qor::Entity&, unsigned) const {}
     virtual bool mayRefer(Qor::Entity const&) const { return false; }
@@ -68,8 +73,13 @@ class Shape {
   public:
     virtual ~Shape() = default;
 
+    // Of the compiled class.
     std::string name;
     std::vector<std::unique_ptr<Field const>> fields;
+    bool isDirectory = false;
+
+    // Null for an id that is none.
+    Field const* field(Qor::AttributeId id) const;
 
     virtual EntityPtr make(std::string const& entityName) const = 0;
     // The class, and what an entity of it is built from beside its name.
@@ -91,11 +101,12 @@ class Cast {
     Cast& operator=(Cast const&) = delete;
 };
 
-// Every class that takes part, in a fixed order; the directory's is not among them.
-std::vector<Shape const*> const& shapes();
-Shape const& dirShape();
-// By the full name of the class.
-Shape const& shapeNamed(std::string const& name);
+// Every class that takes part, in a fixed order, the same for both ways of knowing them; the
+// directory's is not among them.
+std::vector<Shape const*> const& shapes(Knowledge knowledge);
+Shape const& dirShape(Knowledge knowledge = Knowledge::compiled);
+// Of what stands in a directory of a process that knows the classes so.
+Shape const& shapeIn(Knowledge knowledge, Qor::Entity const& entity);
 
 }  // namespace Sim
 

@@ -1,18 +1,19 @@
-// Shapes of compiled classes, from the lists of what their adapters stream.
+// Shapes of classes, from the lists of what their compiled adapters stream. `How` is how a process
+// reaches what an entity holds: see Access.h.
 #ifndef TESTS_SIMULATION_SHAPEOF_H
 #define TESTS_SIMULATION_SHAPEOF_H
 
+#include "Access.h"
 #include "Shape.h"
 
 #include <kelp/EthAddr.h>
 #include <kelp/IpAddr.h>
 #include <kelp/Vni.h>
-#include <qor/attrlog/family/MakeAdapter.h>
-#include <qor/core/Strep.h>
 #include <qor/model/EnumText.h>
 #include <qor/model/ValueText.h>
 
 #include <concepts>
+#include <optional>
 #include <type_traits>
 
 namespace Sim {
@@ -68,187 +69,180 @@ K keyFrom(unsigned number) {
     return valueFrom<K>({number * 37 + 1, "k" + std::to_string(number)});
 }
 
-template <class S>
-typename S::Entity const& as(Qor::Entity const& entity) {
-    return static_cast<typename S::Entity const&>(entity);
-}
-template <class S>
-typename S::Entity& as(Qor::Entity& entity) {
-    return static_cast<typename S::Entity&>(entity);
-}
-
-template <class X>
+template <class X, class How>
 Shape const& shapeOf();
 
-template <class S>
+template <class S, class How>
 class ScalarField final : public Field {
   public:
     ScalarField() : Field(S::id, S::name, FieldKind::scalar) {}
     void show(Qor::Entity const& entity, Qor::Entity const& newborn,
               FieldReader& reader) const override {
-        auto const text = shown(S::get(as<S>(entity)));
+        auto const text = shown(How::template value<S>(entity));
         if (text != initial(newborn)) reader.value({}, text);
     }
     std::string put(Qor::Entity& entity, unsigned, Fresh const& fresh) const override {
         auto const value = valueFrom<typename S::Value>(fresh);
-        S::set(as<S>(entity), value);
+        How::template valueIs<S>(entity, value);
         return shown(value);
     }
-    std::string initial(Qor::Entity const& newborn) const override {
-        return shown(S::get(as<S>(newborn)));
+    std::string const& initial(Qor::Entity const& newborn) const override {
+        if (!initial_) initial_ = shown(How::template value<S>(newborn));
+        return *initial_;
     }
+
+  private:
+    // The same of every newborn, and asked for all the time.
+    mutable std::optional<std::string> initial_;
 };
 
-template <class S, class Base = Field>
-class KeyedField : public Base {
+template <class S, class How>
+class KeyedField : public Field {
   public:
-    using Base::Base;
+    using Field::Field;
     std::string keyText(unsigned key) const override {
         return shown(keyFrom<typename S::Key>(key));
     }
     void erase(Qor::Entity& entity, unsigned key) const override {
-        S::del(as<S>(entity), keyFrom<typename S::Key>(key));
-    }
-
-  protected:
-    template <class Visit>
-    void forEach(Qor::Entity const& entity, Visit const& visit) const {
-        for (typename S::Attr::Map::IteratorConst at(&S::Attr::map(as<S>(entity))); at; ++at) {
-            visit(shown(at.key()), *at.member());
-        }
+        How::template memberDel<S>(entity, keyFrom<typename S::Key>(key));
     }
 };
 
-template <class S>
-class ValuesField final : public KeyedField<S> {
+template <class S, class How>
+class ValuesField final : public KeyedField<S, How> {
   public:
     ValuesField()
-        : KeyedField<S>(
+        : KeyedField<S, How>(
               S::id, S::name,
               S::kind == Qor::StreamKind::flagMember ? FieldKind::flags : FieldKind::texts) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
-        this->forEach(entity, [&](std::string const& key, typename S::Member const& member) {
-            reader.value(key, shown<typename S::Value>(S::Attr::valueOf(member)));
-        });
+        How::template forEachValue<S>(
+            entity, [&](typename S::Key const& key, typename S::Value const& value) {
+                reader.value(shown(key), shown(value));
+            });
     }
     std::string put(Qor::Entity& entity, unsigned key, Fresh const& fresh) const override {
         auto const value = valueFrom<typename S::Value>(fresh);
-        S::set(as<S>(entity), keyFrom<typename S::Key>(key), value);
+        How::template memberIs<S>(entity, keyFrom<typename S::Key>(key), value);
         return shown(value);
     }
 };
 
-template <class S>
-class ReferenceField final : public KeyedField<S> {
+template <class S, class How>
+class ReferenceField final : public KeyedField<S, How> {
   public:
-    ReferenceField() : KeyedField<S>(S::id, S::name, FieldKind::references) {}
+    ReferenceField() : KeyedField<S, How>(S::id, S::name, FieldKind::references) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
-        this->forEach(entity, [&](std::string const& key, typename S::Member const& member) {
-            reader.reference(key, EntityPtr(S::Attr::valueOf(member)));
-        });
+        How::template forEachTarget<S>(entity,
+                                       [&](typename S::Key const& key, EntityPtr const& target) {
+                                           reader.reference(shown(key), target);
+                                       });
     }
     bool mayRefer(Qor::Entity const& target) const override {
-        return dynamic_cast<typename S::Target const*>(&target) != nullptr;
+        return How::template mayRefer<S>(target);
     }
     void refer(Qor::Entity& entity, unsigned key, Qor::Entity& target) const override {
-        using Target = typename S::Target;
-        S::set(as<S>(entity), keyFrom<typename S::Key>(key),
-               Qor::Ptr<Target>(&static_cast<Target&>(target)));
+        How::template refer<S>(entity, keyFrom<typename S::Key>(key), target);
     }
 };
 
-template <class S>
-class ChildrenField final : public KeyedField<S> {
+template <class S, class How>
+class ChildrenField final : public KeyedField<S, How> {
   public:
-    ChildrenField() : KeyedField<S>(S::id, S::name, FieldKind::children) {}
+    ChildrenField() : KeyedField<S, How>(S::id, S::name, FieldKind::children) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
-        for (typename S::Attr::Map::IteratorConst at(&S::Attr::map(as<S>(entity))); at; ++at) {
-            EntityPtr const child(at.member());
-            reader.owned(shown(at.key()), child, shapeOf<typename S::Target>());
-        }
+        How::template forEachChild<S>(
+            entity, [&](typename S::Key const& key, EntityPtr const& child) {
+                reader.owned(shown(key), child, shapeOf<typename S::Target, How>());
+            });
     }
     EntityPtr own(Qor::Entity& entity, std::string const& child, unsigned) const override {
-        S::set(as<S>(entity), nameOf(child));
-        return EntityPtr(S::Attr::map(as<S>(entity)).member(nameOf(child)));
+        return How::template childMemberIs<S>(entity, nameOf(child));
     }
     void disown(Qor::Entity& entity, std::string const& child) const override {
-        S::del(as<S>(entity), nameOf(child));
+        How::template memberDel<S>(entity, nameOf(child));
     }
 };
 
-template <class S>
+template <class S, class How>
 class ChildField final : public Field {
   public:
     ChildField() : Field(S::id, S::name, FieldKind::child) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
-        if (auto const& child = S::get(as<S>(entity))) {
-            reader.owned(shown(child->name()), EntityPtr(child), shapeOf<typename S::Target>());
+        if (auto const child = How::template child<S>(entity)) {
+            reader.owned(shown(child->qorName()), child, shapeOf<typename S::Target, How>());
         }
     }
     EntityPtr own(Qor::Entity& entity, std::string const& child, unsigned) const override {
-        S::set(as<S>(entity), nameOf(child));
-        return EntityPtr(S::get(as<S>(entity)));
+        return How::template childIs<S>(entity, nameOf(child));
     }
-    void disown(Qor::Entity& entity, std::string const&) const override { S::del(as<S>(entity)); }
+    void disown(Qor::Entity& entity, std::string const&) const override {
+        How::template childDel<S>(entity);
+    }
 };
 
-template <class S>
+template <class S, class How>
 std::unique_ptr<Field const> fieldOf() {
     if constexpr (S::id == Qor::isNondestructingId) {
         return nullptr;
     } else if constexpr (S::kind == Qor::StreamKind::scalar || S::kind == Qor::StreamKind::text) {
-        return std::make_unique<ScalarField<S>>();
+        return std::make_unique<ScalarField<S, How>>();
     } else if constexpr (S::kind == Qor::StreamKind::reference) {
-        return std::make_unique<ReferenceField<S>>();
+        return std::make_unique<ReferenceField<S, How>>();
     } else if constexpr (S::kind == Qor::StreamKind::childMember) {
-        return std::make_unique<ChildrenField<S>>();
+        return std::make_unique<ChildrenField<S, How>>();
     } else if constexpr (S::kind == Qor::StreamKind::child) {
-        return std::make_unique<ChildField<S>>();
+        return std::make_unique<ChildField<S, How>>();
     } else {
-        return std::make_unique<ValuesField<S>>();
+        return std::make_unique<ValuesField<S, How>>();
     }
 }
 
-template <class X>
+template <class X, class How>
 void addFields(std::vector<std::unique_ptr<Field const>>& fields) {
     if constexpr (!std::is_same_v<typename X::QorBase, Qor::Entity>) {
-        addFields<typename X::QorBase>(fields);
+        addFields<typename X::QorBase, How>(fields);
     }
     X::QorNboAttrLogSa::QorStreamed::forEach([&]<class S>() {
-        if (auto field = fieldOf<S>()) fields.push_back(std::move(field));
+        if (auto field = fieldOf<S, How>()) fields.push_back(std::move(field));
     });
 }
 
-template <class X>
-class CompiledShape final : public Shape {
+template <class X, class How>
+class ClassShape final : public Shape {
   public:
-    CompiledShape() {
+    ClassShape() {
         name = X::qorTypeName;
-        addFields<X>(fields);
+        addFields<X, How>(fields);
     }
     std::string title(Qor::Entity const& entity) const override {
-        std::string result = name;
+        std::string result = How::className(entity);
         X::QorAttributes::forEach([&]<class A>() {
             if constexpr (A::kind == Qor::AttributeKind::constField) {
-                result += " " + shown(A::field(static_cast<X const&>(entity)));
+                result += " " + shown(How::template constant<X, A>(entity));
             }
         });
         return result;
     }
     EntityPtr make(std::string const& text) const override {
         if constexpr (std::is_constructible_v<X, Qor::Name>) {
-            return Qor::make<X>(nameOf(text));
+            return How::template make<X>(nameOf(text));
         } else {
             // What has no name is built from an address.
-            return Qor::make<X>(valueFrom<Kelp::EthAddr>({text.size(), {}}));
+            return How::template make<X>(valueFrom<Kelp::EthAddr>({text.size(), {}}));
         }
     }
 };
 
-template <class X>
+template <class X, class How>
 Shape const& shapeOf() {
-    static CompiledShape<X> const shape;
+    static ClassShape<X, How> const shape;
     return shape;
+}
+
+template <class X>
+Shape const& shapeOf(Knowledge knowledge) {
+    return knowledge == Knowledge::compiled ? shapeOf<X, Compiled>() : shapeOf<X, Described>();
 }
 
 }  // namespace Sim

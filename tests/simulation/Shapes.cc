@@ -11,18 +11,19 @@ std::string plain(Qor::String8 const& text) { return std::string(text.view()); }
 
 class EntryField final : public Field {
   public:
-    EntryField() : Field(258, "entry", FieldKind::children) {}
+    explicit EntryField(Knowledge knowledge)
+        : Field(258, "entry", FieldKind::children), knowledge_(knowledge) {}
     void show(Qor::Entity const& entity, Qor::Entity const&, FieldReader& reader) const override {
         auto const& dir = static_cast<Qor::Dir const&>(entity);
         for (auto at = dir.entryIteratorConst(); at; ++at) {
             EntityPtr const& child = at.value();
-            reader.owned(plain(at.key()), child, shapeNamed(plain(child->fwkType()->fullName())));
+            reader.owned(plain(at.key()), child, shapeIn(knowledge_, *child));
         }
     }
     EntityPtr own(Qor::Entity& entity, std::string const& key, unsigned sort) const override {
-        auto const& all = shapes();
-        Shape const& shape =
-            sort % (all.size() + 1) == all.size() ? dirShape() : *all[sort % (all.size() + 1)];
+        auto const& all = shapes(knowledge_);
+        std::size_t const place = sort % (all.size() + 1);
+        Shape const& shape = place == all.size() ? dirShape(knowledge_) : *all[place];
         auto& dir = static_cast<Qor::Dir&>(entity);
         auto child = shape.make(key);
         dir.entryIs(nameOf(key), child);
@@ -31,16 +32,31 @@ class EntryField final : public Field {
     void disown(Qor::Entity& entity, std::string const& key) const override {
         static_cast<Qor::Dir&>(entity).entryDel(nameOf(key));
     }
+
+  private:
+    Knowledge const knowledge_;
 };
 
 class DirShape final : public Shape {
   public:
-    DirShape() {
+    explicit DirShape(Knowledge knowledge) {
         name = "Qor::Dir";
-        fields.push_back(std::make_unique<EntryField>());
+        isDirectory = true;
+        fields.push_back(std::make_unique<EntryField>(knowledge));
     }
     EntityPtr make(std::string const& text) const override {
         return Qor::make<Qor::Dir>(nameOf(text));
+    }
+};
+
+// What can't stand where it stands, such as a compiled class in a process that has none.
+class StrangeShape final : public Shape {
+  public:
+    EntityPtr make(std::string const& text) const override {
+        return Qor::make<Qor::Dir>(nameOf(text));
+    }
+    std::string title(Qor::Entity const& entity) const override {
+        return "strange: " + plain(entity.fwkType()->fullName());
     }
 };
 
@@ -63,26 +79,54 @@ Qor::Entity const& Shape::newborn() const {
     return *newborn_;
 }
 
-std::vector<Shape const*> const& shapes() {
+Field const* Shape::field(Qor::AttributeId id) const {
+    for (auto const& one : fields) {
+        if (one->id == id) return one.get();
+    }
+    return nullptr;
+}
+
+namespace {
+
+struct Casts {
+    explicit Casts(Knowledge knowledge) {
+        if (knowledge == Knowledge::described) learnClasses();
+        auto const lab = labShapes(knowledge);
 #ifdef SIMULATION_OF_LAB_ONLY
-    static auto const usual = labShapes();
+        usual = lab;
 #else
-    static auto const usual = joined(vgwShapes(), labShapes());
+        usual = joined(vgwShapes(knowledge), lab);
 #endif
-    static auto const tied = joined(labShapes(), tiesShapes());
-    return areTied ? tied : usual;
+        tied = joined(lab, tiesShapes(knowledge));
+    }
+    std::vector<Shape const*> usual;
+    std::vector<Shape const*> tied;
+};
+
+}  // namespace
+
+std::vector<Shape const*> const& shapes(Knowledge knowledge) {
+    static Casts const compiled(Knowledge::compiled);
+    if (knowledge == Knowledge::compiled) return areTied ? compiled.tied : compiled.usual;
+    static Casts const described(Knowledge::described);
+    return areTied ? described.tied : described.usual;
 }
 
-Shape const& dirShape() {
-    static DirShape const shape;
-    return shape;
+Shape const& dirShape(Knowledge knowledge) {
+    static DirShape const compiled(Knowledge::compiled);
+    static DirShape const described(Knowledge::described);
+    return knowledge == Knowledge::compiled ? compiled : described;
 }
 
-Shape const& shapeNamed(std::string const& name) {
-    for (Shape const* const shape : shapes()) {
+Shape const& shapeIn(Knowledge knowledge, Qor::Entity const& entity) {
+    static StrangeShape const strange;
+    std::string const there = plain(entity.fwkType()->fullName());
+    if (there == dirShape().name) return dirShape(knowledge);
+    std::string const name = knowledge == Knowledge::compiled ? there : otherNames(there);
+    for (Shape const* const shape : shapes(knowledge)) {
         if (shape->name == name) return *shape;
     }
-    return dirShape();
+    return strange;
 }
 
 }  // namespace Sim

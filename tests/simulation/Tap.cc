@@ -124,8 +124,21 @@ std::size_t Tap::write(std::string_view bytes) {
     return count;
 }
 
+// Beside what there is room for, enough to tell whether its last bytes begin a name.
+std::size_t Tap::readExchanged(std::span<unsigned char> room) {
+    std::size_t const most = room.size() + NameExchange::longest;
+    if (names_.waiting() < most) {
+        std::vector<unsigned char> bytes(most - names_.waiting());
+        std::size_t const count = memory_.read(bytes);
+        names_.append({reinterpret_cast<char const*>(bytes.data()), count});
+    }
+    std::string const taken = names_.take(room.size());
+    std::copy(taken.begin(), taken.end(), room.begin());
+    return taken.size();
+}
+
 std::size_t Tap::read(std::span<unsigned char> room) {
-    std::size_t const count = memory_.read(room);
+    std::size_t const count = exchangesNames_ ? readExchanged(room) : memory_.read(room);
     taken_ += count;
     if (records_ && count > 0) {
         cutter_.append({reinterpret_cast<char const*>(room.data()), count}, isUp_, history_);

@@ -3,6 +3,8 @@
 #ifndef TESTS_SIMULATION_TAP_H
 #define TESTS_SIMULATION_TAP_H
 
+#include "Knowledge.h"
+
 #include <qor/attrlog/session/Transport.h>
 
 #include <cstdint>
@@ -50,6 +52,8 @@ class Tap final : public Qor::NboAttrLog::Transport {
 
     Qor::NboAttrLog::MemoryTransport& memory() { return memory_; }
     void recordsIs(bool records) { records_ = records; }
+    // Whether classes are called by their other names in what comes out of here.
+    void exchangesNamesIs(bool exchanges) { exchangesNames_ = exchanges; }
 
     // Bytes that came out of here, and that went in.
     std::uint64_t taken() const { return taken_; }
@@ -60,11 +64,15 @@ class Tap final : public Qor::NboAttrLog::Transport {
     Qor::String8 closed() const override { return memory_.closed(); }
 
   private:
+    std::size_t readExchanged(std::span<unsigned char> room);
+
     Qor::NboAttrLog::MemoryTransport memory_;
+    NameExchange names_;
     FrameCutter cutter_;
     std::vector<Sent>& history_;
     bool const isUp_;
     bool records_ = true;
+    bool exchangesNames_ = false;
     std::uint64_t taken_ = 0;
     std::uint64_t put_ = 0;
 };

@@ -7,9 +7,9 @@
 
 namespace Sim {
 
-std::vector<Shape const*> tiesShapes() {
+std::vector<Shape const*> tiesShapes(Knowledge knowledge) {
     std::vector<Shape const*> all;
-    Ties::TiesEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>()); });
+    Ties::TiesEntities::forEach([&]<class X>() { all.push_back(&shapeOf<X>(knowledge)); });
     return all;
 }
 

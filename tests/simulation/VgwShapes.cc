@@ -26,9 +26,9 @@
 
 namespace Sim {
 
-std::vector<Shape const*> vgwShapes() {
+std::vector<Shape const*> vgwShapes(Knowledge knowledge) {
     std::vector<Shape const*> all;
-    auto const add = [&]<class X>() { all.push_back(&shapeOf<X>()); };
+    auto const add = [&]<class X>() { all.push_back(&shapeOf<X>(knowledge)); };
     Vgw::OvsdbDataTypesEntities::forEach(add);
     Vgw::VgwTypesEntities::forEach(add);
     return all;

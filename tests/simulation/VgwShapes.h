@@ -6,9 +6,9 @@
 
 namespace Sim {
 
-std::vector<Shape const*> vgwShapes();
-std::vector<Shape const*> labShapes();
-std::vector<Shape const*> tiesShapes();
+std::vector<Shape const*> vgwShapes(Knowledge knowledge);
+std::vector<Shape const*> labShapes(Knowledge knowledge);
+std::vector<Shape const*> tiesShapes(Knowledge knowledge);
 
 }  // namespace Sim
 

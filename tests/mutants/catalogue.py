@@ -3,6 +3,7 @@ its place, and the test programs that are to find it; where none is named, the s
 
 FAMILY = "qor/attrlog/family/"
 FLOW = "qor/attrlog/flow/"
+DYNAMIC = "qor/dynamic/"
 
 MUTANTS = [
     ("a change is sent back to where it came from", FLOW + "AdapterState.h",
@@ -149,4 +150,13 @@ MUTANTS = [
      "isMember(*credentials, writeGroup);", "isMember(*credentials, readGroup);", ["vgwd_units"]),
     ("any certificate writes", "vgwd/serve/Access.cc",
      "bool const isWriter = writerNames.contains(commonName);", "bool const isWriter = !writerNames.empty();", ["vgwd_units"]),
+    ("a written value of a described entity is not sent", DYNAMIC + "DynamicAdapter.cc",
+     "if (!attribute || !attribute->isStreamed()) return;",
+     "if (!attribute || !attribute->isStreamed() || attribute->sort == DynamicSort::value) return;"),
+    ("a relay of described entities loses keys", DYNAMIC + "DynamicAdapter.cc",
+     "if constexpr (S::isKeyed) serializeChangedKey<S>(adapter, key);",
+     "if constexpr (S::isKeyed) {\n            if (key.hash() % 8 != 0) serializeChangedKey<S>(adapter, key);\n        }"),
+    ("a described entity does not tell that a key has gone", DYNAMIC + "DynamicStreams.h",
+     "static void del(DynamicEntity& entity, Key const& key) { delKeyed<A>(entity, key); }",
+     "static void del(DynamicEntity& entity, Key const& key) { A::map(entity).memberDel(key); }"),
 ]

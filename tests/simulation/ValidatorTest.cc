@@ -3,6 +3,8 @@
 #include "Tap.h"
 #include "Watch.h"
 
+#include <qor/registry/QorType.h>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -79,6 +81,50 @@ TEST(FrameCutter, CutsTheDocumentedFrameAtAnyByte) {
         EXPECT_EQ(history[0].attribute, 388);
         EXPECT_EQ(history[0].payload, std::string("\0\0\x13\x88", 4));
         EXPECT_TRUE(history[0].isUp);
+    }
+}
+
+TEST(NameExchange, FindsNamesHoweverTheBytesCome) {
+    std::string const stream = "x Vgw::Status; Dyn::Vgw, Lab::Lab::Node. Ties:: Dies::Knot\3V";
+    std::string const exchanged = "x Dyn::Status; Vgw::Vgw, Dab::Dab::Node. Dies:: Ties::Knot\3";
+    EXPECT_EQ(Sim::otherNames(stream), exchanged + "V");
+    EXPECT_EQ(Sim::otherNames(Sim::otherNames(stream)), stream);
+    for (std::size_t at = 0; at <= stream.size(); ++at) {
+        for (std::size_t const room : {1U, 3U, 1000U}) {
+            Sim::NameExchange exchange;
+            std::string taken;
+            for (auto const& piece : {stream.substr(0, at), stream.substr(at)}) {
+                exchange.append(piece);
+                for (std::string more; !(more = exchange.take(room)).empty();) taken += more;
+            }
+            ASSERT_EQ(taken, exchanged) << at << ", " << room;
+        }
+    }
+}
+
+TEST(Shape, FindsACompiledEntityWhereClassesAreKnownByDescription) {
+    using Sim::Knowledge;
+    for (auto const knowledge : {Knowledge::compiled, Knowledge::described}) {
+        for (Sim::Shape const* const shape : Sim::shapes(knowledge)) {
+            auto const entity = shape->make("x");
+            auto const other =
+                knowledge == Knowledge::compiled ? Knowledge::described : Knowledge::compiled;
+            EXPECT_EQ(&Sim::shapeIn(knowledge, *entity), shape);
+            EXPECT_TRUE(Sim::shapeIn(other, *entity).title(*entity).starts_with("strange: "));
+        }
+    }
+}
+
+TEST(Shape, IsTheSameHoweverTheClassIsKnown) {
+    auto const& compiled = Sim::shapes(Sim::Knowledge::compiled);
+    auto const& described = Sim::shapes(Sim::Knowledge::described);
+    ASSERT_EQ(compiled.size(), described.size());
+    for (std::size_t i = 0; i < compiled.size(); ++i) {
+        auto const one = compiled[i]->make("x");
+        auto const other = described[i]->make("x");
+        EXPECT_EQ(compiled[i]->title(*one), described[i]->title(*other));
+        EXPECT_FALSE(one->fwkType()->isDescribed());
+        EXPECT_TRUE(other->fwkType()->isDescribed());
     }
 }
 

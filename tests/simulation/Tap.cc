@@ -1,6 +1,7 @@
 #include "Tap.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <map>
 #include <tuple>
@@ -126,10 +127,11 @@ std::size_t Tap::write(std::string_view bytes) {
 
 // Beside what there is room for, enough to tell whether its last bytes begin a name.
 std::size_t Tap::readExchanged(std::span<unsigned char> room) {
-    std::size_t const most = room.size() + NameExchange::longest;
-    if (names_.waiting() < most) {
-        std::vector<unsigned char> bytes(most - names_.waiting());
-        std::size_t const count = memory_.read(bytes);
+    std::array<unsigned char, 4096> bytes;
+    std::size_t const wanted = room.size() + NameExchange::longest;
+    if (names_.waiting() < wanted) {
+        std::size_t const most = std::min(bytes.size(), wanted - names_.waiting());
+        std::size_t const count = memory_.read(std::span(bytes).first(most));
         names_.append({reinterpret_cast<char const*>(bytes.data()), count});
     }
     std::string const taken = names_.take(room.size());

@@ -260,13 +260,12 @@ void Author::dropLooseReferences() {
     }
 }
 
-void Author::letGo() {
-    for (auto const& [path, row] : pictureOf(top_).rows) {
-        for (auto const& field : row.shape->fields) {
-            if (field->kind != FieldKind::references) continue;
-            for (unsigned key = 0; key < keysEach * count_; ++key) field->erase(*row.entity, key);
-        }
+void Author::letGo(Row const& row) const {
+    for (auto const& field : row.shape->fields) {
+        if (field->kind != FieldKind::references) continue;
+        for (unsigned key = 0; key < keysEach * count_; ++key) field->erase(*row.entity, key);
     }
+    for (auto const& [path, below] : ownedBy(row, {})) letGo(below);
 }
 
 void Author::found() {

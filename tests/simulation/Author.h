@@ -26,7 +26,7 @@ class Author {
     // Whether texts may be longer than a record.
     void hasLongTextsIs(bool has) { hasLongTexts_ = has; }
 
-    // Makes the entities that stay. Of author 0, once.
+    // Makes the entities that stay, in an empty tree. Of author 0.
     void found();
     // One random change.
     void change();
@@ -34,8 +34,9 @@ class Author {
     void writeAll();
     // Removes references to what stands nowhere, as an agent has to.
     void dropLooseReferences();
-    // Opens circles of references, before the tree is let go.
-    void letGo();
+    // Opens circles of references, before the tree is let go; its own or another.
+    void letGo() const { letGo(top_); }
+    void letGo(Row const& row) const;
     unsigned number() const { return number_; }
 
   private:

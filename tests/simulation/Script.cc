@@ -19,7 +19,7 @@ std::vector<Process> processesOf(Topology const& topology, Request const& reques
     if (request.compiled || dice.oneIn(2)) return processes;
     for (Process& process : processes) {
         if (dice.oneIn(2)) process.knowledge = Knowledge::described;
-        bool const takesTypes = dice.oneIn(3);
+        bool const takesTypes = dice.oneIn(5);
         process.takesTypes = takesTypes && process.knowledge == Knowledge::described;
     }
     return processes;

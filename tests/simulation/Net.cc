@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace Sim {
 
@@ -197,6 +198,7 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
             tree.authors.back().hasLongTextsIs(settings.hasLongTexts);
             tree.watches.emplace_back(settings.holdsEntities);
             tree.inStep.push_back(false);
+            tree.astray.push_back(false);
         }
         tree.authors[route.maker].found();
     }
@@ -217,6 +219,7 @@ Net::~Net() {
     for (auto const& link : links_) doInTheEnd([&] { link->cut(); });
     for (Tree& tree : trees_) {
         for (Author& author : tree.authors) doInTheEnd([&] { author.letGo(); });
+        doInTheEnd([&] { keepNothing(tree); });
     }
 }
 
@@ -229,10 +232,11 @@ bool Net::isWhole(unsigned process) {
 }
 
 void Net::connect(Link& link) {
-    bool const serves = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
-        return !isWhole(link.accepting()) && tree.route.from[link.connecting()] == link.accepting();
+    bool const servesOn = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
+        return tree.route.maker != link.accepting() &&
+               tree.route.from[link.connecting()] == link.accepting();
     });
-    if (!serves) link.connect(roots_, trees_, settings_);
+    if (!servesOn || isWhole(link.accepting())) link.connect(roots_, trees_, settings_);
 }
 
 void Net::cut(Link& link) {
@@ -250,9 +254,74 @@ void Net::outOfStep() {
     for (Tree& tree : trees_) tree.inStep.assign(roots_.size(), false);
 }
 
+bool Net::makes(unsigned process) const {
+    return std::any_of(trees_.begin(), trees_.end(),
+                       [&](Tree const& tree) { return tree.route.maker == process; });
+}
+
+bool Net::relays(unsigned process) const {
+    return std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
+        auto const& from = tree.route.from;
+        return tree.route.maker != process && std::count(from.begin(), from.end(), process) != 0;
+    });
+}
+
+// In a ring, where everybody makes and relays, all that have come back would wait for each other.
 bool Net::mayCrash(unsigned process) const {
-    return std::none_of(trees_.begin(), trees_.end(),
-                        [&](Tree const& tree) { return tree.route.maker == process; });
+    bool const isAnyHollow = std::find(isHollow_.begin(), isHollow_.end(), true) != isHollow_.end();
+    return !makes(process) || !relays(process) || !isAnyHollow;
+}
+
+// By a mount of its own, as one who backs the tree up.
+std::string Net::keep(Tree& tree) {
+    keepNothing(tree);
+    using Qor::NboAttrLog::MemoryTransport;
+    MemoryTransport served;
+    MemoryTransport mounted;
+    MemoryTransport::connect(served, mounted);
+    Session::Config config;
+    config.peerMayWrite = true;  // what is kept is written later
+    Session mounting(config, mounted, nullptr);
+    config.side = Side::accepting;
+    Session serving(config, served, roots_[tree.route.maker]);
+    auto const kept = make<Qor::Dir>(tree.tops[tree.route.maker]->name());
+    mounting.mount(Qor::String8(std::string_view(tree.path)), true, kept);
+    for (Qor::U64 before = 1; before != mounting.counters().bytesIn;) {
+        before = mounting.counters().bytesIn;
+        serving.service();
+        mounting.service();
+        serving.service();
+        mounting.service();
+    }
+    std::string const closed(mounting.closed().view());
+    if (!closed.empty()) return "closed: " + closed;
+    tree.kept = kept;
+    auto source = pictureOf(tree.top(tree.route.maker)).lines;
+    std::erase_if(source, [](auto const& line) { return line.second == nowhere; });
+    return difference(source, pictureOf(tree.keptTop()).lines);
+}
+
+void Net::keepNothing(Tree& tree) {
+    if (!tree.kept) return;
+    tree.authors[tree.route.maker].letGo(tree.keptTop());
+    tree.kept = nullptr;
+}
+
+// Its plan is what the maker holds now, whoever wrote that.
+void Net::comeBack(Tree& tree) {
+    unsigned const maker = tree.route.maker;
+    tree.astray.assign(roots_.size(), true);
+    tree.astray[maker] = false;
+    tree.plan.lines = pictureOf(tree.top(maker)).lines;
+    if (tree.plan.lines.size() == 1) tree.authors[maker].found();
+}
+
+bool Net::isOnTrack(Tree& tree, unsigned process) {
+    if (!tree.astray[process]) return true;
+    if (!isInStep(tree, process)) return false;
+    tree.astray[process] = false;
+    tree.watches[process] = Watch(settings_.holdsEntities);
+    return true;
 }
 
 void Net::crash(unsigned process) {
@@ -262,10 +331,12 @@ void Net::crash(unsigned process) {
     for (Tree& tree : trees_) {
         Qor::Name const name = tree.tops[process]->name();
         tree.authors[process].letGo();
-        tree.tops[process] = make<Qor::Dir>(name);
+        bool const isKept = tree.route.maker == process && tree.kept;
+        tree.tops[process] = isKept ? std::exchange(tree.kept, nullptr) : make<Qor::Dir>(name);
         roots_[process]->entryIs(name, tree.tops[process]);
         tree.authors[process].topIs(tree.top(process));
         tree.watches[process] = Watch(settings_.holdsEntities);
+        if (tree.route.maker == process) comeBack(tree);
     }
     isHollow_[process] = true;
 }

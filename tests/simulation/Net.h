@@ -58,8 +58,11 @@ struct Tree {
     std::vector<Author> authors;      // by process, the maker's number is 0
     std::vector<Watch> watches;
     std::vector<bool> inStep;  // has had all that the maker had, since the last cut on the way
+    std::vector<bool> astray;  // may hold what the maker, come back, knows no more
+    Qor::Dir::Ptr kept;        // what the maker comes back with; null: nothing
     std::string path;
     Row top(unsigned process) const { return {EntityPtr(tops[process]), dirs[process]}; }
+    Row keptTop() const { return {EntityPtr(kept), dirs[route.maker]}; }
 };
 
 class Link final {
@@ -147,10 +150,19 @@ class Net {
     void cut(Link& link);
     // The same of a tree that is mounted over it, while the connection stays. Whether there is one.
     bool remount(Link& link, Dice& dice);
-    // The process forgets all its copies and connections, as if it had ended and come back.
+    // The process forgets all its copies and connections, as if it had ended and come back. A tree
+    // that it makes it has as it was kept last, or begins anew.
     void crash(unsigned process);
-    // Makes no trees: only then it may crash.
+    // Unless nobody is left to make the way whole again.
     bool mayCrash(unsigned process) const;
+    bool makes(unsigned process) const;
+    // Has the maker come back, should it end, with the tree as it is now; or with nothing. What is
+    // wrong with what is kept; empty if nothing is.
+    std::string keep(Tree& tree);
+    void keepNothing(Tree& tree);
+    // Whether the process may be judged by what the maker holds and held, and who comes back is
+    // heard all the way.
+    bool isOnTrack(Tree& tree, unsigned process);
     // Whether all that the process has of the tree has come, all the way from its maker.
     bool isInStep(Tree& tree, unsigned process) const;
     // Everything over, until nothing moves. The number of rounds, 0 if it never ends.
@@ -159,7 +171,9 @@ class Net {
 
   private:
     bool isWhole(unsigned process);
+    bool relays(unsigned process) const;
     void outOfStep();
+    void comeBack(Tree& tree);
 
     Settings const settings_;
     std::vector<bool> isHollow_;  // has come back empty

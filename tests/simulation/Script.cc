@@ -46,7 +46,9 @@ class Run {
     explicit Run(Request const& request)
         : cast_(request.ties),
           remounts_(request.remounts),
+          makersEnd_(!request.makersStay && request.seed % 3 == 0),
           dice_(request.seed),
+          ends_(request.seed ^ 0xD1B54A32D192ED03),
           topology_(dice_.oneOf(topologies())),
           settings_(settingsOf(dice_, topology_, request)),
           net_(topology_, settings_, dice_) {}
@@ -58,6 +60,8 @@ class Run {
     void changeSomewhere();
     void serveSomeone();
     void cutSomewhere();
+    void keepSomething();
+    bool endMaker();
     void remountSomewhere();
     void traceOn(Link& link) const;
     void look();
@@ -75,7 +79,9 @@ class Run {
 
     Cast const cast_;
     bool const remounts_;
+    bool const makersEnd_;
     Dice dice_;
+    Dice ends_;  // of when makers end, and what they come back with
     Topology const& topology_;
     Settings const settings_;
     Net net_;
@@ -90,6 +96,7 @@ bool Run::mayWrite(Tree& tree, unsigned process) const {
 }
 
 void Run::changeSomewhere() {
+    keepSomething();
     Tree& tree = dice_.oneOf(net_.trees());
     auto const process =
         dice_.oneIn(2) ? tree.route.maker : static_cast<unsigned>(dice_.below(net_.processes()));
@@ -124,14 +131,35 @@ void Run::cutSomewhere() {
     for (Tree& tree : net_.trees()) {
         tree.plan.cutAt(pictureOf(tree.top(tree.route.maker)).lines);
     }
+    if (endMaker()) return;
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
-    if (dice_.oneIn(4) && net_.mayCrash(process)) {
+    if (dice_.oneIn(4) && !net_.makes(process) && net_.mayCrash(process)) {
         net_.crash(process);
         ++outcome_.volumes.crashes;
         return;
     }
     net_.cut(*dice_.oneOf(net_.links()));
     ++outcome_.volumes.cuts;
+}
+
+void Run::keepSomething() {
+    if (!makersEnd_ || !ends_.oneIn(12)) return;
+    Tree& tree = ends_.oneOf(net_.trees());
+    if (ends_.oneIn(4)) return net_.keepNothing(tree);
+    if (settings_.isTraced) std::printf("%s is kept\n", tree.path.c_str());
+    auto const found = net_.keep(tree);
+    if (!found.empty()) fail(found.starts_with("closed: ") ? found : "what is kept: " + found);
+}
+
+// Whether a maker has ended, and come back.
+bool Run::endMaker() {
+    if (!makersEnd_ || !ends_.oneIn(3)) return false;
+    auto const process = ends_.oneOf(net_.trees()).route.maker;
+    if (!net_.mayCrash(process)) return false;
+    if (settings_.isTraced) std::printf("process %u ends\n", process);
+    net_.crash(process);
+    ++outcome_.volumes.returns;
+    return true;
 }
 
 void Run::remountSomewhere() {
@@ -147,7 +175,7 @@ void Run::remountSomewhere() {
 void Run::look() {
     Tree& tree = dice_.oneOf(net_.trees());
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
-    if (process == tree.route.maker) return;
+    if (process == tree.route.maker || !net_.isOnTrack(tree, process)) return;
     auto const violation = tree.watches[process].look(pictureOf(tree.top(process)), tree.plan);
     if (!violation.empty() && !settings_.areRivals) {
         fail("process " + std::to_string(process) + ": " + violation);

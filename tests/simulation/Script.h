@@ -14,6 +14,7 @@ struct Volumes {
     std::uint64_t changes = 0;
     std::uint64_t cuts = 0;
     std::uint64_t crashes = 0;
+    std::uint64_t returns = 0;  // of processes that make trees, as they were or with nothing
     std::uint64_t remounts = 0;
     std::uint64_t bytes = 0;
     std::uint64_t described = 0;  // processes that know the classes by their descriptions alone
@@ -30,12 +31,13 @@ struct Outcome {
 
 struct Request {
     std::uint64_t seed = 1;
-    unsigned steps = 0;     // 0: the seed decides
-    bool rivals = false;    // several authors write the same values
-    bool remounts = false;  // mounts are given back and made again while the connection stays
-    bool ties = false;      // collections have keys that tie
-    bool compiled = false;  // no process knows the classes by their descriptions alone
-    bool isTraced = false;  // everything that happens on standard output
+    unsigned steps = 0;       // 0: the seed decides
+    bool rivals = false;      // several authors write the same values
+    bool remounts = false;    // mounts are given back and made again while the connection stays
+    bool ties = false;        // collections have keys that tie
+    bool compiled = false;    // no process knows the classes by their descriptions alone
+    bool makersStay = false;  // no process that makes a tree ends
+    bool isTraced = false;    // everything that happens on standard output
 };
 
 Outcome runScript(Request const& request);

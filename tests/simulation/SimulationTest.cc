@@ -18,6 +18,7 @@ TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {
         sum.changes += outcome.volumes.changes;
         sum.cuts += outcome.volumes.cuts;
         sum.crashes += outcome.volumes.crashes;
+        sum.returns += outcome.volumes.returns;
         sum.described += outcome.volumes.described;
         ASSERT_EQ(outcome.violation, "")
             << outcome.topology << "; to see it again: simulate --trace --scripts 1 --seed "
@@ -26,6 +27,7 @@ TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {
     EXPECT_GT(sum.changes, 17 * scripts);
     EXPECT_GT(sum.cuts, scripts / 3);
     EXPECT_GT(sum.crashes, scripts / 30);
+    EXPECT_GT(sum.returns, scripts / 30);
     EXPECT_GT(sum.described, scripts / 3);
 }
 
@@ -62,10 +64,11 @@ TEST(Simulation, CollectionsWhoseKeysTieConverge) {
     }
 }
 
-// A script that was found when all processes had the classes, and is kept as it was.
+// A script that was found when all processes had the classes and no maker ended, kept as it was.
 Request compiled(std::uint64_t seed, bool rivals = false) {
     Request request{seed, 0, rivals};
     request.compiled = true;
+    request.makersStay = true;
     return request;
 }
 

@@ -16,14 +16,16 @@ struct Options {
 
 constexpr char const* help =
     "simulate [--seed N] [--steps N] [--scripts N] [--seconds N] [--rivals] [--remounts] "
-    "[--ties] [--compiled] [--trace]\n"
+    "[--ties] [--compiled] [--makers-stay] [--trace]\n"
     "\n"
     "Runs script after script from the seed on (1 unless told), each of so many steps (as the\n"
     "seed decides unless told), until so many scripts or seconds (60) are over. --rivals lets\n"
     "several authors write the same values, --remounts has mounts given back and made again while\n"
     "their connection stays, --ties gives collections keys that tie, --compiled leaves out "
     "processes\n"
-    "that know the classes by their descriptions alone, --trace tells everything.\n"
+    "that know the classes by their descriptions alone, --makers-stay has no process end that "
+    "makes a\n"
+    "tree, --trace tells everything.\n"
     "Ends with 1 at the first violation.\n";
 
 Options parsed(int count, char** words) {
@@ -49,6 +51,8 @@ Options parsed(int count, char** words) {
             options.request.ties = true;
         } else if (is("--compiled")) {
             options.request.compiled = true;
+        } else if (is("--makers-stay")) {
+            options.request.makersStay = true;
         } else if (is("--trace")) {
             options.request.isTraced = true;
         } else {
@@ -68,10 +72,11 @@ void print(Sim::Volumes const& sum, std::uint64_t scripts, double seconds) {
                 static_cast<unsigned long long>(sum.steps),
                 static_cast<unsigned long long>(sum.changes), each(sum.changes));
     std::printf(
-        "%llu cuts, %llu crashes, %llu mounts given back or made again, %llu processes without "
+        "%llu cuts, %llu crashes, %llu more of makers, %llu mounts given back or made again, %llu "
+        "processes without "
         "the classes, %.1f MB over the links, %.1f s\n",
         static_cast<unsigned long long>(sum.cuts), static_cast<unsigned long long>(sum.crashes),
-        static_cast<unsigned long long>(sum.remounts),
+        static_cast<unsigned long long>(sum.returns), static_cast<unsigned long long>(sum.remounts),
         static_cast<unsigned long long>(sum.described), static_cast<double>(sum.bytes) / 1e6,
         seconds);
 }
@@ -95,6 +100,7 @@ int main(int count, char** words) {
         sum.changes += outcome.volumes.changes;
         sum.cuts += outcome.volumes.cuts;
         sum.crashes += outcome.volumes.crashes;
+        sum.returns += outcome.volumes.returns;
         sum.remounts += outcome.volumes.remounts;
         sum.bytes += outcome.volumes.bytes;
         sum.described += outcome.volumes.described;

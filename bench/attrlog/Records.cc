@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../Row.h"
+#include "mixed/Mixture.h"
 #include "peers/Peers.h"
 
 namespace Bench {
@@ -157,6 +158,8 @@ void addRecords() {
     cell(writeRow, "ours", writeOurs);
     cell(readRow, "floor", readFloor);
     cell(readRow, "ours", readOurs);
+    addMixedFloor();
+    addMixedOurs();
 #ifdef VGW_BENCH_FLATBUFFERS
     addFlatbuffers();
 #endif

@@ -48,14 +48,15 @@ struct Sums {
 /// A buffer of messages on even words, which begins anew when it is full.
 class Messages {
   public:
-    static constexpr std::size_t size = 1U << 18;
     static constexpr std::size_t longest = 512;
 
-    Messages() : bytes_(size) {}
+    Messages() : Messages(1U << 18, longest) {}
+    Messages(std::size_t size, std::size_t longestOfAll)
+        : bytes_(size), longest_(longestOfAll + sizeof(std::uint64_t)) {}
 
     /// Room for the longest message.
     std::byte* room() noexcept {
-        if (size - at_ < longest + sizeof(std::uint64_t)) at_ = 0;
+        if (bytes_.size() - at_ < longest_) at_ = 0;
         return bytes_.data() + at_ + sizeof(std::uint64_t);
     }
     /// So long is the message that was put there.
@@ -76,6 +77,7 @@ class Messages {
     void pass(std::uint64_t length) noexcept { at_ += sizeof length + ((length + 7) & ~7ULL); }
 
     std::vector<std::byte> bytes_;
+    std::size_t longest_;
     std::size_t at_ = 0;
 };
 

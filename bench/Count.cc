@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Row.h"
+#include "attrlog/mixed/OurRows.h"
 
 namespace {
 
@@ -47,6 +48,21 @@ void changeText() {
     countedOperations([&](unsigned i) { row->logicalSwitchIs(values[i & 1]); });
 }
 
+// Behind all of them once, so that the ring stands.
+void sendMixed() {
+    Bench::Mixture const mixture;
+    Bench::OurRows rows(mixture);
+    auto& out = *rows.out();
+    auto const drain = [&] {
+        while (!out.unsent().empty()) out.sentInc(out.unsent().size());
+    };
+    for (Bench::MixedRecord const& record : mixture.records()) {
+        rows.send(record);
+        drain();
+    }
+    countedOperations([&](unsigned i) { rows.send(mixture.records()[i]); });
+}
+
 bool run(char const* operation) {
     static constexpr char const* telling = "u32 setter that tells ";
     if (std::strcmp(operation, "u32 setter, value changes") == 0) {
@@ -55,6 +71,8 @@ bool run(char const* operation) {
         changeNumber(0, 0);
     } else if (std::strcmp(operation, "string setter, 36 characters") == 0) {
         changeText();
+    } else if (std::strcmp(operation, "record of mixed kinds, written") == 0) {
+        sendMixed();
     } else if (std::strncmp(operation, telling, std::strlen(telling)) == 0) {
         changeNumber(static_cast<unsigned>(std::atoi(operation + std::strlen(telling))), 1);
     } else {

@@ -147,6 +147,7 @@ class Mixture {
 };
 
 inline constexpr char const* writeMixedRow = "write a record, mixed kinds";
+inline constexpr char const* sendMixedRow = "handler to record in the ring, mixed kinds";
 inline constexpr char const* readMixedRow = "read and dispatch a record, mixed kinds";
 
 inline void Taken::take(MixedRecord const& record) noexcept {

@@ -83,71 +83,76 @@ void OurRows::fillMembers(std::size_t index, std::size_t member, Mixture const& 
                                                         keys_.back());
 }
 
+// By What. Who tells a change of a member hands its key on.
+struct OurRows::Senders {
+    template <class X>
+    static auto& of(OurRows& rows, MixedRecord const& record) {
+        return *rows.row<X>(record.row).adapter;
+    }
+    static std::size_t member(MixedRecord const& record) {
+        return record.row * Mixture::members + record.member;
+    }
+
+    static void none(OurRows&, MixedRecord const&) {}
+    static void counter(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::LogicalBindingStats>(rows, record).onInBytes();
+    }
+    static void mac(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::UcastMacsRemote>(rows, record).onMac();
+    }
+    static void address(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::UcastMacsRemote>(rows, record).onIpAddr();
+    }
+    static void rowText(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::UcastMacsRemote>(rows, record).onLogicalSwitch();
+    }
+    static void otherRowText(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::UcastMacsRemote>(rows, record).onPhysicalLocator();
+    }
+    static void shortText(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::LogicalSwitch>(rows, record).onDesc();
+    }
+    static void tunnelKey(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::LogicalSwitch>(rows, record).onTunnelKey();
+    }
+    static void port(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::CliConfig>(rows, record).onManagerPort();
+    }
+    static void flag(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::CliConfig>(rows, record).onEnableAgent();
+    }
+    static void state(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::OvsdbSessionStatus>(rows, record).onSessionState();
+    }
+    static void portRow(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::PhysicalSwitch>(rows, record).onPort(rows.keys_[member(record)]);
+    }
+    static void portRowGone(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::PhysicalSwitch>(rows, record).onPort(rows.missing_[member(record)]);
+    }
+    static void pair(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::PhysicalLocator>(rows, record).onUcastMacRef(pairOf(record));
+    }
+    static void binding(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::PhysicalPort>(rows, record).onVlanBinding(static_cast<Qor::U16>(record.second));
+    }
+    static void word(OurRows& rows, MixedRecord const& record) {
+        of<Vgw::PhysicalLocator>(rows, record).onBfdStatus(rows.options_[record.member]);
+    }
+    static void reference(OurRows& rows, MixedRecord const& record) {
+        auto const key = Kelp::IpAddr::fromHostOrder(record.second);
+        of<Vgw::HwVtepOvsdb>(rows, record).onPhysicalLocator(key);
+    }
+
+    using Sender = void (*)(OurRows&, MixedRecord const&);
+    static constexpr Sender all[whats] = {none,         counter,   mac,         address, rowText,
+                                          otherRowText, shortText, tunnelKey,   port,    flag,
+                                          state,        portRow,   portRowGone, pair,    pair,
+                                          binding,      word,      reference};
+};
+
 void OurRows::send(MixedRecord const& record) {
-    switch (record.what) {
-        case What::portRow:
-        case What::portRowGone:
-        case What::pair:
-        case What::pairGone:
-        case What::binding:
-        case What::word:
-        case What::reference:
-            return sendMember(record);
-        default:
-            return sendValue(record);
-    }
-}
-
-inline void OurRows::sendValue(MixedRecord const& record) {
-    switch (record.what) {
-        case What::counter:
-            return row<Vgw::LogicalBindingStats>(record.row).adapter->onInBytes();
-        case What::mac:
-            return row<Vgw::UcastMacsRemote>(record.row).adapter->onMac();
-        case What::address:
-            return row<Vgw::UcastMacsRemote>(record.row).adapter->onIpAddr();
-        case What::rowText:
-            return row<Vgw::UcastMacsRemote>(record.row).adapter->onLogicalSwitch();
-        case What::otherRowText:
-            return row<Vgw::UcastMacsRemote>(record.row).adapter->onPhysicalLocator();
-        case What::shortText:
-            return row<Vgw::LogicalSwitch>(record.row).adapter->onDesc();
-        case What::tunnelKey:
-            return row<Vgw::LogicalSwitch>(record.row).adapter->onTunnelKey();
-        case What::port:
-            return row<Vgw::CliConfig>(record.row).adapter->onManagerPort();
-        case What::flag:
-            return row<Vgw::CliConfig>(record.row).adapter->onEnableAgent();
-        case What::state:
-            return row<Vgw::OvsdbSessionStatus>(record.row).adapter->onSessionState();
-        default:
-            return;
-    }
-}
-
-// Who tells a change of a member hands its key on.
-inline void OurRows::sendMember(MixedRecord const& record) {
-    std::size_t const member = record.row * Mixture::members + record.member;
-    switch (record.what) {
-        case What::portRow:
-            return row<Vgw::PhysicalSwitch>(record.row).adapter->onPort(keys_[member]);
-        case What::portRowGone:
-            return row<Vgw::PhysicalSwitch>(record.row).adapter->onPort(missing_[member]);
-        case What::pair:
-        case What::pairGone:
-            return row<Vgw::PhysicalLocator>(record.row).adapter->onUcastMacRef(pairOf(record));
-        case What::binding:
-            return row<Vgw::PhysicalPort>(record.row)
-                .adapter->onVlanBinding(static_cast<Qor::U16>(record.second));
-        case What::word:
-            return row<Vgw::PhysicalLocator>(record.row)
-                .adapter->onBfdStatus(options_[record.member]);
-        case What::reference:
-            return row<Vgw::HwVtepOvsdb>(record.row)
-                .adapter->onPhysicalLocator(Kelp::IpAddr::fromHostOrder(record.second));
-        default:
-            return;
-    }
+    Senders::all[static_cast<std::size_t>(record.what)](*this, record);
 }
 
 }  // namespace Bench

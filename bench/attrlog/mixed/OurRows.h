@@ -38,6 +38,7 @@ class OurRows {
     void send(MixedRecord const& record);
 
   private:
+    struct Senders;
     template <class X>
     using All = std::vector<OurRow<X>>;
 
@@ -49,8 +50,6 @@ class OurRows {
     }
     void fill(std::size_t index, Mixture const& mixture);
     void fillMembers(std::size_t index, std::size_t member, Mixture const& mixture);
-    void sendValue(MixedRecord const& record);
-    void sendMember(MixedRecord const& record);
 
     Qor::Ptr<Qor::NboAttrLog::Out> const out_ = Qor::make<Qor::NboAttrLog::Out>();
     Qor::NboAttrLog::Demuxer::Ptr const demuxer_ =

@@ -1,6 +1,7 @@
 // Our columns of the mixed rows: what is written comes from the handlers of real entities'
 // adapters, and what is read goes through the readers that those have for their attributes.
 #include <qor/attrlog/family/TextIn.h>
+#include <qor/attrlog/family/ValueOut.h>
 
 #include "../../Row.h"
 #include "OurRows.h"
@@ -20,7 +21,99 @@ void drainOut(Out& out) {
     while (!out.unsent().empty()) out.sentInc(out.unsent().size());
 }
 
+// A record's values.
+struct Values {
+    explicit Values(MixedRecord const& record)
+        : key(record.key),
+          text(record.text),
+          mac(Kelp::EthAddr::fromNumber(isOfMac(record.shape) ? record.number : 0)),
+          pair(mac, Vxlan::Vni(isOfMac(record.shape) ? record.second : 0)) {}
+    static bool isOfMac(Shape shape) {
+        return shape == Shape::mac || shape == Shape::pairKey || shape == Shape::pairKeyGone;
+    }
+    Qor::String8 key;
+    Qor::String8 text;
+    Kelp::EthAddr mac;
+    Vgw::MacVniPair pair;
+};
+
+// As TextMemberOut puts the only chunk of a text.
+void putText(Qor::Ptr<Out> const& out, Qor::String8 const& text) {
+    auto position = text.iteratorConst();
+    out->putChunk(position);
+}
+
+void putMember(Qor::Ptr<Out> const& out, MixedRecord const& record, Values const& values) {
+    switch (record.shape) {
+        case Shape::rowKey:
+            out << values.key << true;
+            return;
+        case Shape::rowKeyGone:
+            out << values.key;
+            return;
+        case Shape::pairKey:
+            out << values.pair << true;
+            return;
+        case Shape::pairKeyGone:
+            out << values.pair;
+            return;
+        case Shape::numberToText:
+            out << static_cast<Qor::U16>(record.second);
+            return putText(out, values.text);
+        case Shape::textToText:
+            out << values.key;
+            return putText(out, values.text);
+        default:
+            out << Kelp::IpAddr::fromHostOrder(record.second) << record.number;
+            return;
+    }
+}
+
+void putPayload(Qor::Ptr<Out> const& out, MixedRecord const& record, Values const& values) {
+    switch (record.what) {
+        case What::flag:
+            return Qor::putValue(out, record.number != 0);
+        case What::port:
+            return Qor::putValue(out, static_cast<Qor::U16>(record.number));
+        case What::tunnelKey:
+            return Qor::putValue(out, static_cast<Qor::U32>(record.number));
+        case What::address:
+            return Qor::putValue(out,
+                                 Kelp::IpAddr::fromHostOrder(static_cast<Qor::U32>(record.number)));
+        case What::state:
+            return Qor::putValue(out, static_cast<Vgw::SessionState>(record.number));
+        case What::counter:
+            return Qor::putValue(out, record.number);
+        case What::mac:
+            return Qor::putValue(out, values.mac);
+        case What::rowText:
+        case What::otherRowText:
+        case What::shortText:
+            return out->putBytes(values.text.view());
+        default:
+            return putMember(out, record, values);
+    }
+}
+
 void write(benchmark::State& state) {
+    using Token = Out::TransactToken;
+    Mixture const mixture;
+    std::vector<Values> const values(mixture.records().begin(), mixture.records().end());
+    auto const out = Qor::make<Out>();
+    for (auto _ : state) {
+        auto const* its = values.data();
+        for (MixedRecord const& record : mixture.records()) {
+            out->nextHeaderIs({Qor::EntityId(record.entity), record.attribute});
+            out << Token::begin;
+            putPayload(out, record, *its++);
+            out << Token::end;
+            if (!out->hasSufficientBuffer()) drainOut(*out);
+        }
+    }
+    tellOperations(state, Mixture::size);
+}
+
+void send(benchmark::State& state) {
     Mixture const mixture;
     OurRows rows(mixture);
     auto const& out = rows.out();
@@ -155,6 +248,7 @@ void read(benchmark::State& state) {
 
 void addMixedOurs() {
     cell(writeMixedRow, "ours", write);
+    cell(sendMixedRow, "ours", send);
     cell(readMixedRow, "ours", read);
 }
 

@@ -51,8 +51,7 @@ std::ostream& operator<<(std::ostream& stream, EthAddr const& address) {
 
 Qor::Ptr<Qor::NboAttrLog::Out> const& operator<<(Qor::Ptr<Qor::NboAttrLog::Out> const& out,
                                                  EthAddr const& address) {
-    for (auto const word : address.words()) out << word;
-    return out;
+    return out << address.words()[0] << static_cast<Qor::U32>(address.number());
 }
 
 }  // namespace Kelp

@@ -33,6 +33,12 @@ void Out::putChunk(String8::IteratorConst& position) {
     moreChunksIs(static_cast<bool>(position));
 }
 
+void Out::putAcrossBlocks(U64 number, std::size_t count) {
+    unsigned char bytes[sizeof number];
+    storeNetworkOrder(bytes, number);
+    putAcrossBlocks(bytes + sizeof number - count, count);
+}
+
 void Out::putAcrossBlocks(unsigned char const* bytes, std::size_t count) {
     while (count > 0) {
         if (write_ == blockEnd_) nextBlock(count);

@@ -119,6 +119,8 @@ class QOR_EXPORT Out : public VFPtrInterface {
     // The block that is written to now.
     void writeAt(unsigned char* block, std::size_t filled) noexcept;
     void putAcrossBlocks(unsigned char const* bytes, std::size_t count);
+    // The low `count` bytes of a number. Never inline: its array would be on the stack of who puts.
+    [[gnu::noinline]] void putAcrossBlocks(U64 number, std::size_t count);
     void nextBlock(std::size_t wanted);
     void dropSentBlocks() noexcept;
     unsigned char* at(U64 offset) const noexcept;
@@ -148,9 +150,7 @@ void Out::put(Number number) {
             storeNetworkOrder(write_, word);
             write_ += sizeof word;
         } else {
-            unsigned char bytes[sizeof word];
-            storeNetworkOrder(bytes, word);
-            putAcrossBlocks(bytes, sizeof word);
+            putAcrossBlocks(U64{word}, sizeof word);
         }
     }
 }

@@ -21,6 +21,18 @@ void Out::putHead(FrameKind kind, MsgHeader const& header) {
     putBytes({reinterpret_cast<char const*>(head), frameHeadSize});
 }
 
+// Of a frame that takes another's place, is the first that waits, or whose head goes over.
+void Out::beginOddFrame(FrameKind kind, MsgHeader header) {
+    dropOpenFrame();
+    if (waker_ != nullptr && written() == sent()) waker_->onFirstFrame();
+    frameStart_ = written();
+    sectionStart_ = noFrame;
+    moreChunksIs(false);
+    mayPassCapIs(true);
+    frameHead_ = claim(frameHeadSize);
+    frameHead_ != nullptr ? storeHead(frameHead_, kind, header) : putHead(kind, header);
+}
+
 void Out::takeBackFrame() {
     writtenIs(frameStart_);
     frameStart_ = noFrame;

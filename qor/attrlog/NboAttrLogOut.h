@@ -76,6 +76,7 @@ class QOR_EXPORT Out : public Connection::Out {
     static constexpr U64 noFrame = ~U64{0};
 
     void putHead(FrameKind kind, MsgHeader const& header);
+    void beginOddFrame(FrameKind kind, MsgHeader header);
     void takeBackFrame();
     void endFrame();
     void endOddFrame();
@@ -95,19 +96,21 @@ inline void storeHead(unsigned char* at, FrameKind kind, MsgHeader const& header
     storeHeader(at + 5, header);
 }
 
+// Whatever is rare about it stands apart, and has the fields one by one: so the header is never in
+// memory.
 inline void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
-    dropOpenFrame();
-    if (waker_ != nullptr && written() == sent()) waker_->onFirstFrame();
-    frameStart_ = written();
+    bool const isPlain = !hasOpenFrame() && (waker_ == nullptr || written() != sent());
+    unsigned char* const head = isPlain ? claim(frameHeadSize) : nullptr;
+    if (head == nullptr) [[unlikely]] {
+        return beginOddFrame(kind, {header.entityId, header.attributeId, header.headerTag,
+                                    header.headerWordA, header.headerWordB, header.headerTail});
+    }
+    frameHead_ = head;
+    frameStart_ = written() - frameHeadSize;
     sectionStart_ = noFrame;
     moreChunksIs(false);
     mayPassCapIs(true);
-    frameHead_ = claim(frameHeadSize);
-    if (frameHead_ != nullptr) [[likely]] {
-        storeHead(frameHead_, kind, header);
-    } else {
-        putHead(kind, header);
-    }
+    storeHead(head, kind, header);
 }
 
 // A number of its own width; a truth value is one byte, 0 or 1. A template, so that nothing turns

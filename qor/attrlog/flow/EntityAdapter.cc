@@ -137,6 +137,16 @@ void Entity::QorNboAttrLogSa::noteSent() {
 }
 
 void Entity::QorNboAttrLogSa::beginRecord(AttributeId id, U32 wordB, U8 tag) {
+    auto const* const demuxer = enteredDemuxer();
+    if (demuxer == nullptr || has(AdapterState::isCopy)) [[unlikely]] {
+        return beginOddRecord(id, wordB, tag);
+    }
+    sentAt_ = demuxer->framesSent() + 1;
+    nboAttrLogOut()->nextHeaderIs({entityId(), id, tag, 0, wordB});
+}
+
+// Of a copy, or of an adapter that is not entered.
+void Entity::QorNboAttrLogSa::beginOddRecord(AttributeId id, U32 wordB, U8 tag) {
     noteSent();
     nboAttrLogOut()->nextHeaderIs({entityId(), id, tag, 0, wordB});
 }

@@ -84,6 +84,7 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
 
   private:
     void noteSent();
+    void beginOddRecord(AttributeId id, U32 wordB, U8 tag);
 
     Qor::Ptr<Entity::NotifieeConst> companion_;
     U64 sentAt_ = 0;       // the number of the last frame that was sent for the entity

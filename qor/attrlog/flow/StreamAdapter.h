@@ -94,6 +94,8 @@ class QOR_EXPORT StreamAdapter : public PtrInterface::NotifieeConst {
     NboAttrLog::Demuxer* qorRawDemuxer() const noexcept {
         return demuxer_ != nullptr ? demuxer_ : connectionsDemuxer();
     }
+    // The one it is entered in; null before.
+    NboAttrLog::Demuxer* enteredDemuxer() const noexcept { return demuxer_; }
     Entity* qorRawEntity() const noexcept { return const_cast<Entity*>(entity_); }
     // Announces an entity without a parent on this connection, and sends its state.
     virtual void doSerializeOrphan();

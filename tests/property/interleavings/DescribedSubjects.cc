@@ -16,6 +16,7 @@ namespace Ends {
 namespace {
 
 using Qor::AttributeId;
+using Qor::Name;
 using Tree::OpId;
 using Tree::Wrapper;
 
@@ -64,7 +65,8 @@ void memberIs(Wrapper const& row, AttributeId id, Wrapper const& key, std::strin
     row->attributeOp(id, OpId::opSet, key, Tree::valueOf(*attributeOf(row, id).valueType(), text));
 }
 
-constexpr AttributeId tunnelKey = 388;  // of a logical switch
+constexpr AttributeId tunnelKey = 388;      // of a logical switch
+constexpr AttributeId remoteLocator = 268;  // of the database
 
 // A child comes and goes; the second change is one of its value.
 class DescribedRow final : public DescribedSubject {
@@ -215,6 +217,48 @@ class DescribedReference final : public DescribedSubject {
     void tidyUp(End end) override { Tree::dropDangling(top(end)); }
 };
 
+// Two keys that tie where the class is compiled refer to rows, at the original from the first, and
+// so does one in front of them. One comes and goes; with the second change the other goes and comes
+// back, and refers to another row.
+class DescribedTies final : public DescribedSubject {
+  public:
+    DescribedTies() : DescribedSubject("Vgw::HwVtepOvsdb") {
+        auto const database = at(0);
+        for (char const* const name : names_) {
+            database->attributeOp(rows, OpId::opSet, nullptr,
+                                  Tree::listOf(keyOf(database, rows, name)));
+        }
+        for (unsigned which : {2U, 1U, 0U}) setLink(database, which, names_[0]);
+    }
+
+  private:
+    static constexpr AttributeId rows = 267;
+    static constexpr char const* names_[] = {"'l'", "'m'"};
+
+    static Wrapper linkOf(Wrapper const& database, unsigned which) {
+        constexpr char const* addresses[] = {"10.0.237.115", "10.1.19.59", "192.0.2.1"};
+        Vgw::PhysicalLocatorKey const key(Vgw::vxlan_over_ipv4, Kelp::IpAddr(addresses[which]));
+        std::string const text(valueToStrep(key).view());
+        bool const isCompiled = attributeOf(database, remoteLocator).keyType() ==
+                                Qor::QorType::type(Name("Vgw::PhysicalLocatorKey"));
+        return keyOf(database, remoteLocator,
+                     (isCompiled ? text : Described::renamed(text)).c_str());
+    }
+    static void setLink(Wrapper const& database, unsigned which, char const* name) {
+        auto const row = memberOf(database, rows, keyOf(database, rows, name));
+        if (row) database->attributeOp(remoteLocator, OpId::opSet, linkOf(database, which), row);
+    }
+    bool change(End end, unsigned which) override {
+        auto const database = at(end);
+        auto const link = linkOf(database, which);
+        auto const there = memberOf(database, remoteLocator, link);
+        bool const isSecond = there && there->entity() && there->entity()->name().view() == "m";
+        if (there) database->attributeOp(remoteLocator, OpId::opDel, link);
+        if (which == 1 || !there) setLink(database, which, names_[isSecond ? 0 : 1]);
+        return true;
+    }
+};
+
 }  // namespace
 
 std::vector<Sort> const& sorts() {
@@ -230,6 +274,7 @@ std::vector<Sort> const& sorts() {
         {"DescribedText", 1, 2, true, &made<DescribedText<1>>},
         {"DescribedLongText", 1, 3, true, &made<DescribedText<40000>>},
         {"DescribedReference", 2, 3, true, &made<DescribedReference>},
+        {"DescribedTies", 2, 3, true, &made<DescribedTies>, false, remoteLocator},
     };
     return all;
 }

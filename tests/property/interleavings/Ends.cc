@@ -78,7 +78,14 @@ void Row::mount(End number) {
     auto const adapter = subject_->top(number)->qorNboAttrLogSaIs(peers.source.flags, 1,
                                                                   peers.source.outPtr(), nullptr);
     adapter->qorOnInit();
+    peers.source.out().hasLiveBufferIs(sort_.waitsAt == 0);
     adapter->doSerializeOrphan();
+    peers.source.out().hasLiveBufferIs(true);
+    for (auto const* flow = adapter->StreamAdapter::flowOut();
+         flow != nullptr && flow->attrId() < sort_.waitsAt;
+         flow = adapter->StreamAdapter::flowOut()) {
+        peers.source.demuxer->serveFlows(oneFrame);
+    }
     connection.top = bytesOf(adapter->entityId());
     collect();
 }

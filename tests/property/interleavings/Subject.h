@@ -42,6 +42,8 @@ struct Sort {
     bool watchesChildren;  // frames for the children go over one by one, and not with the top's
     std::function<std::unique_ptr<Subject>()> make;
     bool keepsGone = false;  // what has gone lives on, with its adapter
+    // Where a mount waits for its next turn, a frame each: else it sends its whole state at once.
+    Qor::AttributeId waitsAt = 0;
 };
 
 std::vector<Sort> const& sorts();

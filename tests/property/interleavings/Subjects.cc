@@ -1,6 +1,7 @@
 #include "Subject.h"
 
 #include <ends/attrlog/Holder.h>
+#include <ends/attrlog/Knot.h>
 #include <ends/attrlog/Labels.h>
 #include <ends/attrlog/Leaf.h>
 #include <ends/attrlog/Links.h>
@@ -237,6 +238,46 @@ class Flag final : public SubjectOf<Marks> {
     }
 };
 
+// Three keys that tie stand at the original from the first. One comes and goes; with the second
+// change another goes and comes back, and so stands behind the rest.
+class TiedFlags final : public SubjectOf<Knot> {
+  public:
+    TiedFlags() {
+        for (Place const place : places_) at(0)->tagIs(Tag(place, red), true);
+    }
+
+  private:
+    static constexpr std::array<Place, 3> places_{near, middle, far};
+
+    static bool has(Knot const& knot, Tag const& tag) {
+        for (auto at_ = knot.tagIteratorConst(); at_; ++at_) {
+            if (at_.key() == tag) return true;
+        }
+        return false;
+    }
+    bool change(End end, unsigned which) override {
+        auto const& knot = at(end);
+        Tag const tag(which == 0 ? near : middle, red);
+        bool const isThere = has(*knot, tag);
+        bool const value = isThere && !knot->tag(tag);
+        if (isThere) knot->tagDel(tag);
+        if (which == 1 || !isThere) knot->tagIs(tag, value);
+        return true;
+    }
+    std::string picture(End end) const override {
+        std::string words;
+        for (Place const place : places_) {
+            Tag const tag(place, red);
+            if (!has(*at(end), tag)) {
+                words += "nothing ";
+            } else {
+                words += at(end)->tag(tag) ? "yes " : "no ";
+            }
+        }
+        return words;
+    }
+};
+
 // Of texts of `length` and more.
 template <std::size_t length>
 Qor::String8 textOf(Qor::U64 number) {
@@ -340,6 +381,7 @@ std::vector<Sort> const& sorts() {
         {"TwoFlags", 2, 1, true, &made<FlagAmongMany>},
         {"FlagAmongMany", 3, 3, true, &made<FlagAmongMany>},
         {"Flag", 2, 1, true, &made<Flag>},
+        {"TiedFlags", 2, 2, true, &made<TiedFlags>, false, Knot::TagAttr::id},
         {"Label", 2, 1, true, &made<Label<1>>},
         {"LongLabel", 2, 3, true, &made<Label<40000>>},
         {"Scalar", 1, 0, true, &made<Scalar>},

@@ -12,50 +12,12 @@
 
 namespace Qor {
 
-// Keys that are ordered by their hash alone may tie: two that collide are neither less nor greater.
-// An iterator then remembers which members of the present tie it has met, so that it loses and
-// repeats none when the one it stands on is removed. All other key types have nothing to remember.
-template <class Member, bool hasTies>
-struct MetTies {
-    struct Forgotten {};
-    Forgotten step(Member*, Member const*) { return {}; }
-    bool isPast(U32) const { return false; }
-    void versionIs(U32) {}
-    bool met(Member const*) const { return true; }
-};
-
-template <class Member>
-struct MetTies<Member, true> {
-    using Forgotten = std::vector<Ptr<Member>>;
-    /// What is returned is to go when the step has been made: ends may run any code.
-    [[nodiscard]] Forgotten step(Member* from, Member const* to) {
-        if (from == to) {
-            return {};
-        }
-        if (!from || !to || from->fwkHash() != to->fwkHash()) {
-            return std::exchange(members, {});
-        }
-        members.emplace_back(from);
-        return {};
-    }
-    /// Whether the map has changed since: a tied member may have been put back behind.
-    bool isPast(U32 now) const { return version != now; }
-    void versionIs(U32 now) { version = now; }
-    bool met(Member const* member) const {
-        return std::any_of(members.begin(), members.end(),
-                           [&](Ptr<Member> const& m) { return m.ptr() == member; });
-    }
-    Forgotten members;
-    U32 version = 0;
-};
-
 // What is kept of a walk that is left, beside the key that it stands on: of keys that tie those of
 // the tie that it has met. A member that has gone and come back stands behind them all, so neither
-// the place of a key in its tie nor whether the key is there says how far the walk was.
+// the place of a key in its tie nor whether the key is there says how far the walk was. While no
+// member comes or goes, the walk goes on where it stood without a look at them.
 template <class Key, bool hasTies>
-struct MetKeys {
-    bool contains(Key const&, std::size_t&) const { return false; }
-};
+struct MetKeys {};
 
 template <class Key>
 struct MetKeys<Key, true> {
@@ -71,6 +33,56 @@ struct MetKeys<Key, true> {
         return false;
     }
     std::vector<Key> keys;
+    PtrInterface* place = nullptr;  // the member it stood on, in a map of that version
+    U32 version = 0;
+};
+
+// Keys that are ordered by their hash alone may tie: two that collide are neither less nor greater.
+// An iterator then remembers which members of the present tie it has met, so that it loses and
+// repeats none when the one it stands on is removed. All other key types have nothing to remember.
+template <class Member, class Key, bool hasTies>
+struct MetTies {
+    struct Forgotten {};
+    Forgotten step(Member*, Member const*) { return {}; }
+    bool isPast(U32) const { return false; }
+    void versionIs(U32) {}
+};
+
+template <class Member, class Key>
+struct MetTies<Member, Key, true> {
+    using Forgotten = std::vector<Ptr<Member>>;
+    /// What is returned is to go when the step has been made: ends may run any code.
+    [[nodiscard]] Forgotten step(Member* from, Member const* to) {
+        if (from == to) {
+            return {};
+        }
+        if (!from || !to || from->fwkHash() != to->fwkHash()) {
+            before.keys.clear();
+            return std::exchange(members, {});
+        }
+        members.emplace_back(from);
+        return {};
+    }
+    /// Whether the map has changed since: a tied member may have been put back behind.
+    bool isPast(U32 now) const { return version != now; }
+    void versionIs(U32 now) { version = now; }
+    /// Where a member and a key are looked for first. Who asks in their order finds each at once.
+    struct Hint {
+        std::size_t member = 0;
+        std::size_t key = 0;
+    };
+    bool met(Member const* member, Hint& hint) const {
+        if (hint.member < members.size() && members[hint.member].ptr() == member) {
+            ++hint.member;
+            return true;
+        }
+        return before.contains(member->fwkKey(), hint.key) ||
+               std::any_of(members.begin(), members.end(),
+                           [&](Ptr<Member> const& m) { return m.ptr() == member; });
+    }
+    Forgotten members;
+    MetKeys<Key, true> before;  // in front of these, by the walk that this one goes on with
+    U32 version = 0;
 };
 
 template <class Member, class Key>
@@ -90,9 +102,9 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     }
     /// Goes on with a walk that was left where it stood on `key`. Where nothing was met it begins
     /// at the first member that has the hash of `key`, or at the next in the order.
-    IteratorConst(Map const* map, Key const& key, MetKeys<Key, KeyTraits::hasTies> const& met)
+    IteratorConst(Map const* map, Key const& key, MetKeys<Key, KeyTraits::hasTies> met)
         : MapWalker(map) {
-        goOnInTie(KeyTraits::hash(key), met);
+        goOnInTie(KeyTraits::hash(key), std::move(met));
     }
     IteratorConst(IteratorConst const&) = default;
     IteratorConst& operator=(IteratorConst const&) = default;
@@ -114,10 +126,13 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     }
     /// A copy: the member it stems from may go in the step that follows.
     Key key() const { return stood()->fwkKey(); }
-    /// What it takes to go on later, beside key(). REQUIRES: keys that tie
-    MetKeys<Key, true> metKeys() const {
-        MetKeys<Key, true> met;
+    /// What it takes to go on later, beside key(); it is taken from the iterator, which is to step
+    /// no more. REQUIRES: keys that tie
+    MetKeys<Key, true> takeMetKeys() {
+        MetKeys<Key, true> met = std::move(ties_.before);
         for (auto const& member : ties_.members) met.keys.push_back(member->fwkKey());
+        met.version = map()->version();
+        met.place = this->isLeft() || ties_.isPast(met.version) ? nullptr : stood();
         return met;
     }
 
@@ -139,7 +154,7 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     virtual bool hasBookmark() const { return *this && !KeyTraits::isEmpty(stood()->fwkKey()); }
 
   protected:
-    using MapTies = MetTies<Member, KeyTraits::hasTies>;
+    using MapTies = MetTies<Member, Key, KeyTraits::hasTies>;
 
     /// Null when it has ended.
     Map const* map() const noexcept { return static_cast<Map const*>(this->walkedMap()); }
@@ -209,19 +224,27 @@ class HashMap<Member, Key>::IteratorConst : private MapWalker {
     Member* nextTied(Member const* from) const {
         U32 const hash = from->fwkHash();
         Member* at = tieHead(hash);
-        while (at && at->fwkHash() == hash && (at == from || ties_.met(at))) {
+        typename MapTies::Hint hint;
+        while (at && at->fwkHash() == hash && (at == from || ties_.met(at, hint))) {
             at = at->fwkHmNext();
         }
         return at && at->fwkHash() == hash ? at : nullptr;
     }
     // What came meanwhile stands at the tie's end, so the first that was not met comes next.
-    void goOnInTie(U32 hash, MetKeys<Key, KeyTraits::hasTies> const& met) {
+    void goOnInTie(U32 hash, MetKeys<Key, KeyTraits::hasTies> met) {
+        if constexpr (KeyTraits::hasTies) {
+            if (met.place && met.version == map()->version()) {
+                ties_.before = std::move(met);
+                return arrive(static_cast<Member*>(met.place));
+            }
+        }
         Member* at = tieHead(hash);
         if constexpr (KeyTraits::hasTies) {
+            auto& before = ties_.before.keys;
             for (std::size_t hint = 0; isTied(at, hash) && met.contains(at->fwkKey(), hint);) {
-                ties_.members.emplace_back(std::exchange(at, at->fwkHmNext()));
+                before.push_back(std::exchange(at, at->fwkHmNext())->fwkKey());
             }
-            if (!isTied(at, hash)) ties_.members.clear();
+            if (!isTied(at, hash)) before.clear();
         }
         auto bucket = static_cast<I32>(map()->bucketIndex(hash));
         arrive(at ? at : static_cast<Member*>(map()->findNextBucketG(&bucket)));

@@ -169,10 +169,10 @@ class CollectionOut {
         }
     }
 
-    bool leaveAt(Walk const& at) {
+    bool leaveAt(Walk& at) {
         if (at) {
             NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());
-            if constexpr (Map::KeyTraits::hasTies) flow_->template metKeys<S>() = at.metKeys();
+            if constexpr (Map::KeyTraits::hasTies) flow_->template metKeys<S>() = at.takeMetKeys();
             return false;
         }
         if constexpr (S::kind == StreamKind::textMember) {

@@ -2,6 +2,7 @@
 // back while a snapshot waits for room stands behind what was behind it.
 #include "Peers.h"
 
+#include <tests/support/LinearCost.h>
 #include <tests/support/Settings.h>
 #include <ties/attrlog/Knot.h>
 #include <ties/attrlog/Target.h>
@@ -208,6 +209,26 @@ TEST(TiedFlags, OfATieThatTakesManyTurnsEachGoesOnce) {
     auto const frames = peers.reader.demuxer->counters().framesIn;
     EXPECT_GE(frames, count);
     EXPECT_LT(frames, count + 20) << "markers and empty attributes";
+}
+
+// Processor time of the turns, a record each, in which so many keys of one tie go.
+double secondsOfTurns(std::size_t count) {
+    auto const original = make<Knot>(Name("knot"));
+    for (U32 n = 0; n < count; ++n) original->flagIs(tag(n), true);
+    Peers peers;
+    peers.source.out().hasLiveBufferIs(false);
+    peers.source.send(original);
+    peers.source.out().hasLiveBufferIs(true);
+    std::size_t turns = 0;
+    double const seconds = timeOf([&] {
+        for (; peers.source.demuxer->serveFlows(1); ++turns) takeBytes(peers.source.out());
+    });
+    EXPECT_GE(turns, count);
+    return seconds;
+}
+
+TEST(TiedFlags, TurnsOfATieTakeTimeByItsKeysAndNotByTheirSquare) {
+    expectLinearCost(Settings::volume(2000, 500, 500), secondsOfTurns);
 }
 
 }  // namespace

@@ -19,6 +19,13 @@ class ClusterMemberTest : public ClientTest {
                                       {"connected", true},
                                       {"index", index}}}}}}}};
     }
+    // The first member is followed, and its log would answer that it is at the index.
+    bool startsAskedForIndex(int index) {
+        options_.indexPause = milliseconds(20);
+        database_.selected = {{{"rows", {{{"index", index}}}}}};
+        start();
+        return inStep();
+    }
     // Another transaction is told, and was taken.
     void tellTransaction() {
         std::string const name = "n" + std::to_string(++told_);
@@ -64,13 +71,7 @@ TEST_F(ClusterMemberTest, AMemberThatIsCutOffFromItsClusterIsSkipped) {
 }
 
 TEST_F(ClusterMemberTest, AMemberThatFallsOutOfItsClusterIsLeft) {
-    database_.serverRows = {{"Database",
-                             {{first,
-                               {{"initial",
-                                 {{"name", "hardware_vtep"},
-                                  {"model", "clustered"},
-                                  {"connected", true},
-                                  {"index", 5}}}}}}}};
+    indexIs(5);
     start();
     ASSERT_TRUE(inStep());
     server_.notify("update2",
@@ -98,10 +99,7 @@ TEST_F(ClusterMemberTest, AMemberThatLacksATransactionThatWasToldIsSkipped) {
 }
 
 TEST_F(ClusterMemberTest, TheLogIsAskedForItsIndexWhileSomethingGoesOn) {
-    options_.indexPause = milliseconds(20);
-    database_.selected = {{{"rows", {{{"index", 40}}}}}};
-    start();
-    ASSERT_TRUE(inStep());
+    ASSERT_TRUE(startsAskedForIndex(40));
     // At rest nobody is asked.
     ASSERT_FALSE(runUntil(
         loop_, [&] { return server_.received().back()["method"] == "transact"; },
@@ -120,10 +118,7 @@ TEST_F(ClusterMemberTest, TheLogIsAskedForItsIndexWhileSomethingGoesOn) {
 
 // What was asked for may be ahead of the updates: they are not counted on top of it.
 TEST_F(ClusterMemberTest, AMemberThatHasAllIsFollowed) {
-    options_.indexPause = milliseconds(20);
-    database_.selected = {{{"rows", {{{"index", 12}}}}}};
-    start();
-    ASSERT_TRUE(inStep());
+    ASSERT_TRUE(startsAskedForIndex(12));
     tellTransaction();
     ASSERT_TRUE(asked());
     tellTransaction();

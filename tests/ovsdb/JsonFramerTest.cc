@@ -1,6 +1,7 @@
 #include <ovsdb/rpc/JsonFramer.h>
 #include <ovsdb/rpc/ProtocolError.h>
 
+#include <tests/support/LinearCost.h>
 #include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
@@ -8,7 +9,6 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
-#include <ctime>
 #include <random>
 #include <string>
 #include <vector>
@@ -224,21 +224,14 @@ TEST(JsonFramer, MemoryGrowsWithTheBytesThatCameAndIsGivenBack) {
     EXPECT_LE(framer.capacity(), std::size_t{1} << 17);
 }
 
-// Processor time of this thread: other programs' turns don't count.
-double processorSeconds() {
-    std::timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
 double secondsFor(std::string_view text, std::size_t chunk) {
     JsonFramer framer;
-    double const begin = processorSeconds();
-    for (std::size_t at = 0; at < text.size(); at += chunk) {
-        feed(framer, text.substr(at, chunk));
-        static_cast<void>(framer.next());
-    }
-    return processorSeconds() - begin;
+    return timeOf([&] {
+        for (std::size_t at = 0; at < text.size(); at += chunk) {
+            feed(framer, text.substr(at, chunk));
+            static_cast<void>(framer.next());
+        }
+    });
 }
 
 std::string longArray(std::size_t items) {

@@ -64,20 +64,29 @@ TEST_F(RpcSessionTest, AServerThatAnswersEchoesIsKept) {
     EXPECT_TRUE(listener_.reasons.empty());
 }
 
-TEST_F(RpcSessionTest, ALongSilenceBeforeAReplyIsNoLoss) {
-    open({milliseconds(50), milliseconds(10000), milliseconds(100)});
-    json asked;
-    server_.scriptIs([&](FakeServer&, json const& message) {
-        if (message["method"] == "monitor") asked = message;
-    });
-    bool answered = false;
-    session_->request("monitor", json::array(),
-                      [&](RpcReply const& reply) { answered = !reply.error; });
+// A server that keeps a request until the test answers it.
+class RpcKeptRequestTest : public RpcSessionTest {
+  protected:
+    void openAndAsk(RpcTimes times) {
+        open(times);
+        server_.scriptIs([&](FakeServer&, json const& message) {
+            if (message["method"] == "monitor") asked_ = message;
+        });
+        session_->request("monitor", json::array(),
+                          [&](RpcReply const& reply) { answered_ = !reply.error; });
+    }
+
+    json asked_;
+    bool answered_ = false;
+};
+
+TEST_F(RpcKeptRequestTest, ALongSilenceBeforeAReplyIsNoLoss) {
+    openAndAsk({milliseconds(50), milliseconds(10000), milliseconds(100)});
     // Eight intervals of silence, echoes unanswered too: the server is busy with the copy.
     ASSERT_FALSE(runUntil(
         loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(400)));
-    server_.reply(asked, json::object());
-    ASSERT_TRUE(runUntil(loop_, [&] { return answered; }));
+    server_.reply(asked_, json::object());
+    ASSERT_TRUE(runUntil(loop_, [&] { return answered_; }));
 }
 
 TEST_F(RpcSessionTest, PatienceWithAReplyEnds) {
@@ -120,24 +129,17 @@ TEST_F(RpcSessionTest, EchoesThatComeInPiecesAreNoAnswerEither) {
     EXPECT_EQ(listener_.reasons[0], "no answer to monitor for 300 ms");
 }
 
-TEST_F(RpcSessionTest, AReplyThatComesByteAfterByteIsAwaitedForAsLongAsItTakes) {
-    open({milliseconds(50), milliseconds(200), milliseconds(200)});
-    json asked;
-    server_.scriptIs([&](FakeServer&, json const& message) {
-        if (message["method"] == "monitor") asked = message;
-    });
-    bool answered = false;
-    session_->request("monitor", json::array(),
-                      [&](RpcReply const& reply) { answered = !reply.error; });
-    ASSERT_TRUE(runUntil(loop_, [&] { return !asked.is_null(); }));
-    server_.send(R"({"error":null,"id":)" + asked["id"].dump() + R"(,"result":[)");
+TEST_F(RpcKeptRequestTest, AReplyThatComesByteAfterByteIsAwaitedForAsLongAsItTakes) {
+    openAndAsk({milliseconds(50), milliseconds(200), milliseconds(200)});
+    ASSERT_TRUE(runUntil(loop_, [&] { return !asked_.is_null(); }));
+    server_.send(R"({"error":null,"id":)" + asked_["id"].dump() + R"(,"result":[)");
     for (int i = 0; i < 20; ++i) {
         ASSERT_FALSE(runUntil(
             loop_, [&] { return !listener_.reasons.empty(); }, milliseconds(50)));
         server_.send("1,");
     }
     server_.send("1]}");
-    ASSERT_TRUE(runUntil(loop_, [&] { return answered; }));
+    ASSERT_TRUE(runUntil(loop_, [&] { return answered_; }));
 }
 
 TEST_F(RpcSessionTest, BytesOfAnUnfinishedValueCountAsLife) {

@@ -119,46 +119,51 @@ class DescribedChild final : public DescribedSubject {
     }
 };
 
-class DescribedFlag final : public DescribedSubject {
-  public:
-    DescribedFlag() : DescribedSubject("Vgw::PhysicalPort") {}
+// A value of a port under a key comes and goes; with the second change it becomes another.
+class DescribedMember : public DescribedSubject {
+  protected:
+    DescribedMember(AttributeId id, char const* key)
+        : DescribedSubject("Vgw::PhysicalPort"), id_(id), key_(key) {}
+    // The text of a value other than what is there, if something is.
+    virtual std::string next(Wrapper const& there) = 0;
 
   private:
-    static constexpr AttributeId faults = 390;
-    bool change(End end, unsigned which) override {
+    bool change(End end, unsigned which) final {
         auto const port = at(end);
-        auto const key = keyOf(port, faults, "'k'");
-        auto const there = memberOf(port, faults, key);
+        auto const key = keyOf(port, id_, key_);
+        auto const there = memberOf(port, id_, key);
         if (which == 1 && !there) return false;
         if (which == 0 && there) {
-            port->attributeOp(faults, OpId::opDel, key);
+            port->attributeOp(id_, OpId::opDel, key);
         } else {
-            bool const isSet = there && there->strRep() == "true";
-            memberIs(port, faults, key, isSet ? "false" : "true");
+            memberIs(port, id_, key, next(there));
         }
         return true;
+    }
+
+    AttributeId const id_;
+    char const* const key_;
+};
+
+class DescribedFlag final : public DescribedMember {
+  public:
+    DescribedFlag() : DescribedMember(390, "'k'") {}  // a fault
+
+  private:
+    std::string next(Wrapper const& there) override {
+        return there && there->strRep() == "true" ? "false" : "true";
     }
 };
 
 // A text of `length` and more under a key.
 template <std::size_t length>
-class DescribedLabel final : public DescribedSubject {
+class DescribedLabel final : public DescribedMember {
   public:
-    DescribedLabel() : DescribedSubject("Vgw::PhysicalPort") {}
+    DescribedLabel() : DescribedMember(388, "7") {}  // a binding
 
   private:
-    static constexpr AttributeId bindings = 388;
-    bool change(End end, unsigned which) override {
-        auto const port = at(end);
-        auto const key = keyOf(port, bindings, "7");
-        auto const there = memberOf(port, bindings, key);
-        if (which == 1 && !there) return false;
-        if (which == 0 && there) {
-            port->attributeOp(bindings, OpId::opDel, key);
-        } else {
-            memberIs(port, bindings, key, "'" + fresh() + std::string(length, '.') + "'");
-        }
-        return true;
+    std::string next(Wrapper const&) override {
+        return "'" + fresh() + std::string(length, '.') + "'";
     }
 };
 

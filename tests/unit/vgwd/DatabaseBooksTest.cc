@@ -1,19 +1,12 @@
 #include "../../ovsdb/MirrorUnderTest.h"
 
+#include <tests/support/LinearCost.h>
 #include <vgwd/agent/DatabaseBooks.h>
 
 #include <gtest/gtest.h>
 
-#include <ctime>
-
 namespace Vgwd {
 namespace {
-
-double processorSeconds() {
-    timespec now{};
-    ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
 
 // What the books of a message of so many tunnels cost, of which `each` end in one locator.
 double costOfTunnels(unsigned size, unsigned each) {
@@ -30,9 +23,7 @@ double costOfTunnels(unsigned size, unsigned each) {
         rows["Tunnel"][Ovsdb::uuidText(i)] = {{"insert", {{"remote", Ovsdb::ref(locator)}}}};
     }
     mirror.update(rows);
-    double const begin = processorSeconds();
-    books.step(mirror.changes());
-    return processorSeconds() - begin;
+    return timeOf([&] { books.step(mirror.changes()); });
 }
 
 TEST(DatabaseBooks, TunnelsToOneLocatorAreNotEachLookedAtForEachOther) {

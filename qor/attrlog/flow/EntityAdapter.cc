@@ -225,30 +225,32 @@ bool isOnChannel(Entity::QorNboAttrLogSa const& adapter) {
     return adapter.nboAttrLogOut() && adapter.nboAttrLogOut()->isChannel();
 }
 
-bool serves(Entity::QorNboAttrLogSa& adapter, Qor::Ptr<Out const> const& out, Demuxer* demuxer) {
-    if (!out) return adapter.hasUnifiedEntityId() && isOnChannel(adapter);
-    if (adapter.nboAttrLogOut() == out) return true;
-    if (demuxer == nullptr || !adapter.hasUnifiedEntityId()) return false;
-    auto const* const entered = demuxer->adapter(adapter.entityId());
-    return entered && entered->qorNotifierEntity() == adapter.qorNotifierEntity();
+// The adapter that the same entity has there under the id that it has here.
+Entity::QorNboAttrLogSa* enteredLike(Entity::QorNboAttrLogSa const& adapter, Demuxer& demuxer) {
+    if (!adapter.hasUnifiedEntityId()) return nullptr;
+    auto* const entered = demuxer.adapter(adapter.entityId());
+    bool const isTheSame = entered && entered->qorNotifierEntity() == adapter.qorNotifierEntity();
+    return isTheSame ? entered : nullptr;
 }
 
 }  // namespace
 
 Entity::QorNboAttrLogSa* adapterOnList(ListRawGeneric const& list, Qor::Ptr<Out const> const& out) {
     Demuxer* demuxer = nullptr;
-    bool isLookedFor = false;
     for (auto* node = list.head(); node; node = ListRawGeneric::next(*node)) {
         auto* const adapter = adapterOf(*node);
         if (!adapter) return nullptr;  // adapters stand at the head, so no more follow
-        if (out && adapter->nboAttrLogOut() == out) return adapter;
-        if (out && !isLookedFor) {
+        if (!out) {
+            if (adapter->hasUnifiedEntityId() && isOnChannel(*adapter)) return adapter;
+            continue;
+        }
+        if (adapter->nboAttrLogOut() == out) return adapter;
+        if (!demuxer) {
             demuxer = demuxerOf(*out);
             if (!demuxer && out->in()) return nullptr;
-            isLookedFor = true;
         }
-        if (serves(*adapter, out, demuxer)) {
-            return out ? demuxer->adapter(adapter->entityId()) : adapter;
+        if (auto* const entered = demuxer ? enteredLike(*adapter, *demuxer) : nullptr) {
+            return entered;
         }
     }
     return nullptr;

@@ -33,7 +33,26 @@ Bytes putKey(Bytes at, std::string_view key) {
     return putText(put(at, static_cast<std::uint32_t>(key.size())), key);
 }
 
-Bytes putPayload(Bytes at, MixedRecord const& record) {
+Bytes putMember(Bytes at, MixedRecord const& record) {
+    switch (record.shape) {
+        case Shape::rowKey:
+            return put(putKey(at, record.key), std::uint8_t{1});
+        case Shape::rowKeyGone:
+            return putKey(at, record.key);
+        case Shape::pairKey:
+            return put(put(putMac(at, record.number), record.second), std::uint8_t{1});
+        case Shape::pairKeyGone:
+            return put(putMac(at, record.number), record.second);
+        case Shape::numberToText:
+            return putText(put(at, static_cast<std::uint16_t>(record.second)), record.text);
+        case Shape::textToText:
+            return putText(putKey(at, record.key), record.text);
+        default:
+            return put(put(at, record.second), record.number);
+    }
+}
+
+inline Bytes putPayload(Bytes at, MixedRecord const& record) {
     switch (record.shape) {
         case Shape::flag:
             return put(at, static_cast<std::uint8_t>(record.number));
@@ -47,22 +66,9 @@ Bytes putPayload(Bytes at, MixedRecord const& record) {
             return putMac(at, record.number);
         case Shape::text:
             return putText(at, record.text);
-        case Shape::rowKey:
-            return put(putKey(at, record.key), std::uint8_t{1});
-        case Shape::rowKeyGone:
-            return putKey(at, record.key);
-        case Shape::pairKey:
-            return put(put(putMac(at, record.number), record.second), std::uint8_t{1});
-        case Shape::pairKeyGone:
-            return put(putMac(at, record.number), record.second);
-        case Shape::numberToText:
-            return putText(put(at, static_cast<std::uint16_t>(record.second)), record.text);
-        case Shape::textToText:
-            return putText(putKey(at, record.key), record.text);
-        case Shape::addressToEntity:
-            return put(put(at, record.second), record.number);
+        default:
+            return putMember(at, record);
     }
-    return at;
 }
 
 constexpr std::size_t overhead = 29;
@@ -135,11 +141,35 @@ void takePair(Read& at, Taken& taken) {
 // The least that a payload holds, by what it is.
 constexpr std::uint8_t least[whats] = {0, 8, 6, 4, 0, 0, 0, 4, 2, 1, 4, 5, 4, 11, 10, 2, 4, 12};
 
-bool takePayload(What what, Read at, Read end, Taken& taken) {
+bool takeMember(What what, Read at, Read end, Taken& taken) {
+    switch (what) {
+        case What::portRow:
+        case What::portRowGone:
+            return takeKey(at, end, taken);
+        case What::pair:
+        case What::pairGone:
+            takePair(at, taken);
+            return true;
+        case What::binding:
+            taken.number(next<std::uint16_t>(at));
+            takeText(at, end, taken);
+            return true;
+        case What::word:
+            if (!takeKey(at, end, taken)) return false;
+            takeText(at, end, taken);
+            return true;
+        case What::reference:
+            taken.number(next<std::uint32_t>(at));
+            taken.number(next<std::uint64_t>(at));
+            return true;
+        default:
+            return false;
+    }
+}
+
+inline bool takePayload(What what, Read at, Read end, Taken& taken) {
     if (end - at < least[static_cast<std::size_t>(what)]) return false;
     switch (what) {
-        case What::none:
-            return false;
         case What::counter:
             taken.number(next<std::uint64_t>(at));
             return true;
@@ -162,27 +192,9 @@ bool takePayload(What what, Read at, Read end, Taken& taken) {
         case What::flag:
             taken.number(*at);
             return true;
-        case What::portRow:
-        case What::portRowGone:
-            return takeKey(at, end, taken);
-        case What::pair:
-        case What::pairGone:
-            takePair(at, taken);
-            return true;
-        case What::binding:
-            taken.number(next<std::uint16_t>(at));
-            takeText(at, end, taken);
-            return true;
-        case What::word:
-            if (!takeKey(at, end, taken)) return false;
-            takeText(at, end, taken);
-            return true;
-        case What::reference:
-            taken.number(next<std::uint32_t>(at));
-            taken.number(next<std::uint64_t>(at));
-            return true;
+        default:
+            return takeMember(what, at, end, taken);
     }
-    return false;
 }
 
 // The next frame; null of one that is not as it should be.

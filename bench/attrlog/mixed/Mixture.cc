@@ -78,10 +78,7 @@ std::string_view Mixture::option(std::size_t member) {
 // Only what the shape uses is set.
 void Mixture::fill(MixedRecord& record) const {
     std::uint8_t const row = record.row;
-    std::uint8_t const member = record.member;
     switch (record.what) {
-        case What::none:
-            break;
         case What::counter:
             record.number = 1'000'000'007ULL * (row + 1U);
             break;
@@ -105,11 +102,18 @@ void Mixture::fill(MixedRecord& record) const {
             record.number = 6632U + row;
             break;
         case What::flag:
-            record.number = row % 2;
-            break;
         case What::state:
-            record.number = row % 4;
+            record.number = row % (record.what == What::flag ? 2U : 4U);
             break;
+        default:
+            fillMember(record);
+    }
+}
+
+void Mixture::fillMember(MixedRecord& record) const {
+    std::uint8_t const row = record.row;
+    std::uint8_t const member = record.member;
+    switch (record.what) {
         case What::portRow:
             record.key = uuid(row, member);
             break;
@@ -132,6 +136,8 @@ void Mixture::fill(MixedRecord& record) const {
         case What::reference:
             record.second = 0xC0000200U + row;
             record.number = entityId(locator, row);
+            break;
+        default:
             break;
     }
 }

@@ -137,6 +137,7 @@ class Mixture {
         return what == What::pair ? What::pairGone : What::none;
     }
     void fill(MixedRecord& record) const;
+    void fillMember(MixedRecord& record) const;
 
     std::vector<std::string> uuids_;
     std::vector<std::string> missing_;

@@ -156,6 +156,12 @@ MUTANTS = [
     ("a relay of described entities loses keys", DYNAMIC + "DynamicAdapter.cc",
      "if constexpr (S::isKeyed) serializeChangedKey<S>(adapter, key);",
      "if constexpr (S::isKeyed) {\n            if (key.hash() % 8 != 0) serializeChangedKey<S>(adapter, key);\n        }"),
+    ("a number that is less than what the copy holds is not taken", FAMILY + "ValueIn.h",
+     "        S::set(targetOf<S>(adapter), std::move(value));",
+     "        if constexpr (std::is_same_v<typename S::Value, U64>) {\n"
+     "            if (value < S::get(targetOf<S>(adapter))) return;\n"
+     "        }\n"
+     "        S::set(targetOf<S>(adapter), std::move(value));"),
     ("a described entity does not tell that a key has gone", DYNAMIC + "DynamicStreams.h",
      "static void del(DynamicEntity& entity, Key const& key) { delKeyed<A>(entity, key); }",
      "static void del(DynamicEntity& entity, Key const& key) { A::map(entity).memberDel(key); }"),

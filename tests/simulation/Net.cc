@@ -232,11 +232,10 @@ bool Net::isWhole(unsigned process) {
 }
 
 void Net::connect(Link& link) {
-    bool const servesOn = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
-        return tree.route.maker != link.accepting() &&
-               tree.route.from[link.connecting()] == link.accepting();
+    bool const serves = std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
+        return !isWhole(link.accepting()) && tree.route.from[link.connecting()] == link.accepting();
     });
-    if (!servesOn || isWhole(link.accepting())) link.connect(roots_, trees_, settings_);
+    if (!serves) link.connect(roots_, trees_, settings_);
 }
 
 void Net::cut(Link& link) {
@@ -257,19 +256,6 @@ void Net::outOfStep() {
 bool Net::makes(unsigned process) const {
     return std::any_of(trees_.begin(), trees_.end(),
                        [&](Tree const& tree) { return tree.route.maker == process; });
-}
-
-bool Net::relays(unsigned process) const {
-    return std::any_of(trees_.begin(), trees_.end(), [&](Tree const& tree) {
-        auto const& from = tree.route.from;
-        return tree.route.maker != process && std::count(from.begin(), from.end(), process) != 0;
-    });
-}
-
-// In a ring, where everybody makes and relays, all that have come back would wait for each other.
-bool Net::mayCrash(unsigned process) const {
-    bool const isAnyHollow = std::find(isHollow_.begin(), isHollow_.end(), true) != isHollow_.end();
-    return !makes(process) || !relays(process) || !isAnyHollow;
 }
 
 // By a mount of its own, as one who backs the tree up.
@@ -310,8 +296,6 @@ void Net::keepNothing(Tree& tree) {
 // Its plan is what the maker holds now, whoever wrote that.
 void Net::comeBack(Tree& tree) {
     unsigned const maker = tree.route.maker;
-    tree.astray.assign(roots_.size(), true);
-    tree.astray[maker] = false;
     tree.plan.lines = pictureOf(tree.top(maker)).lines;
     if (tree.plan.lines.size() == 1) tree.authors[maker].found();
 }
@@ -324,7 +308,10 @@ bool Net::isOnTrack(Tree& tree, unsigned process) {
     return true;
 }
 
+// In a ring, where all make trees, those that have come back empty would wait for each other: there
+// they serve what they have, and it is those behind them that are not judged for a while.
 void Net::crash(unsigned process) {
+    bool const isMaker = makes(process);
     for (auto const& link : links_) {
         if (link->accepting() == process || link->connecting() == process) cut(*link);
     }
@@ -337,8 +324,11 @@ void Net::crash(unsigned process) {
         tree.authors[process].topIs(tree.top(process));
         tree.watches[process] = Watch(settings_.holdsEntities);
         if (tree.route.maker == process) comeBack(tree);
+        if (!isMaker) continue;
+        tree.astray.assign(roots_.size(), true);
+        tree.astray[tree.route.maker] = false;
     }
-    isHollow_[process] = true;
+    isHollow_[process] = !isMaker;
 }
 
 Link* Net::linkBetween(unsigned one, unsigned other) const {

@@ -58,7 +58,7 @@ struct Tree {
     std::vector<Author> authors;      // by process, the maker's number is 0
     std::vector<Watch> watches;
     std::vector<bool> inStep;  // has had all that the maker had, since the last cut on the way
-    std::vector<bool> astray;  // may hold what the maker, come back, knows no more
+    std::vector<bool> astray;  // may hold what somebody who came back knows no more, or lack it
     Qor::Dir::Ptr kept;        // what the maker comes back with; null: nothing
     std::string path;
     Row top(unsigned process) const { return {EntityPtr(tops[process]), dirs[process]}; }
@@ -153,8 +153,6 @@ class Net {
     // The process forgets all its copies and connections, as if it had ended and come back. A tree
     // that it makes it has as it was kept last, or begins anew.
     void crash(unsigned process);
-    // Unless nobody is left to make the way whole again.
-    bool mayCrash(unsigned process) const;
     bool makes(unsigned process) const;
     // Has the maker come back, should it end, with the tree as it is now; or with nothing. What is
     // wrong with what is kept; empty if nothing is.
@@ -171,7 +169,6 @@ class Net {
 
   private:
     bool isWhole(unsigned process);
-    bool relays(unsigned process) const;
     void outOfStep();
     void comeBack(Tree& tree);
 

@@ -133,7 +133,7 @@ void Run::cutSomewhere() {
     }
     if (endMaker()) return;
     auto const process = static_cast<unsigned>(dice_.below(net_.processes()));
-    if (dice_.oneIn(4) && !net_.makes(process) && net_.mayCrash(process)) {
+    if (dice_.oneIn(4) && !net_.makes(process)) {
         net_.crash(process);
         ++outcome_.volumes.crashes;
         return;
@@ -155,7 +155,6 @@ void Run::keepSomething() {
 bool Run::endMaker() {
     if (!makersEnd_ || !ends_.oneIn(3)) return false;
     auto const process = ends_.oneOf(net_.trees()).route.maker;
-    if (!net_.mayCrash(process)) return false;
     if (settings_.isTraced) std::printf("process %u ends\n", process);
     net_.crash(process);
     ++outcome_.volumes.returns;

@@ -115,7 +115,9 @@ std::vector<Shape const*> const& shapes(Knowledge knowledge) {
 Shape const& dirShape(Knowledge knowledge) {
     static DirShape const compiled(Knowledge::compiled);
     static DirShape const described(Knowledge::described);
-    return knowledge == Knowledge::compiled ? compiled : described;
+    if (knowledge == Knowledge::compiled) return compiled;
+    static_cast<void>(shapes(knowledge));  // what is to stand in it is known from here on
+    return described;
 }
 
 Shape const& shapeIn(Knowledge knowledge, Qor::Entity const& entity) {

@@ -9,7 +9,7 @@ namespace {
 using Sim::Request;
 using Sim::runScript;
 
-constexpr std::uint64_t scripts = Settings::volume(1200, 120, 40);
+constexpr std::uint64_t scripts = Settings::volume(1080, 108, 36);
 
 TEST(Simulation, EveryCopyEqualsItsSourceAndThePlan) {
     Sim::Volumes sum;

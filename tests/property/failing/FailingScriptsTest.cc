@@ -69,12 +69,14 @@ TEST(FailingScripts, EachRequestForMemoryMayFail) {
     std::mt19937_64 random(Settings::seed());
     auto const start = std::chrono::steady_clock::now();
     Counts counts;
+    std::uint64_t allRequests = 0;
     for (std::uint64_t seed = 1; seed <= scripts && !HasFailure(); ++seed) {
         Request const request{seed, steps};
         static_cast<void>(runScript(request));
         std::uint64_t const asked = Memory::asked();
         auto const whole = runScript(request);
         std::uint64_t const requests = Memory::asked() - asked;
+        allRequests += requests;
         ASSERT_EQ(whole.violation, "");
         for (std::uint64_t i = 0; i < failures && !HasFailure(); ++i) {
             // One in each share of the requests.
@@ -96,10 +98,11 @@ TEST(FailingScripts, EachRequestForMemoryMayFail) {
     auto const all = counts.told + counts.ended + counts.completed;
     std::printf(
         "%llu failures in %.1f s, %.0f a second: %llu told to who asked, %llu ended a "
-        "session, %llu changed nothing\n",
+        "session, %llu changed nothing; of %llu requests\n",
         static_cast<unsigned long long>(all), past.count(), static_cast<double>(all) / past.count(),
         static_cast<unsigned long long>(counts.told), static_cast<unsigned long long>(counts.ended),
-        static_cast<unsigned long long>(counts.completed));
+        static_cast<unsigned long long>(counts.completed),
+        static_cast<unsigned long long>(allRequests));
     EXPECT_EQ(all, scripts * failures);
     EXPECT_GT(counts.told, 0U);
 }

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <limits>
 
 namespace Ovsdb {
 namespace {
@@ -20,17 +19,15 @@ using Messages = std::function<std::vector<json>(unsigned size, unsigned each)>;
 double cost(Messages const& messages, unsigned size, unsigned each) {
     std::vector<std::string> texts;
     for (json const& message : messages(size, each)) texts.push_back(message.dump());
-    double best = std::numeric_limits<double>::max();
-    for (int turn = 0; turn < 3; ++turn) {
+    return leastOf(3, [&] {
         MirrorUnderTest mirror;
         double spent = 0;
         for (std::string const& text : texts) {
             JsonText const parsed(text);
             spent = timeOf([&] { mirror.apply(parsed.root()); });
         }
-        best = std::min(best, spent);
-    }
-    return best;
+        return spent;
+    });
 }
 
 // The same number of things is about as dear when all share one owner as when ten do. Where each

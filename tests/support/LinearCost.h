@@ -20,19 +20,22 @@ double timeOf(Work const& work) {
     return now() - start;
 }
 
-// The machine is shared: what counts is the best of several, and of several tries.
+// The machine is shared: what counts is the least of several.
+template <class Cost>
+double leastOf(int rounds, Cost const& cost) {
+    double least = cost();
+    for (int round = 1; round < rounds; ++round) least = std::min(least, cost());
+    return least;
+}
+
+// The least of several, in several tries.
 template <class Cost>
 void expectLinearCost(std::size_t count, Cost const& cost) {
     constexpr double most = 2.3;
     double ratio = 0;
     for (int tries = 0; tries < 6; ++tries) {
-        double once = 1e9;
-        double twice = 1e9;
-        for (int round = 0; round < 5; ++round) {
-            once = std::min(once, cost(count));
-            twice = std::min(twice, cost(2 * count));
-        }
-        ratio = twice / once;
+        double const once = leastOf(5, [&] { return cost(count); });
+        ratio = leastOf(5, [&] { return cost(2 * count); }) / once;
         if (ratio <= most) return;
     }
     ADD_FAILURE() << "twice the input takes " << ratio << " times as long";

@@ -1,5 +1,8 @@
 """Bugs to plant, one for each way in which the system could fail: what breaks, the file, what stands there, what is put in
-its place, and the test programs that are to find it; where none is named, the simulation of the small model."""
+its place, and the test programs that are to find it; where none is named, the simulation of the small model. Run by itself
+it says which places do not stand once in the sources."""
+import sys
+from pathlib import Path
 
 FAMILY = "qor/attrlog/family/"
 FLOW = "qor/attrlog/flow/"
@@ -44,7 +47,7 @@ MUTANTS = [
     ("a walk passes a key when it pauses", FAMILY + "CollectionOut.h",
      "if (!stays) ++at;\n", "++at;\n            if (at && leaves) ++at;\n"),
     ("a walk ends when it pauses", FAMILY + "CollectionOut.h",
-     "        if (at) {\n            NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());\n            return false;\n        }\n", "        static_cast<void>(at);\n"),
+     "if (at) {\n            NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());", "if (at && map_.size() == 0) {\n            NboAttrLog::qorFlowOutBookmarkEnq(*flow_, at.key());"),
     ("a removed key's text is finished and stays", FAMILY + "CollectionOut.h",
      "if (done && map_.member(key)) {", "if (done) {", ["attrlog_units"]),
     ("a key that failed is not dirty", FAMILY + "CollectionOut.h",
@@ -56,7 +59,7 @@ MUTANTS = [
      "for (std::size_t count = waiting_.size(); count > 1; --count) wake(*waiting_.first());"),
     ("an id is given twice", FLOW + "Demuxer.cc", "nextId_ += 2;", "nextId_ += nextId_ % 32 == 1 ? 0 : 2;"),
     ("an entity's end leaves its adapter", FLOW + "Demuxer.cc",
-     "if (!reactorDel(adapter.entityId())) dropFlow(adapter);", "dropFlow(adapter);"),
+     "    if (reactorDel(adapter.entityId())) return;\n", ""),
     ("an old child stays where another is announced", FLOW + "Demuxer.cc",
      "return known && !known->entityId().isNull() && known->entityId() != id;",
      "return known && known->entityId().isNull() && known->entityId() != id;", ["attrlog_units"]),
@@ -92,13 +95,13 @@ MUTANTS = [
     ("a frame's end token is not looked at", "qor/attrlog/NboAttrLogIn.cc",
      "if (close != static_cast<U8>(Token::end)) {", "if (close == 0) {", ["attrlog_units"]),
     ("the quota of entities is not kept", FLOW + "Demuxer.cc",
-     "if (adapters_.size() >= quota_.entities) {", "if (adapters_.size() == 0) {", ["attrlog_units", "attrlog_inbound_memory"]),
+     "if (peersEntities_ >= quota_.entities) {", "if (peersEntities_ == ~0U) {", ["attrlog_units", "attrlog_inbound_memory"]),
     ("the quota of half texts is not kept", FLOW + "Demuxer.cc",
      "if (bytes > quota_.openTextBytes - std::min(openText_, quota_.openTextBytes)) {", "if (bytes > quota_.openTextBytes) {",
      ["attrlog_units", "attrlog_inbound_memory"]),
     ("the peer gives ids of our half", FLOW + "Demuxer.cc",
-     "if (!isPeers || id == orphanEntityId || id == EntityId(peersHalf | 1)) {",
-     "if ((!isPeers && id.isNull()) || id == orphanEntityId) {",
+     "if (!isPeers(id) || id == orphanEntityId || id == EntityId(peersHalf | 1)) {",
+     "if ((!isPeers(id) && id.isNull()) || id == orphanEntityId) {",
      ["attrlog_units"]),
     ("a reader's write is applied", FLOW + "DemuxerIn.cc",
      "found->has(AdapterState::readOnlyRemote) &&", "found->has(AdapterState::readOnlyLocal) &&", ["attrlog_units"]),
@@ -166,3 +169,16 @@ MUTANTS = [
      "static void del(DynamicEntity& entity, Key const& key) { delKeyed<A>(entity, key); }",
      "static void del(DynamicEntity& entity, Key const& key) { A::map(entity).memberDel(key); }"),
 ]
+
+
+def count_of(mutant, top):
+    """How often the place of a bug stands in its file."""
+    return (Path(top) / mutant[1]).read_text(encoding="utf-8").count(mutant[2])
+
+
+if __name__ == "__main__":
+    stale = [mutant for mutant in MUTANTS if count_of(mutant, Path(__file__).resolve().parents[2]) != 1]
+    for mutant in stale:
+        print(f"{mutant[0]}: its place stands not, or not once, in {mutant[1]}")
+    print(f"{len(MUTANTS)} bugs, {len(stale)} without a place")
+    sys.exit(bool(stale))

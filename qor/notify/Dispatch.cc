@@ -31,7 +31,9 @@ void tellOnly(Entity::NotifieeConst& notifiee, AttributeId id, Telling const& te
     notifiee.qorDeleteRef();
 }
 
-using Snapshot = SnapshotIterator<ListRawGeneric>;
+using Snapshot = SnapshotInRoom<ListRawGeneric>;
+using Place = Snapshot::T*;
+constexpr U32 nearRoom = 16;
 
 // The walk ends where a handler throws, and goes on behind it.
 [[gnu::always_inline]] inline void tellEach(Snapshot& snapshot, AttributeId id,
@@ -52,7 +54,6 @@ using Snapshot = SnapshotIterator<ListRawGeneric>;
 // What has changed must be told, memory or not: without any, the stack has the room.
 [[gnu::noinline, gnu::cold]] void tellMany(ListRawGeneric const& list, AttributeId id,
                                            Telling const& telling, void const* key) {
-    using Place = Snapshot::T*;
     std::unique_ptr<Place[]> const far(new (std::nothrow) Place[list.count()]);
     auto* const room =
         far ? far.get() : static_cast<Place*>(__builtin_alloca(list.count() * sizeof(Place)));
@@ -62,10 +63,11 @@ using Snapshot = SnapshotIterator<ListRawGeneric>;
 
 [[gnu::noinline]] void tellAll(ListRawGeneric const& list, AttributeId id, Telling const& telling,
                                void const* key) {
-    if (list.count() > Snapshot::ownRoom) [[unlikely]] {
+    if (list.count() > nearRoom) [[unlikely]] {
         return tellMany(list, id, telling, key);
     }
-    Snapshot snapshot(list);
+    Place room[nearRoom];
+    Snapshot snapshot(list, room);
     tellEach(snapshot, id, telling, key);
 }
 

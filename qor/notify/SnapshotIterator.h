@@ -1,9 +1,10 @@
 // A walk over a notifier's list as it stood at the beginning: each notifiee of that moment is held
 // by a counted reference until it has been served. One that only the walk keeps alive has left in
-// the meantime, and is passed over. Up to sixteen notifiees need no room but the walk's own; who
-// walks over more brings it.
+// the meantime, and is passed over. Up to sixteen notifiees need no room but the walk's own.
 #ifndef QOR_NOTIFY_SNAPSHOT_ITERATOR_H
 #define QOR_NOTIFY_SNAPSHOT_ITERATOR_H
+
+#include <memory>
 
 #include <qor/notify/ListRaw.h>
 
@@ -61,26 +62,24 @@ class SnapshotRest {
     bool isEnding_ = false;
 };
 
+/// A snapshot in room that its owner has.
 template <class List>
-class SnapshotIterator : public SnapshotRest<typename List::Member> {
+class SnapshotInRoom : public SnapshotRest<typename List::Member> {
   public:
     using T = typename List::Member;
-    static constexpr U32 ownRoom = 16;
 
-    /// REQUIRES: list.count() <= ownRoom
-    explicit SnapshotIterator(List const& list) : SnapshotIterator(list, near_) {}
     /// `room` takes list.count() notifiees, and outlives this.
-    SnapshotIterator(List const& list, T** room) {
+    SnapshotInRoom(List const& list, T** room) {
         at_ = room;
         end_ = isSingleThreaded() ? fill<true>(list) : fill<false>(list);
     }
-    ~SnapshotIterator() {
+    ~SnapshotInRoom() {
         while (at_ != end_) {
             this->release(at_, **at_);
         }
     }
 
-    SnapshotIterator& operator++() {
+    SnapshotInRoom& operator++() {
         if (at_ != end_) {
             this->pass(at_, **at_);
         }
@@ -105,8 +104,29 @@ class SnapshotIterator : public SnapshotRest<typename List::Member> {
         }
         return end;
     }
+};
 
-    T* near_[ownRoom];  // as it comes: only what lies between at_ and end_ is meant
+/// The room of a snapshot: its own for up to sixteen notifiees, beyond them a block of the heap.
+template <class T>
+class SnapshotRoom {
+  public:
+    static constexpr U32 own = 16;
+
+    explicit SnapshotRoom(U32 count) : far_(count > own ? new T*[count] : nullptr) {}
+    T** begin() noexcept { return far_ ? far_.get() : near_; }
+
+  private:
+    T* near_[own];  // as it comes: the snapshot knows how much of it is meant
+    std::unique_ptr<T*[]> far_;
+};
+
+template <class List>
+class SnapshotIterator : private SnapshotRoom<typename List::Member>, public SnapshotInRoom<List> {
+  public:
+    /// Throws std::bad_alloc where there is no memory for more than sixteen.
+    explicit SnapshotIterator(List const& list)
+        : SnapshotRoom<typename List::Member>(list.count()),
+          SnapshotInRoom<List>(list, this->SnapshotRoom<typename List::Member>::begin()) {}
 };
 
 }  // namespace Qor

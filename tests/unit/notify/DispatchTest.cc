@@ -1,5 +1,7 @@
 #include <tests/unit/notify/TestListeners.h>
 
+#include <qor/notify/SnapshotIterator.h>
+
 #include <gtest/gtest.h>
 
 using namespace Sample;
@@ -143,6 +145,24 @@ TEST_F(Dispatch, SetterOnAnOtherEntityTellsItsOwnNotifieesAlone) {
     auto const b = listen<PortListener>(other, log, "b");
     other->speedIs(5);
     EXPECT_EQ(log, (Log{"b:speed"}));
+}
+
+// Below, at and above what it has room for in itself.
+TEST(Snapshot, MeetsEachNotifieeOfAnyNumber) {
+    Log log;
+    for (std::size_t const count : {1, 15, 16, 17, 40, 1000}) {
+        Qor::ListRaw<Port::NotifieeConst> list;
+        std::vector<PortListener::Ptr> listeners;
+        for (std::size_t i = 0; i < count; ++i) {
+            listeners.push_back(Qor::make<PortListener>(log, "a"));
+            list.link(*listeners.back());
+        }
+        std::size_t met = 0;
+        for (Qor::SnapshotIterator<Qor::ListRaw<Port::NotifieeConst>> at(list); at; ++at, ++met) {
+            ASSERT_EQ(&*at, listeners[met].ptr());
+        }
+        EXPECT_EQ(met, count);
+    }
 }
 
 }  // namespace

@@ -1,4 +1,6 @@
 """The mirror equals the database, whatever is in it and however it changes."""
+import os
+
 import process_case
 from support.agent import Agent
 
@@ -68,6 +70,21 @@ class MirrorTest(process_case.ProcessCase):
         agent.await_equal(server.read())
         self.assertEqual(agent.said().count("standard output can't be written"), 1, agent.said())
         self.assertEqual(agent.stop(), 0)
+
+    def test_who_reads_the_changes_or_the_log_may_go(self):
+        server = self.server()
+        self.network(server)
+        for output in ("heard", "said"):
+            agent = Agent(self.directory / output, server.remote, watch=True)
+            pipe = self.directory / output / output
+            os.mkfifo(pipe)
+            reader = os.open(pipe, os.O_RDONLY | os.O_NONBLOCK)
+            self.addCleanup(agent.stop)
+            agent.start()
+            os.close(reader)
+            server.vtep_ctl("add-ls", f"without-{output}")
+            agent.await_equal(server.read())
+            self.assertEqual(agent.stop(), 0)
 
 
 if __name__ == "__main__":

@@ -1,10 +1,16 @@
 #include <vgwd/agent/LogOutputs.h>
 
+#include <qor/core/TextUtf8.h>
+
 #include <spdlog/pattern_formatter.h>
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/sinks/syslog_sink.h>
 #include <spdlog/spdlog.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string_view>
 
 namespace Vgwd {
 namespace {
@@ -47,6 +53,24 @@ level::level_enum levelOf(Ovsdb::LogLevel said) {
             return level::err;
     }
     return level::err;
+}
+
+// Names and texts come from anybody: no byte of them may begin a line, or speak to a terminal.
+std::string inOneLine(std::string_view text) {
+    std::string line;
+    while (!text.empty()) {
+        std::size_t const length = Qor::printableLength(text);
+        if (length != 0) {
+            line += text.substr(0, length);
+        } else {
+            std::array<char, 5> escaped{};
+            std::snprintf(escaped.data(), escaped.size(), "\\x%02x",
+                          static_cast<unsigned>(static_cast<unsigned char>(text[0])));
+            line += escaped.data();
+        }
+        text.remove_prefix(std::max<std::size_t>(length, 1));
+    }
+    return line;
 }
 
 }  // namespace
@@ -100,10 +124,10 @@ void LogOutputs::gather() {
 }
 
 void LogOutputs::log(Ovsdb::LogLevel said, std::string const& text) {
-    logger_->log(levelOf(said), text);
+    logger_->log(levelOf(said), inOneLine(text));
 }
 
-void LogOutputs::logFatal(std::string const& text) { logger_->critical(text); }
+void LogOutputs::logFatal(std::string const& text) { logger_->critical(inOneLine(text)); }
 
 Ovsdb::LogSink LogOutputs::sink() {
     return [this](Ovsdb::LogLevel said, std::string const& text) { log(said, text); };

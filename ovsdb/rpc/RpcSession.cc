@@ -118,7 +118,8 @@ void RpcSession::read() {
 }
 
 void RpcSession::readUnlessFull() {
-    full_ = answers_ > mostAnswers;
+    // What came while nothing was read is yet to be heard.
+    if (std::exchange(full_, answers_ > mostAnswers) && !full_) lastHeard_ = now();
     if (!full_) read();
 }
 
@@ -240,8 +241,6 @@ void RpcSession::excuseDelay() {
 
 void RpcSession::handleProbe() {
     excuseDelay();
-    // Who does not listen can't tell what is silence.
-    if (full_) lastHeard_ = now();
     if (std::string const reason = overdue(); !reason.empty()) return fail(reason);
     auto const silence = now() - lastHeard_;
     if (silence >= times_.probe && !echoing_) echo();
@@ -273,6 +272,7 @@ std::string RpcSession::overdue() const {
     if (full_ && now() - lastWritten_ >= times_.limit)
         return "nothing of what is sent was read for " + textOf(times_.limit);
     if (std::string reason = overdueRequest(); !reason.empty()) return reason;
+    if (full_) return {};
     bool const waiting = pending_.size() > (echoing_ ? 1U : 0U);
     milliseconds const limit = waiting ? std::max(times_.patience, times_.limit) : times_.limit;
     return now() - lastHeard_ >= limit ? "no answer for " + textOf(limit) : "";

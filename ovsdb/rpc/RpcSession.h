@@ -20,9 +20,9 @@
 // connection. A reply that is still coming is something else, whatever it takes.
 //
 // While more than mostAnswers bytes of answers to echoes wait to be written, nothing is read, so
-// that a server which asks and does not read costs no memory. It is given up when it has read
-// nothing for `limit`. Requests do not count: a server that reads nothing of us before we have read
-// what it sends would be waited for, and wait, for ever.
+// that a server which asks and does not read costs no memory. It counts as silent meanwhile, and is
+// given up when it has read nothing for `limit`. Requests do not count: a server that reads nothing
+// of us before we have read what it sends would be waited for, and wait, for ever.
 //
 // No exception leaves the session: what the peer sends wrong, and what a handler throws, closes it
 // with that reason.

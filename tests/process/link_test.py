@@ -2,6 +2,7 @@
 import os
 import pty
 import re
+import resource
 import signal
 import socket
 import subprocess
@@ -124,6 +125,13 @@ class RelayTest(LinkCase):
 
 @unittest.skipIf(SLOWNESS > 1, "the processor's time is that of the sanitizer, which needs descriptors of its own, too")
 class IdleTest(LinkCase):
+    def test_a_connection_for_which_there_is_no_descriptor_is_told_so(self):
+        with ctl.Running(self.far, "watch", "/vgw/config") as watch:
+            self.await_said(watch, "restartSyncLimit")
+            resource.prlimit(watch.pid(), resource.RLIMIT_NOFILE, (3, 3))
+            self.agent.kill()
+            self.await_told(watch, f"{self.far}: Too many open files")
+
     def assert_idle(self, *words):
         code, said, used = busy(ctl.program(), *map(str, words))
         self.assertLess(used, IDLE, said)

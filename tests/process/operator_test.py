@@ -158,6 +158,19 @@ class WordsTest(OperatorCase):
 
 
 class FilesTest(OperatorCase):
+    def test_a_recording_that_is_ended_before_anything_came_leaves_no_file(self):
+        file = self.directory / "recording"
+        silent = self.directory / "silent"
+        with socket.socket(socket.AF_UNIX) as listener:
+            listener.bind(str(silent))
+            listener.listen()
+            for _ in range(2):
+                with ctl.Running(f"unix:{silent}", "record", file) as recorder:
+                    self.agent.await_that(file.exists, "it begins to record")
+                    recorder.send(signal.SIGTERM)
+                    self.assertEqual(recorder.code(), -signal.SIGTERM)
+                self.assertFalse(file.exists())
+
     def test_a_recording_of_nothing_leaves_no_file(self):
         file = self.directory / "recording"
         self.assert_told(["--path=/vgw/nothing", "record", file], 2, "/vgw/nothing does not exist")

@@ -55,6 +55,9 @@ class Running:
     def is_running(self):
         return self._process.poll() is None
 
+    def pid(self):
+        return self._process.pid
+
     def kill(self):
         self._process.kill()
         self._process.wait(timeout=30 * SLOWNESS)

@@ -76,11 +76,14 @@ void Connecting::tryNext() {
         Address const& address = addresses_[next_++];
         socket_ = Descriptor(
             ::socket(address.bytes.ss_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0));
+        if (socket_.get() < 0) {
+            error_ = errno;
+            continue;
+        }
         if (address.bytes.ss_family != AF_UNIX) Tcp::setForSession(socket_.get());
         bool const isLast = next_ == addresses_.size();
         limit_ = isLast ? Deadline() : Deadline::after(longestTry);
-        isMade_ = socket_.get() >= 0 &&
-                  ::connect(socket_.get(), reinterpret_cast<sockaddr const*>(&address.bytes),
+        isMade_ = ::connect(socket_.get(), reinterpret_cast<sockaddr const*>(&address.bytes),
                             address.length) == 0;
         if (isMade_ || errno == EINPROGRESS) return;
         error_ = errno;

@@ -9,49 +9,14 @@
 
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <cstring>
 #include <thread>
 
 namespace Vgwctl {
 namespace {
 
-constexpr int endingSignals[] = {SIGINT, SIGTERM, SIGHUP};
 constexpr Deadline::Seconds longestWait{2};
 constexpr std::chrono::milliseconds betweenTries{10};
-
-// What a signal's handler removes; empty: nothing.
-char removedAtEnd[sizeof(sockaddr_un::sun_path)];
-
-void endByASignal(int signal) {
-    if (removedAtEnd[0] != 0) ::unlink(removedAtEnd);
-    ::signal(signal, SIG_DFL);
-    ::raise(signal);
-}
-
-// While it lives, none of them arrives.
-class EndingHeldOff {
-  public:
-    EndingHeldOff() {
-        sigset_t ending;
-        ::sigemptyset(&ending);
-        for (int const signal : endingSignals) ::sigaddset(&ending, signal);
-        ::sigprocmask(SIG_BLOCK, &ending, &before_);
-    }
-    ~EndingHeldOff() { ::sigprocmask(SIG_SETMASK, &before_, nullptr); }
-    EndingHeldOff(EndingHeldOff const&) = delete;
-    EndingHeldOff& operator=(EndingHeldOff const&) = delete;
-
-  private:
-    sigset_t before_;
-};
-
-void removeAtEnd(std::string const& path) {
-    path.copy(removedAtEnd, path.size());
-    removedAtEnd[path.size()] = 0;
-    for (int const signal : endingSignals)
-        if (::signal(signal, endByASignal) == SIG_IGN) ::signal(signal, SIG_IGN);
-}
 
 Failure failureOf(std::string const& path, int error) {
     return Failure(path + ": " + std::strerror(error));
@@ -114,16 +79,11 @@ Descriptor listeningAt(std::string const& path) {
 
 }  // namespace
 
-ListeningSocket::ListeningSocket(std::string path) : path_(std::move(path)) {
+ListeningSocket::ListeningSocket(std::string const& path) {
     // Whoever sees the socket may end the program.
     EndingHeldOff const heldOff;
-    descriptor_ = listeningAt(path_);
-    removeAtEnd(path_);
-}
-
-ListeningSocket::~ListeningSocket() {
-    removedAtEnd[0] = 0;
-    ::unlink(path_.c_str());
+    descriptor_ = listeningAt(path);
+    removed_.emplace(path);
 }
 
 Descriptor ListeningSocket::accept() {

@@ -11,7 +11,9 @@
 // There is one at a time. Not thread-safe.
 
 #include <vgwctl/link/Socket.h>
+#include <vgwctl/recording/RemovedAtEnd.h>
 
+#include <optional>
 #include <string>
 
 namespace Vgwctl {
@@ -19,18 +21,15 @@ namespace Vgwctl {
 class ListeningSocket {
   public:
     /// Raises Failure, which names the path and why.
-    explicit ListeningSocket(std::string path);
-    ~ListeningSocket();
-    ListeningSocket(ListeningSocket const&) = delete;
-    ListeningSocket& operator=(ListeningSocket const&) = delete;
+    explicit ListeningSocket(std::string const& path);
 
     int get() const { return descriptor_.get(); }
     /// The next connection that waits, or none.
     Descriptor accept();
 
   private:
-    std::string const path_;
     Descriptor descriptor_;
+    std::optional<RemovedAtEnd> removed_;
 };
 
 }  // namespace Vgwctl

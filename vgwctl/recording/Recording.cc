@@ -47,20 +47,15 @@ bool read(std::istream& in, std::string& bytes, std::uint32_t length) {
 }  // namespace
 
 Recorder::Recorder(std::string const& file, std::string const& path) : file_(file) {
+    EndingHeldOff const heldOff;
     Descriptor const made(::open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (made.get() < 0 && errno == EEXIST) throw Failure(file + " exists already");
     if (made.get() < 0) throw Failure(file + ": " + std::strerror(errno));
+    removed_.emplace(file);
     out_.open(file, std::ios::binary);
     out_ << magic << inNetworkOrder(version)
          << inNetworkOrder(static_cast<std::uint32_t>(path.size())) << path << std::flush;
-    if (out_) return;
-    int const error = errno;
-    ::unlink(file.c_str());
-    throw Failure(file + ": " + std::strerror(error));
-}
-
-Recorder::~Recorder() {
-    if (!isKept_) ::unlink(file_.c_str());
+    if (!out_) throw Failure(file + ": " + std::strerror(errno));
 }
 
 void Recorder::connected() { write(connectionKind, {}); }

@@ -10,6 +10,7 @@
 // that no recorder writes is not.
 
 #include <vgwctl/link/Connection.h>
+#include <vgwctl/recording/RemovedAtEnd.h>
 
 #include <cstdint>
 #include <fstream>
@@ -22,12 +23,9 @@ class Recorder final : public ByteTap {
   public:
     /// Raises Failure when the file exists already or can't be written.
     Recorder(std::string const& file, std::string const& path);
-    /// Removes the file unless it is to be kept.
-    ~Recorder() override;
-    Recorder(Recorder const&) = delete;
-    Recorder& operator=(Recorder const&) = delete;
-    /// From now on there is something in it that is worth it.
-    void keep() { isKept_ = true; }
+    /// From now on there is something in the file that is worth it: it stays when this ends, or a
+    /// signal ends the program.
+    void keep() { removed_->stay(); }
 
     void connected() override;
     void heard(std::span<unsigned char const> bytes) override;
@@ -40,7 +38,7 @@ class Recorder final : public ByteTap {
     std::string const file_;
     std::ofstream out_;
     std::string fault_;
-    bool isKept_ = false;
+    std::optional<RemovedAtEnd> removed_;
 };
 
 class Recording {

@@ -5,6 +5,10 @@
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/ostream_sink.h>
 
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -35,6 +39,18 @@ std::string outputOf(std::string const& command, int* code = nullptr) {
     return text;
 }
 
+// A server binds before it listens, and refuses who comes in between.
+bool isListening(std::string const& path) {
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    bool const isIt =
+        ::connect(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
+    ::close(fd);
+    return isIt;
+}
+
 std::string makeDirectory() {
     std::string name = (fs::temp_directory_path() / "vgw-agent-XXXXXX").string();
     if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("mkdtemp");
@@ -61,7 +77,7 @@ void RealServer::start() {
                              "-vsyslog:off", "--log-file=" + directory_ + "/server.log",
                              "--unixctl=" + directory_ + "/server.ctl",
                              "--remote=punix:" + directory_ + "/db.sock", directory_ + "/vtep.db"});
-    for (int i = 0; i < 1000 && !fs::exists(directory_ + "/db.sock"); ++i)
+    for (int i = 0; i < 1000 && !isListening(directory_ + "/db.sock"); ++i)
         std::this_thread::sleep_for(milliseconds(10));
 }
 

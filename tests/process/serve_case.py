@@ -37,7 +37,7 @@ class ServeCase(process_case.ProcessCase):
         expected = projection.one_line(told_rows(rows))
         while True:
             text = client.dump(self.directory / "client.json")
-            if projection.one_line(json.loads(text)) == expected:
+            if projection.in_one_line(text) == expected:
                 return time.monotonic() - begin
             if time.monotonic() - begin > timeout * SLOWNESS:
                 raise AssertionError(f"after {timeout * SLOWNESS} s: {difference(expected, text)}; {client.told[-5:]}")

@@ -33,7 +33,7 @@ template <class Cost>
 void expectLinearCost(std::size_t count, Cost const& cost) {
     constexpr double most = 2.3;
     double ratio = 0;
-    for (int tries = 0; tries < 6; ++tries) {
+    for (int tries = 0; tries < 12; ++tries) {
         double const once = leastOf(5, [&] { return cost(count); });
         ratio = leastOf(5, [&] { return cost(2 * count); }) / once;
         if (ratio <= most) return;

@@ -109,7 +109,7 @@ class Agent:
         expected = projection.one_line(rows)
         while True:
             text = self.dump_text()
-            if projection.one_line(json.loads(text)) == expected:
+            if projection.in_one_line(text) == expected:
                 break
             if time.monotonic() - begin > timeout * SLOWNESS:
                 raise AssertionError(f"after {timeout * SLOWNESS} s: {difference(expected, text)}\n{self.said()[-2000:]}")

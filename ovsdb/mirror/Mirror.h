@@ -23,6 +23,7 @@
 #include <vgw/tables/HwVtepOvsdb.h>
 
 #include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -48,6 +49,12 @@ class Mirror {
     /// Makes a row what the database says, whatever somebody else made of it. One that the database
     /// does not have is left alone.
     void restore(Table table, Uuid const& uuid);
+
+    using RowOverlay =
+        std::function<void(Table table, Uuid const& uuid, Vgw::OvsdbDataModel& staged)>;
+    /// What rows of Physical_Switch and Physical_Port hold beside the database: called with each
+    /// before it is shown, when it is what the database says. Null: nothing.
+    void overlayIs(RowOverlay overlay) { overlay_ = std::move(overlay); }
 
   private:
     void digest(RowChange const& change);
@@ -76,6 +83,7 @@ class Mirror {
     Graph graph_;
     MacRefs refs_;
     ReferenceMaps references_;
+    RowOverlay overlay_;
 
     // Of the step.
     std::array<std::vector<RowChange const*>, tableCount> changes_;

@@ -81,19 +81,22 @@ void Mirror::addRows(Table table) {
 void Mirror::addRow(RowChange const& change) {
     Qor::Name const name = textOf(change.uuid);
     Row const& raw = *change.after;
+    auto const overlay = [&](Vgw::OvsdbDataModel& staged) {
+        if (overlay_) overlay_(change.table, change.uuid, staged);
+    };
     switch (change.table) {
         case Table::manager:
             return write(*database_->managerIs(name), raw);
         case Table::global:
             return write(*database_->rootIs(name), raw);
         case Table::physicalSwitch:
-            return write(*database_->physicalSwitchRawIs(name), raw);
+            return write(*database_->physicalSwitchRawIs(name), raw, overlay);
         case Table::logicalSwitch:
             return write(*database_->logicalSwitchIs(name), raw);
         case Table::logicalBindingStats:
             return write(*database_->logicalBindingStatsIs(name), raw);
         case Table::physicalPort:
-            return write(*database_->physicalPortIs(name), raw);
+            return write(*database_->physicalPortIs(name), raw, overlay);
         case Table::physicalLocator: {
             LocatorNode& node = graph_.locator(change.uuid);
             node.row = database_->physicalLocatorRawIs(name);

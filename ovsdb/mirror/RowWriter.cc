@@ -101,7 +101,7 @@ void write(Vgw::Global& row, Row const& raw) {
     adopt(row, staged);
 }
 
-void write(Vgw::PhysicalSwitch& row, Row const& raw) {
+void write(Vgw::PhysicalSwitch& row, Row const& raw, Overlay const& overlay) {
     Vgw::PhysicalSwitch::Ptr const staged = stagedFor(row);
     Addresses const management = addressesOf(raw.column(PhysicalSwitchColumn::managementIps));
     Addresses const tunnel = addressesOf(raw.column(PhysicalSwitchColumn::tunnelIps));
@@ -113,6 +113,7 @@ void write(Vgw::PhysicalSwitch& row, Row const& raw) {
         staged->faultIs(fault, true);
     for (Kelp::IpAddr const address : management.held) staged->mgmtIpIs(address, true);
     for (Kelp::IpAddr const address : tunnel.held) staged->tunnelIpIs(address, true);
+    overlay(*staged);
     for (Vgw::PhysicalSwitch* const marked : {staged.ptr(), &row}) {
         mark(*marked, "mgmtIp", management.lost);
         mark(*marked, "tunnelIp", tunnel.lost);
@@ -142,7 +143,7 @@ void write(Vgw::LogicalBindingStats& row, Row const& raw) {
     row.outPacketsIs(counterOf(row, "outPackets", raw.column(packetsToLocal)));
 }
 
-void write(Vgw::PhysicalPort& row, Row const& raw) {
+void write(Vgw::PhysicalPort& row, Row const& raw, Overlay const& overlay) {
     Vgw::PhysicalPort::Ptr const staged = stagedFor(row);
     staged->displayNameIs(raw.column(PhysicalPortColumn::name));
     staged->descIs(raw.column(PhysicalPortColumn::description));
@@ -152,6 +153,7 @@ void write(Vgw::PhysicalPort& row, Row const& raw) {
         staged->vlanStatIs(vlan, textOf(uuid));
     for (std::string_view const fault : textsOf(raw.column(PhysicalPortColumn::faultStatus)))
         staged->faultIs(fault, true);
+    overlay(*staged);
     adopt(row, staged);
 }
 

@@ -66,9 +66,14 @@ DatabaseWriter::DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ov
         watch->notifierIs(Qor::Dir::PtrConst(&directory(table)));
         watches_[table] = watch;
     }
+    mirror_.overlayIs([this](Table table, Ovsdb::Uuid const& uuid, Vgw::OvsdbDataModel& staged) {
+        auto const found = work_.find({table, uuid.text()});
+        if (found != work_.end()) put(staged, found->second);
+    });
 }
 
 DatabaseWriter::~DatabaseWriter() {
+    mirror_.overlayIs(nullptr);
     for (auto const& [table, watch] : watches_) watch->notifierIs(nullptr);
     for (auto const& [place, watch] : rowWatches_) watch->notifierIs(nullptr);
 }
@@ -163,15 +168,18 @@ void DatabaseWriter::handleRowWritten(std::string const& peer, Table table, Qor:
 // Within the mirror's step nothing else changes the tree.
 void DatabaseWriter::handleApplied(std::vector<Ovsdb::RowChange> const& changes) {
     if (work_.empty()) return;
+    bool haveLocatorsChanged = false;
     for (Ovsdb::RowChange const& change : changes) {
-        if (change.table != Table::physicalSwitch && change.table != Table::physicalPort) continue;
+        bool const isOfLocators =
+            change.table == Table::physicalLocator || change.table == Table::physicalLocatorSet;
+        haveLocatorsChanged |= isOfLocators && change.before;
         auto const found = work_.find({change.table, change.uuid.text()});
         if (found != work_.end()) putBack(found->first, found->second);
     }
-    // What such a row shows also stands in other tables.
-    for (auto at = work_.lower_bound({Table::mcastMacsLocal, {}});
-         at != work_.end() && at->first.first == Table::mcastMacsLocal; ++at)
-        putBack(at->first, at->second);
+    if (!haveLocatorsChanged) return;
+    // Where a MAC row's VTEPs are stands in those.
+    for (auto const& [place, pending] : work_)
+        if (isLocalMac(place.first)) putBack(place, pending);
 }
 
 DatabaseWriter::Pending& DatabaseWriter::touch(Place const& place, std::string const& peer) {

@@ -7,8 +7,8 @@
 // A write is gathered for a moment, so that attributes that are set together go together, and sent
 // as one transaction a row, one at a time for each row. Members of sets and maps are kept and sent
 // one by one (RowChanges.h). What a row holds beside the database meanwhile is what the peer made
-// of it: members that the mirror takes out because the database does not have them yet are put back
-// at once, so that whatever a peer does to a member afterwards is a change, and heard. When the
+// of it, so that whatever a peer does to it afterwards is a change, and heard: the mirror asks for
+// it where it stages a row, and what it writes by setters is put back at once. When the
 // database refuses it, or when it may not be written at all, the row is made again what the
 // database says, and why is told in the report and the log. A MAC row that a peer makes stands
 // under the peer's name until the database has it, and under its UUID from then on. What is written
@@ -146,6 +146,7 @@ class DatabaseWriter {
     void undo(Place const& place, std::string const& reason);
     void restore(Place const& place);
     void putBack(Place const& place, Pending const& pending);
+    static void put(Vgw::OvsdbDataModel& row, Pending const& pending);
     void resetMarks(Place const& place);
 
     Ovsdb::Client& client_;

@@ -18,9 +18,10 @@ constexpr int mostLosses = 5;
 constexpr char const* changedMeanwhile =
     "it was changed while it was being written: see under its UUID";
 
-// All that a transaction of ours waits for is that its row is there.
-std::string wordsOf(Ovsdb::RpcError const& error) {
-    return error.error == "timed out" ? "the row is gone from the database" : error.text();
+// A transaction of ours waits for its row, and for the set of locators that it found there.
+std::string wordsOf(Ovsdb::RpcError const& error, bool isThere) {
+    if (error.error != "timed out") return error.text();
+    return isThere ? "another keeps changing the row" : "the row is gone from the database";
 }
 
 // There may be one locator of an address, and another has made it at the same time.
@@ -59,6 +60,20 @@ Qor::Ptr<Vgw::OvsdbDataModel> rowOf(Vgw::HwVtepOvsdb const& database, Table tabl
     }
 }
 
+void putMac(Vgw::UcastMacsLocal& row, MacChanges const& changes) {
+    if (changes.logicalSwitch) row.logicalSwitchIs(std::string_view(*changes.logicalSwitch));
+    if (changes.vtepIp) row.vtepIpIs(*changes.vtepIp);
+}
+
+void putMac(Vgw::McastMacsLocal& row, MacChanges const& changes) {
+    if (changes.logicalSwitch) row.logicalSwitchIs(std::string_view(*changes.logicalSwitch));
+    for (auto const& [address, isThere] : changes.vtepIps)
+        if (isThere)
+            row.vtepIpIs(address, true);
+        else
+            row.vtepIpDel(address);
+}
+
 }  // namespace
 
 void DatabaseWriter::handleOutcome(Place const& place, Ovsdb::RpcError const* error) {
@@ -86,7 +101,7 @@ void DatabaseWriter::handleFailure(Place const& place, Pending& pending,
     else if (mayBeTriedAgain(place, pending, error))
         takeBack(pending);
     else
-        undo(place, wordsOf(error));
+        undo(place, wordsOf(error, isInDatabase(place)));
 }
 
 void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
@@ -96,6 +111,7 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     if (isNew && isChanged) return undo(place, changedMeanwhile);
     Wanted const sent = std::exchange(pending.sent, {});
     pending.losses = 0;
+    pending.clashed.reset();
     // Another may have taken out meanwhile what was put in.
     if (isNew || !sent.row.members.empty() || !sent.mac.vtepIps.empty()) restore(place);
     if (isChanged)
@@ -151,15 +167,15 @@ void DatabaseWriter::takeBack(Pending& pending) {
 void DatabaseWriter::undo(Place const& place, std::string const& reason) {
     Pending& pending = work_[place];
     std::string const peer = pending.peer;
-    restore(place);
     // What was written since has its own try.
     bool const goesOn = pending.isDue && isInDatabase(place) && !pending.wanted.isEmpty();
     pending.sent = {};
     pending.losses = 0;
-    if (goesOn)
-        putBack(place, pending);
-    else
-        work_.erase(place);
+    pending.clashed.reset();
+    // It is not to be put into the row again.
+    if (!goesOn) work_.erase(place);
+    restore(place);
+    if (goesOn) putBack(place, pending);
     listener_.onUndone(pathOf(place), peer, reason);
 }
 
@@ -176,21 +192,27 @@ void DatabaseWriter::restore(Place const& place) {
     if (isLocalMac(table)) directory(table).entryStateIs(key, Qor::Dir::EntryState::ready);
 }
 
-// What the mirror has taken out because the database does not have it yet.
+// What the mirror has written by setters, and the database does not have yet.
 void DatabaseWriter::putBack(Place const& place, Pending const& pending) {
     auto const row = rowAt(place);
     if (!row || !isInDatabase(place)) return;
     Working const working(*this);
-    auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(row.ptr());
-    for (Wanted const* const wanted : {&pending.sent, &pending.wanted}) {
-        putMembers(*row, wanted->row.members, wanted == &pending.sent);
-        if (multicast == nullptr) continue;
-        for (auto const& [address, isThere] : wanted->mac.vtepIps)
-            if (isThere)
-                multicast->vtepIpIs(address, true);
-            else
-                multicast->vtepIpDel(address);
-    }
+    put(*row, pending);
+    MacChanges mac = pending.sent.mac;
+    mac.add(pending.wanted.mac);
+    if (auto* const unicast = dynamic_cast<Vgw::UcastMacsLocal*>(row.ptr()))
+        putMac(*unicast, mac);
+    else if (auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(row.ptr()))
+        putMac(*multicast, mac);
+}
+
+// What is on its way, and what goes then.
+void DatabaseWriter::put(Vgw::OvsdbDataModel& row, Pending const& pending) {
+    nlohmann::json columns = pending.sent.row.columns;
+    if (!pending.wanted.row.columns.is_null()) columns.update(pending.wanted.row.columns);
+    putColumns(row, columns);
+    putMembers(row, pending.sent.row.members, true);
+    putMembers(row, pending.wanted.row.members, false);
 }
 
 Qor::Ptr<Vgw::OvsdbDataModel> DatabaseWriter::rowAt(Place const& place) const {

@@ -63,6 +63,17 @@ WrittenValue written(Vgw::LogicalBindingStats const& row, Qor::AttributeId attri
     }
 }
 
+void put(Vgw::LogicalBindingStats& row, std::string const& column, std::uint64_t count) {
+    if (column == "bytes_from_local")
+        row.inBytesIs(count);
+    else if (column == "packets_from_local")
+        row.inPacketsIs(count);
+    else if (column == "bytes_to_local")
+        row.outBytesIs(count);
+    else
+        row.outPacketsIs(count);
+}
+
 bool holdsZeroByte(json const& value) {
     return value.is_string() && value.get_ref<std::string const&>().find('\0') != std::string::npos;
 }
@@ -89,6 +100,17 @@ WrittenValue writtenValue(Qor::Entity const& row, Qor::AttributeId attribute) {
     if (!result.refusal.empty()) return result;
     result.refusal = whyNotText(row.attributeString(attribute).view(), result.value);
     return result;
+}
+
+void putColumns(Qor::Entity& row, json const& columns) {
+    for (auto const& [column, value] : columns.items()) {
+        if (auto* const device = dynamic_cast<Vgw::PhysicalSwitch*>(&row))
+            device->descIs(std::string_view(value.get_ref<std::string const&>()));
+        else if (auto* const port = dynamic_cast<Vgw::PhysicalPort*>(&row))
+            port->descIs(std::string_view(value.get_ref<std::string const&>()));
+        else if (auto* const statistics = dynamic_cast<Vgw::LogicalBindingStats*>(&row))
+            put(*statistics, column, value.get<std::uint64_t>());
+    }
 }
 
 // A server hangs up on a zero byte, and bytes that are not UTF-8 can't be written as JSON (RFC

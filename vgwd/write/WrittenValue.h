@@ -33,6 +33,9 @@ struct WrittenValue {
 std::optional<Ovsdb::Table> writableTable(Qor::Entity const& row);
 /// What an attribute of such a row has become. REQUIRES: writableTable(row).
 WrittenValue writtenValue(Qor::Entity const& row, Qor::AttributeId attribute);
+/// Makes attributes of such a row what the columns say; the counterpart of writtenValue().
+/// `columns`: an object, or null.
+void putColumns(Qor::Entity& row, nlohmann::json const& columns);
 /// Why the database can't be told a value of that attribute; empty if it can.
 std::string whyNotText(std::string_view attribute, nlohmann::json const& value);
 

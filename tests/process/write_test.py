@@ -3,6 +3,7 @@ import time
 
 import serve_case
 import write_case
+from support.agent import SLOWNESS, Agent, volume
 from write_case import MAC, MULTICAST, ROWS, UNICAST, VTEP
 
 
@@ -254,6 +255,71 @@ class WriteTest(write_case.WriteCase):
         writer = self.writer("/vgw/cliConfig")
         writer.ask("set", "/vgw/cliConfig", "managerIp", "'192.0.2.40'")
         self.reader.await_that(lambda: self.db.vtep_ctl("get-manager").strip() == "ssl:192.0.2.40:6632", "the manager is set")
+
+
+class PendingTest(write_case.WriteCase):
+    """A value or member that waits while another of its row is under way."""
+
+    def agent(self, server, *options, name="agent"):
+        agent = Agent(self.directory / name, server.remote, *options, watch=True)
+        self.addCleanup(agent.stop)
+        return agent.start()
+
+    def write_in_two_transactions(self, writer, row, *writes):
+        """The second of them goes when the first, which waits for the server, has been taken."""
+        self.db.pause()
+        for attribute, *value in writes:
+            writer.ask("set", row, attribute, *value)
+            time.sleep(0.15 * SLOWNESS)
+        self.db.resume()
+
+    def heard_of(self, row, attribute):
+        return [line.split(f".{attribute}")[1] for line in self.agent_.heard() if f" {row}.{attribute}" in line]
+
+    def test_a_value_that_waits_never_changes_back_and_the_last_word_counts(self):
+        port = self.port()
+        writer = self.writer(port)
+        writer.ask("set", port, "desc", "'x'")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == "x", "x is written")
+        self.write_in_two_transactions(writer, port, ("fault", "'a'", "true"), ("desc", "'y'"))
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == "y", "y is written")
+        self.assertEqual(self.heard_of(port, "desc"), [' -> "x"', ' "x" -> "y"'])
+        self.assertEqual(self.heard_of(port, "fault"), ["[a] -> true"])
+        writer.ask("set", port, "desc", "'x'")
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == "x", "x is written again")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_members_that_wait_never_come_and_go(self):
+        port, switch = self.port(), self.switch()
+        writer = self.writer(port, switch)
+        self.write_in_two_transactions(writer, port, ("fault", "'a'", "true"), ("fault", "'b'", "true"))
+        self.write_in_two_transactions(writer, switch, ("tunnelIp", "'192.0.2.8'", "true"), ("tunnelIp", "'192.0.2.9'", "true"))
+        self.reader.await_that(lambda: self.members("Physical_Port", "p1", "port_fault_status") == {"a", "b"}, "both faults")
+        tunnels = {"192.0.2.8", "192.0.2.9"}
+        self.reader.await_that(lambda: self.members("Physical_Switch", "tor", "tunnel_ips") == tunnels, "both addresses")
+        self.assertEqual(self.heard_of(port, "fault"), ["[a] -> true", "[b] -> true"])
+        self.assertEqual(self.heard_of(switch, "tunnelIp"), ["[192.0.2.8] -> true", "[192.0.2.9] -> true"])
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+
+
+class ManyRowsTest(write_case.WriteCase):
+    def cost_of_rows(self, writer, first, count):
+        """The agent's processor time for rows that a writer makes, which wait as the database is away."""
+        before = self.agent_.busy()
+        macs = (f"00:00:5e:{n >> 16:02x}:{n >> 8 & 255:02x}:{n & 255:02x}" for n in range(first, first + count))
+        writer.ask_all([f"newmac ucastMacsLocal r{n} {mac}" for n, mac in enumerate(macs, first)])
+        self.await_rest(writer, quiet=1, timeout=60)
+        return self.agent_.busy() - before
+
+    def test_a_row_does_not_cost_more_where_many_wait_already(self):
+        writer = self.writer(UNICAST)
+        self.db.stop()
+        rows = volume(6000, 1500)
+        first = self.cost_of_rows(writer, 0, rows)
+        self.cost_of_rows(writer, rows, rows)
+        third = self.cost_of_rows(writer, 2 * rows, rows)
+        # Were all looked through, it would be more than five times as much.
+        self.assertLess(third, 3 * first + 0.05)
 
 
 if __name__ == "__main__":

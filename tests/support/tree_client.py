@@ -40,6 +40,14 @@ class TreeClient:
         answer = self._answers.get(timeout=timeout * SLOWNESS)
         return answer[6:] if answer.split(" ")[0] == "value" else answer
 
+    def ask_all(self, commands, timeout=60):
+        """The answers to commands that are not waited for one by one."""
+        feeder = threading.Thread(target=self._process.stdin.write, args=("\n".join(commands) + "\n",), daemon=True)
+        feeder.start()
+        answers = [self._answers.get(timeout=timeout * SLOWNESS) for _ in commands]
+        feeder.join()
+        return answers
+
     def await_told(self, words, count=1, timeout=20):
         self.await_that(lambda: sum(words in line for line in self.told) >= count, f"it tells {words!r} {count} times", timeout)
 

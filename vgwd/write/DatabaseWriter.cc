@@ -108,9 +108,23 @@ void DatabaseWriter::handleWritten(std::string const& peer, Qor::Entity& entity,
 }
 
 void DatabaseWriter::handleEntry(Table table, Qor::Name const& name) {
+    noteMade({table, std::string(name.view())});
     if (working_ != 0) return;
     unsigned_.emplace_back(table, std::string(name.view()));
     touch(unsigned_.back(), {});
+}
+
+// Which row a peer has made there, or none any more.
+void DatabaseWriter::noteMade(Place const& place) {
+    auto const before = madeAt_.find(place);
+    if (before != madeAt_.end()) {
+        made_.erase(before->second);
+        madeAt_.erase(before);
+    }
+    auto const row = directory(place.first).entry(Qor::Name(std::string_view(place.second)));
+    if (!row || working_ != 0) return;
+    madeAt_[place] = row.ptr();
+    made_[row.ptr()] = place;
 }
 
 void DatabaseWriter::handleMember(Place const& place, WrittenMember const& written) {
@@ -213,11 +227,14 @@ bool DatabaseWriter::isInDatabase(Place const& place) const {
            client_.rows().find(place.first, *uuid) != nullptr;
 }
 
-// A row of the mirror stands under its UUID, as long as nobody writes over that.
+// A row of the mirror stands under its UUID, as long as nobody writes over that, and one that a
+// peer makes under the name that was told of it.
 std::string DatabaseWriter::nameOf(Table table, Qor::Entity const& row) const {
     Qor::Dir const& rows = directory(table);
-    Qor::String8 const uuid = uuidOf(row);
-    if (rows.entry(Qor::Name(uuid)).ptr() == &row) return std::string(uuid.view());
+    auto const made = made_.find(&row);
+    std::string const told = made == made_.end() ? std::string() : made->second.second;
+    for (Qor::Name const& name : {Qor::Name(uuidOf(row)), Qor::Name(std::string_view(told))})
+        if (rows.entry(name).ptr() == &row) return std::string(name.view());
     for (auto at = rows.entryIteratorConst(); at; ++at)
         if (at.value().ptr() == &row) return std::string(at.key().view());
     return {};

@@ -117,6 +117,7 @@ class DatabaseWriter {
     bool isInDatabase(Place const& place) const;
     Qor::Ptr<Vgw::OvsdbDataModel> rowAt(Place const& place) const;
     void handleEntry(Ovsdb::Table table, Qor::Name const& name);
+    void noteMade(Place const& place);
     void handleMember(Place const& place, WrittenMember const& written);
     void handleMacWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
                           Qor::AttributeId attribute);
@@ -156,6 +157,9 @@ class DatabaseWriter {
     std::map<Ovsdb::Table, Qor::Dir::NotifieeConst::Ptr> watches_;
     std::map<Place, Qor::PtrInterface::NotifieeConst::Ptr> rowWatches_;
     Work work_;
+    // The rows that peers have put into the directories; where each stood when it was told.
+    std::map<Place, Qor::Entity const*> madeAt_;
+    std::map<Qor::Entity const*, Place> made_;
     std::vector<Place> unsigned_;  // changed by a peer that is not known yet
     std::size_t sent_ = 0;         // transactions under way
     int working_ = 0;

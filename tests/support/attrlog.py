@@ -49,7 +49,11 @@ class Peer:
         """`place` is the path of a unix socket, or a port of this machine; `tls` the context to connect with."""
         is_port = isinstance(place, int)
         self.socket = socket.socket(socket.AF_INET if is_port else socket.AF_UNIX)
-        self.socket.connect(("127.0.0.1", place) if is_port else str(place))
+        try:
+            self.socket.connect(("127.0.0.1", place) if is_port else str(place))
+        except OSError:
+            self.socket.close()
+            raise
         if tls:
             self.socket = tls.wrap_socket(self.socket)
         self._bytes = b""

@@ -151,8 +151,8 @@ TEST_F(Dispatch, SetterOnAnOtherEntityTellsItsOwnNotifieesAlone) {
 TEST(Snapshot, MeetsEachNotifieeOfAnyNumber) {
     Log log;
     for (std::size_t const count : {1, 15, 16, 17, 40, 1000}) {
-        Qor::ListRaw<Port::NotifieeConst> list;
         std::vector<PortListener::Ptr> listeners;
+        Qor::ListRaw<Port::NotifieeConst> list;  // forgets them while they live
         for (std::size_t i = 0; i < count; ++i) {
             listeners.push_back(Qor::make<PortListener>(log, "a"));
             list.link(*listeners.back());

@@ -1,5 +1,4 @@
 """What the tests of a served tree share: an agent beside a server, and readers of its tree."""
-import json
 import time
 
 import process_case

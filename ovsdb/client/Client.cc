@@ -82,9 +82,9 @@ bool Client::memberIsUsable() {
 void Client::askIndexSoon() {
     if (std::exchange(asksIndex_, true)) return;
     askIndex_.expires_after(options_.indexPause);
-    askIndex_.async_wait([this, life = life_](std::error_code error) {
-        if (!error && life == life_) askIndex();
-    });
+    askIndex_.async_wait(life_.tie([this](std::error_code error) {
+        if (!error) askIndex();
+    }));
 }
 
 void Client::askIndex() {
@@ -213,11 +213,11 @@ void Client::transact(nlohmann::json const& operations, std::string const& summa
 
 // The reply's handler owns the timer: once it ran, or is gone, there is nothing left to limit.
 void Client::limitTransact(std::shared_ptr<asio::steady_timer> const& timer) {
-    timer->async_wait([this, life = life_, waiting = std::weak_ptr(timer)](std::error_code error) {
-        if (!error && life == life_ && !waiting.expired())
+    timer->async_wait(life_.tie([this, waiting = std::weak_ptr(timer)](std::error_code error) {
+        if (!error && !waiting.expired())
             abandon("no answer to a transaction for " +
                     std::to_string(options_.transactLimit.count()) + " ms");
-    });
+    }));
 }
 
 void Client::apply(simdjson::dom::element tableUpdates, UpdateForm form, bool whole) {

@@ -32,6 +32,7 @@
 #include <ovsdb/client/ServerDatabases.h>
 #include <ovsdb/rpc/Connector.h>
 #include <ovsdb/rpc/RpcSession.h>
+#include <ovsdb/rpc/Tether.h>
 #include <ovsdb/schema/MonitorPlan.h>
 #include <ovsdb/store/RowStore.h>
 #include <ovsdb/store/UpdateReader.h>
@@ -133,7 +134,7 @@ class Client final : private RpcListener {
     SecondOpinion opinion_;
     std::shared_ptr<RpcSession> session_;
     ClientState state_ = ClientState::disconnected;
-    std::uint64_t life_ = 0;         // a timer of another life than this is late
+    Tether life_;                    // cut at each start and end of a connection
     std::function<void()> left_;     // set while leaving
     std::vector<std::string> said_;  // of each remote: what was said of it since the last success
     std::size_t remote_ = 0;

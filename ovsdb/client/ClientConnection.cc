@@ -28,12 +28,12 @@ Client::Client(asio::io_context& loop, ClientOptions options, ClientListener& li
 Client::~Client() { stop(); }
 
 void Client::start() {
-    ++life_;
+    life_.cut();
     connect();
 }
 
 void Client::stop() {
-    ++life_;
+    life_.cut();
     left_ = nullptr;
     retry_.cancel();
     askIndex_.cancel();
@@ -59,9 +59,9 @@ void Client::leave(std::function<void()> left) {
         if (!lost) finishLeaving();
     });
     retry_.expires_after(leaveLimit);
-    retry_.async_wait([this, life = life_](std::error_code error) {
-        if (!error && life == life_) abandon("the server did not answer when it was left");
-    });
+    retry_.async_wait(life_.tie([this](std::error_code error) {
+        if (!error) abandon("the server did not answer when it was left");
+    }));
 }
 
 void Client::finishLeaving() {
@@ -127,7 +127,7 @@ void Client::abandon(std::string const& reason) {
 }
 
 void Client::lose(std::string const& reason) {
-    ++life_;
+    life_.cut();
     opinion_.cancel();
     if (left_) return finishLeaving();
     silent_ = false;
@@ -135,14 +135,15 @@ void Client::lose(std::string const& reason) {
     bool const roundFailed = ++failures_ >= options_.remotes.size();
     sayLoss(reason, roundFailed);
     remote_ = (remote_ + 1) % options_.remotes.size();
-    std::uint64_t const life = life_;
+    auto const retry =
+        life_.tie([&] { retryIn(roundFailed ? backoff_.next() : Backoff::Duration(0)); });
     stateIs(ClientState::disconnected, loss);
     if (roundFailed) {
         failures_ = 0;
         listener_.onRoundFailed(loss);
     }
     // The listener may have stopped us.
-    if (life == life_) retryIn(roundFailed ? backoff_.next() : Backoff::Duration(0));
+    retry();
 }
 
 // What is the same try after try is said once.
@@ -159,9 +160,9 @@ void Client::sayLoss(std::string const& reason, bool roundFailed) {
 
 void Client::retryIn(Backoff::Duration wait) {
     retry_.expires_after(wait);
-    retry_.async_wait([this, life = life_](std::error_code error) {
-        if (!error && life == life_) connect();
-    });
+    retry_.async_wait(life_.tie([this](std::error_code error) {
+        if (!error) connect();
+    }));
 }
 
 void Client::stateIs(ClientState state, std::string const& reason) {

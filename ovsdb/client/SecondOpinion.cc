@@ -21,7 +21,7 @@ void SecondOpinion::ask(Remote const& remote, TlsFiles const& tls, std::function
 }
 
 void SecondOpinion::cancel() {
-    ++turn_;
+    turn_.cut();
     timer_.cancel();
     connector_.cancel();
     if (session_ != nullptr) session_->close();
@@ -50,12 +50,11 @@ void SecondOpinion::again() {
     after(betweenTries, &SecondOpinion::connect);
 }
 
-// A timer that has run out can't be taken back: its handler asks whether it is still wanted.
 void SecondOpinion::after(milliseconds wait, void (SecondOpinion::*step)()) {
     timer_.expires_after(wait);
-    timer_.async_wait([this, step, turn = turn_](std::error_code error) {
-        if (!error && turn == turn_) (this->*step)();
-    });
+    timer_.async_wait(turn_.tie([this, step](std::error_code error) {
+        if (!error) (this->*step)();
+    }));
 }
 
 void SecondOpinion::tell() {

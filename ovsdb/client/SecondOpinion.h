@@ -10,12 +10,12 @@
 #include <ovsdb/client/Log.h>
 #include <ovsdb/rpc/Connector.h>
 #include <ovsdb/rpc/RpcSession.h>
+#include <ovsdb/rpc/Tether.h>
 
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <memory>
 
@@ -51,7 +51,7 @@ class SecondOpinion final : private RpcListener {
     TlsFiles tls_;
     std::function<void()> answered_;
     std::shared_ptr<RpcSession> session_;
-    std::uint64_t turn_ = 0;  // of asking; what was begun in an earlier one counts no more
+    Tether turn_;  // of asking; what was begun in an earlier one counts no more
 };
 
 }  // namespace Ovsdb

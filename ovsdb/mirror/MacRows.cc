@@ -41,28 +41,28 @@ std::vector<Kelp::IpAddr> addressesOf(LocatorSetNode const& set) {
     return addresses;
 }
 
-void writeUcastRemote(Vgw::UcastMacsRemote& row, MacNode const& node) {
+void fill(Vgw::UcastMacsRemote& row, MacNode const& node) {
     row.macIs(*node.mac);
     row.logicalSwitchIs(node.logicalSwitch->text);
     row.physicalLocatorIs(node.locator->text);
     row.ipAddrIs(ipAddrOf(node));
 }
 
-void writeMcastRemote(Vgw::McastMacsRemote& row, MacNode const& node) {
+void fill(Vgw::McastMacsRemote& row, MacNode const& node) {
     row.macIs(*node.mac);
     row.logicalSwitchIs(node.logicalSwitch->text);
     row.physicalLocatorSetIs(node.set->text);
     row.ipAddrIs(ipAddrOf(node));
 }
 
-void writeUcastLocal(Vgw::UcastMacsLocal& row, MacNode const& node) {
+void fill(Vgw::UcastMacsLocal& row, MacNode const& node) {
     row.uuidIs(textOf(node.uuid));
     row.logicalSwitchIs(node.logicalSwitch->text);
     row.vniIs(vniAt(node, *node.locator).value_or(Vxlan::Vni()));
     row.vtepIpIs(node.locator->address.value_or(Kelp::IpAddr()));
 }
 
-void writeMcastLocal(Vgw::McastMacsLocal& row, MacNode const& node) {
+void fill(Vgw::McastMacsLocal& row, MacNode const& node) {
     row.uuidIs(textOf(node.uuid));
     row.logicalSwitchIs(node.logicalSwitch->text);
     row.physicalLocatorSetIs(node.set->text);
@@ -71,6 +71,24 @@ void writeMcastLocal(Vgw::McastMacsLocal& row, MacNode const& node) {
     for (auto at = row.vtepIpIterator(); at; ++at)
         if (!std::binary_search(addresses.begin(), addresses.end(), at.key())) at.del();
     for (Kelp::IpAddr const address : addresses) row.vtepIpIs(address, true);
+}
+
+// Makes the row what the other is.
+void adopt(Vgw::UcastMacsLocal& row, Vgw::UcastMacsLocal const& staged) {
+    row.uuidIs(staged.uuid());
+    row.logicalSwitchIs(staged.logicalSwitch());
+    row.vniIs(staged.vni());
+    row.vtepIpIs(staged.vtepIp());
+}
+
+void adopt(Vgw::McastMacsLocal& row, Vgw::McastMacsLocal const& staged) {
+    row.uuidIs(staged.uuid());
+    row.logicalSwitchIs(staged.logicalSwitch());
+    row.physicalLocatorSetIs(staged.physicalLocatorSet());
+    row.vniIs(staged.vni());
+    for (auto at = row.vtepIpIterator(); at; ++at)
+        if (!staged.vtepIp(at.key())) at.del();
+    for (auto at = staged.vtepIpIteratorConst(); at; ++at) row.vtepIpIs(at.key(), at.value());
 }
 
 Qor::Ptr<Vgw::OvsdbDataModel> makeRow(MacNode const& node) {
@@ -131,6 +149,16 @@ void MacRows::restore(MacNode& node) const {
     write(node);
 }
 
+template <class X>
+void MacRows::writeLocal(MacNode const& node) const {
+    X& row = static_cast<X&>(*node.row);
+    if (overlay_ == nullptr || !overlay_->covers(node.table, node.uuid)) return fill(row, node);
+    auto const staged = Qor::make<X>(*node.mac);
+    fill(*staged, node);
+    overlay_->put(node.table, node.uuid, *staged);
+    adopt(row, *staged);
+}
+
 void MacRows::write(MacNode& node) const {
     if (!node.mac) return;
     if (!node.row) {
@@ -139,13 +167,13 @@ void MacRows::write(MacNode& node) const {
     }
     switch (node.table) {
         case Table::ucastMacsLocal:
-            return writeUcastLocal(static_cast<Vgw::UcastMacsLocal&>(*node.row), node);
+            return writeLocal<Vgw::UcastMacsLocal>(node);
         case Table::mcastMacsLocal:
-            return writeMcastLocal(static_cast<Vgw::McastMacsLocal&>(*node.row), node);
+            return writeLocal<Vgw::McastMacsLocal>(node);
         case Table::mcastMacsRemote:
-            return writeMcastRemote(static_cast<Vgw::McastMacsRemote&>(*node.row), node);
+            return fill(static_cast<Vgw::McastMacsRemote&>(*node.row), node);
         default:
-            return writeUcastRemote(static_cast<Vgw::UcastMacsRemote&>(*node.row), node);
+            return fill(static_cast<Vgw::UcastMacsRemote&>(*node.row), node);
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include <ovsdb/mirror/Graph.h>
 #include <ovsdb/mirror/MacRefs.h>
+#include <ovsdb/mirror/Overlay.h>
 #include <qor/tree/Dir.h>
 
 #include <array>
@@ -40,10 +41,17 @@ class MacRows {
     /// The same for one that somebody else may have changed or taken out.
     void restore(MacNode& node) const;
 
+    /// What local rows hold beside the database; null: nothing.
+    void overlayIs(Overlay const* overlay) { overlay_ = overlay; }
+
     MacDirectories const& directories() const { return directories_; }
 
   private:
+    template <class X>
+    void writeLocal(MacNode const& node) const;
+
     MacDirectories directories_;
+    Overlay const* overlay_ = nullptr;
 };
 
 }  // namespace Ovsdb

@@ -25,6 +25,11 @@ Mirror::Mirror(RowStore const& store, Vgw::HwVtepOvsdb::Ptr database, MacDirecto
       macRows_(std::move(directories)),
       references_(*database_) {}
 
+void Mirror::overlayIs(Overlay const* overlay) {
+    overlay_ = overlay;
+    macRows_.overlayIs(overlay);
+}
+
 void Mirror::touch(MacNode& node) { touchOnce(macs_, node, &MacNode::dirty); }
 void Mirror::touch(LocatorNode& node) { touchOnce(locators_, node, &LocatorNode::dirty); }
 void Mirror::touch(LocatorSetNode& node) { touchOnce(sets_, node, &LocatorSetNode::dirty); }

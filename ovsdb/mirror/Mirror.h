@@ -17,13 +17,13 @@
 #include <ovsdb/mirror/Graph.h>
 #include <ovsdb/mirror/MacRefs.h>
 #include <ovsdb/mirror/MacRows.h>
+#include <ovsdb/mirror/Overlay.h>
 #include <ovsdb/mirror/ReferenceMaps.h>
 #include <ovsdb/schema/MonitorPlan.h>
 #include <ovsdb/store/RowStore.h>
 #include <vgw/tables/HwVtepOvsdb.h>
 
 #include <array>
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -50,11 +50,8 @@ class Mirror {
     /// does not have is left alone.
     void restore(Table table, Uuid const& uuid);
 
-    using RowOverlay =
-        std::function<void(Table table, Uuid const& uuid, Vgw::OvsdbDataModel& staged)>;
-    /// What rows of Physical_Switch and Physical_Port hold beside the database: called with each
-    /// before it is shown, when it is what the database says. Null: nothing.
-    void overlayIs(RowOverlay overlay) { overlay_ = std::move(overlay); }
+    /// What rows hold beside the database, until it is taken back by null. It must outlive that.
+    void overlayIs(Overlay const* overlay);
 
   private:
     void digest(RowChange const& change);
@@ -83,7 +80,7 @@ class Mirror {
     Graph graph_;
     MacRefs refs_;
     ReferenceMaps references_;
-    RowOverlay overlay_;
+    Overlay const* overlay_ = nullptr;
 
     // Of the step.
     std::array<std::vector<RowChange const*>, tableCount> changes_;

@@ -81,8 +81,8 @@ void Mirror::addRows(Table table) {
 void Mirror::addRow(RowChange const& change) {
     Qor::Name const name = textOf(change.uuid);
     Row const& raw = *change.after;
-    auto const overlay = [&](Vgw::OvsdbDataModel& staged) {
-        if (overlay_) overlay_(change.table, change.uuid, staged);
+    Staging const overlay = [&](Vgw::OvsdbDataModel& staged) {
+        if (overlay_ != nullptr) overlay_->put(change.table, change.uuid, staged);
     };
     switch (change.table) {
         case Table::manager:
@@ -94,7 +94,7 @@ void Mirror::addRow(RowChange const& change) {
         case Table::logicalSwitch:
             return write(*database_->logicalSwitchIs(name), raw);
         case Table::logicalBindingStats:
-            return write(*database_->logicalBindingStatsIs(name), raw);
+            return write(*database_->logicalBindingStatsIs(name), raw, overlay);
         case Table::physicalPort:
             return write(*database_->physicalPortIs(name), raw, overlay);
         case Table::physicalLocator: {

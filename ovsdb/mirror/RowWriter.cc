@@ -101,7 +101,7 @@ void write(Vgw::Global& row, Row const& raw) {
     adopt(row, staged);
 }
 
-void write(Vgw::PhysicalSwitch& row, Row const& raw, Overlay const& overlay) {
+void write(Vgw::PhysicalSwitch& row, Row const& raw, Staging const& overlay) {
     Vgw::PhysicalSwitch::Ptr const staged = stagedFor(row);
     Addresses const management = addressesOf(raw.column(PhysicalSwitchColumn::managementIps));
     Addresses const tunnel = addressesOf(raw.column(PhysicalSwitchColumn::tunnelIps));
@@ -135,15 +135,21 @@ void write(Vgw::LogicalSwitch& row, Row const& raw) {
     row.clone(staged);
 }
 
-void write(Vgw::LogicalBindingStats& row, Row const& raw) {
+void write(Vgw::LogicalBindingStats& row, Row const& raw, Staging const& overlay) {
     using namespace LogicalBindingStatsColumn;
-    row.inBytesIs(counterOf(row, "inBytes", raw.column(bytesFromLocal)));
-    row.inPacketsIs(counterOf(row, "inPackets", raw.column(packetsFromLocal)));
-    row.outBytesIs(counterOf(row, "outBytes", raw.column(bytesToLocal)));
-    row.outPacketsIs(counterOf(row, "outPackets", raw.column(packetsToLocal)));
+    Vgw::LogicalBindingStats::Ptr const staged = stagedFor(row);
+    staged->inBytesIs(counterOf(row, "inBytes", raw.column(bytesFromLocal)));
+    staged->inPacketsIs(counterOf(row, "inPackets", raw.column(packetsFromLocal)));
+    staged->outBytesIs(counterOf(row, "outBytes", raw.column(bytesToLocal)));
+    staged->outPacketsIs(counterOf(row, "outPackets", raw.column(packetsToLocal)));
+    overlay(*staged);
+    row.inBytesIs(staged->inBytes());
+    row.inPacketsIs(staged->inPackets());
+    row.outBytesIs(staged->outBytes());
+    row.outPacketsIs(staged->outPackets());
 }
 
-void write(Vgw::PhysicalPort& row, Row const& raw, Overlay const& overlay) {
+void write(Vgw::PhysicalPort& row, Row const& raw, Staging const& overlay) {
     Vgw::PhysicalPort::Ptr const staged = stagedFor(row);
     staged->displayNameIs(raw.column(PhysicalPortColumn::name));
     staged->descIs(raw.column(PhysicalPortColumn::description));

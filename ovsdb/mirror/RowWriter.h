@@ -7,9 +7,7 @@
 // `invalidAttrib` of both rows; comparison and copying then keep out of it, and the part that fits
 // is written by setters.
 //
-// Where somebody writes the database through the model, a row holds what he has written and the
-// database does not have yet: it is put into the staged row, so that the row itself never changes
-// there and back.
+// What a row holds beside the database (Overlay.h) is put into the staged row.
 
 #include <ovsdb/store/Row.h>
 #include <vgw/tables/Global.h>
@@ -27,14 +25,14 @@
 namespace Ovsdb {
 
 /// Puts into a staged row what is beside the database.
-using Overlay = std::function<void(Vgw::OvsdbDataModel& staged)>;
+using Staging = std::function<void(Vgw::OvsdbDataModel& staged)>;
 
 void write(Vgw::Manager& row, Row const& raw);
 void write(Vgw::Global& row, Row const& raw);
-void write(Vgw::PhysicalSwitch& row, Row const& raw, Overlay const& overlay);
+void write(Vgw::PhysicalSwitch& row, Row const& raw, Staging const& overlay);
 void write(Vgw::LogicalSwitch& row, Row const& raw);
-void write(Vgw::LogicalBindingStats& row, Row const& raw);
-void write(Vgw::PhysicalPort& row, Row const& raw, Overlay const& overlay);
+void write(Vgw::LogicalBindingStats& row, Row const& raw, Staging const& overlay);
+void write(Vgw::PhysicalPort& row, Row const& raw, Staging const& overlay);
 /// Its key; BFD is not in the row alone (Bfd.h).
 void write(Vgw::PhysicalLocator& row, Row const& raw);
 void write(Vgw::PhysicalLocatorSet& row, Row const& raw);

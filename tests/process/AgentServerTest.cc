@@ -137,14 +137,14 @@ TEST_F(OwnServerTest, AServerThatIsEndedTheMomentItWasStartedDoesNotEndTheAgent)
 
 TEST_F(OwnServerTest, AMissingProgramIsNamedAndEndsAnAgentThatStarts) {
     options_.serverProgram = "/nonexistent/ovsdb-server";
-    agent_.emplace(loop_, options_, *logs_);
+    agent_ = std::make_unique<Agent>(loop_, options_, *logs_);
     EXPECT_EQ(agent_->run(), 1);
     EXPECT_NE(console_.str().find("/nonexistent/ovsdb-server"), std::string::npos);
 }
 
 TEST_F(OwnServerTest, AMissingSchemaIsNamedAndEndsAnAgentThatStarts) {
     options_.schemaFile = "/nonexistent/vtep.ovsschema";
-    agent_.emplace(loop_, options_, *logs_);
+    agent_ = std::make_unique<Agent>(loop_, options_, *logs_);
     EXPECT_EQ(agent_->run(), 1);
     EXPECT_NE(console_.str().find("/nonexistent/vtep.ovsschema"), std::string::npos);
 }

@@ -2,6 +2,7 @@
 
 #include "AgentUnderTest.h"
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -42,6 +43,26 @@ TEST_F(SwitchTest, AnAgentThatIsStartedIsEnabledAndRuns) {
     start();
     EXPECT_TRUE(cli().enableAgent());
     EXPECT_TRUE(status().running());
+}
+
+// Where in the event loop it stands, when the agent ends, is tried step by step.
+TEST_F(SwitchTest, ASignalThatIsOnItsWayWhenTheAgentEndsIsNotHeardAnyMore) {
+    options_.dumpFile = directory_ + "/dump";
+    bool isHeard = false;
+    for (int steps = 0; !isHeard && steps < 100; ++steps) {
+        start();
+        // The one before is heard by this agent.
+        std::filesystem::remove(options_.dumpFile);
+        std::raise(SIGUSR1);
+        loop_.restart();
+        for (int i = 0; i < steps; ++i) loop_.run_one_for(milliseconds(5));
+        isHeard = std::filesystem::exists(options_.dumpFile);
+        agent_.reset();
+        loop_.restart();
+        loop_.poll();
+        EXPECT_EQ(std::filesystem::exists(options_.dumpFile), isHeard) << "after step " << steps;
+    }
+    EXPECT_TRUE(isHeard);
 }
 
 TEST_F(SwitchTest, ADisabledAgentDoesNothingUntilItIsEnabled) {

@@ -1,12 +1,11 @@
 #include "AgentUnderTest.h"
 
 #include <vgwd/agent/ChildProcess.h>
+#include <vgwd/serve/UnixSocket.h>
 
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/ostream_sink.h>
 
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -37,18 +36,6 @@ std::string outputOf(std::string const& command, int* code = nullptr) {
     if (code != nullptr) *code = status;
     while (!text.empty() && text.back() == '\n') text.pop_back();
     return text;
-}
-
-// A server binds before it listens, and refuses who comes in between.
-bool isListening(std::string const& path) {
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    path.copy(address.sun_path, sizeof address.sun_path - 1);
-    int const fd = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    bool const isIt =
-        ::connect(fd, reinterpret_cast<sockaddr const*>(&address), sizeof address) == 0;
-    ::close(fd);
-    return isIt;
 }
 
 std::string makeDirectory() {
@@ -124,7 +111,7 @@ AgentTest::~AgentTest() {
 
 void AgentTest::startAgent() {
     logs_->levelIs(LogDestination::console, options_.logConsole);
-    agent_.emplace(loop_, options_, *logs_);
+    agent_ = std::make_unique<Agent>(loop_, options_, *logs_);
     agent_->start();
 }
 

@@ -14,6 +14,7 @@
 #include <sys/types.h>
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -76,7 +77,7 @@ class AgentTest : public testing::Test {
     std::ostringstream syslog_;
     std::string logFile_;
     std::optional<LogOutputs> logs_;
-    std::optional<Agent> agent_;
+    std::unique_ptr<Agent> agent_;  // of the heap, so that its use after its end is seen
 };
 
 /// The folder below which the OVSDB tools are, as tools/ovs.sh prints it.

@@ -4,6 +4,7 @@ import time
 import serve_case
 from support import ctl
 from support.agent import SLOWNESS
+from support.sockets import listens
 from support.tree_client import TreeClient
 from support.watched import Watched
 
@@ -17,7 +18,7 @@ class ChainCase(serve_case.ServeCase):
         socket = self.directory / name
         relay = self.enterContext(ctl.Running(self.remote(agent), "relay", socket))
         deadline = time.monotonic() + 20 * SLOWNESS
-        while not socket.exists():
+        while not listens(socket):
             self.assertTrue(time.monotonic() < deadline and relay.is_running(), relay.told())
             time.sleep(0.01)
         return socket

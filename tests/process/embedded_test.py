@@ -48,7 +48,6 @@ class EmbeddedTest(process_case.ProcessCase):
         self.add_switch("red")
         self.agent.stop()
         self.agent.start()
-        self.agent.await_that(self.socket.exists, "the server listens")
         tables = self.read()
         self.assertEqual([row["name"] for row in tables["Logical_Switch"].values()], ["red"])
         self.agent.await_equal(tables)

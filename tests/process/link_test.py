@@ -15,6 +15,7 @@ import process_case
 from support import attrlog, ctl
 from support.agent import SLOWNESS, Agent
 from support.certificates import Authority
+from support.sockets import listens
 
 # Processor time of a program that starts, connects and waits.
 IDLE = 0.3
@@ -243,7 +244,7 @@ class TlsTest(process_case.ProcessCase):
         files = self.options(*self.authority.issue("reader"))
         place, part = self.directory / "relay.sock", "--path=/vgw/status/ovsdb"
         with ctl.Running(self.remote, *files, part, "relay", place) as relay:
-            self.agent.await_that(lambda: place.exists() or not relay.is_running(), "the relay serves")
+            self.agent.await_that(lambda: listens(place) or not relay.is_running(), "the relay serves")
             for turn in range(3):
                 self.insert_switches(turn)
                 find = (part, "--columns=displayName", "find", "LogicalSwitch", f"displayName={turn}-3999")

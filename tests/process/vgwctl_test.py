@@ -12,6 +12,7 @@ from pathlib import Path
 import process_case
 from support import ctl
 from support.agent import SLOWNESS, Agent
+from support.sockets import listens
 
 GOLDEN = Path(__file__).parent / "golden" / "vgwctl.txt"
 GOLDEN_FORMATS = GOLDEN.with_name("vgwctl_formats.txt")
@@ -321,7 +322,7 @@ class FollowingTest(VgwctlCase):
         socket = self.directory / name
         relay = self.enterContext(ctl.Running(self.remote, "relay", socket))
         deadline = time.monotonic() + 20 * SLOWNESS
-        while not socket.exists():
+        while not listens(socket):
             self.assertTrue(time.monotonic() < deadline and relay.is_running(), relay.told())
             time.sleep(0.01)
         return relay, f"unix:{socket}"

@@ -302,6 +302,50 @@ class PendingTest(write_case.WriteCase):
         self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
 
 
+    def test_an_address_that_waits_never_changes_back(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+        self.reader.await_that(lambda: self.names(self.reader, UNICAST) != ["mine"], "the row is under its UUID")
+        row = f"{UNICAST}/{self.names(self.reader, UNICAST)[0]}"
+        blue = self.uuid("Logical_Switch", "blue")
+        self.write_in_two_transactions(writer, row, ("logicalSwitch", f"'{blue}'"), ("vtepIp", "'192.0.2.8'"))
+        self.await_local("blue", f"{MAC} -> vxlan_over_ipv4/192.0.2.8")
+        self.assertEqual(self.heard_of(row, "vtepIp"), [f" -> {VTEP}", f" {VTEP} -> 192.0.2.8"])
+        self.assertEqual(len(self.heard_of(row, "logicalSwitch")), 2)
+        writer.ask("set", row, "vtepIp", f"'{VTEP}'")
+        self.await_local("blue", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_vteps_of_a_multicast_address_that_wait_never_come_and_go(self):
+        self.db.vtep_ctl("add-mcast-local", "red", "unknown-dst", VTEP)
+        self.reader.await_that(lambda: self.names(self.reader, MULTICAST), "the row")
+        row = f"{MULTICAST}/{self.names(self.reader, MULTICAST)[0]}"
+        writer = self.writer(MULTICAST)
+        more = ("192.0.2.8", "192.0.2.9")
+        self.write_in_two_transactions(writer, row, *(("vtepIp", f"'{address}'", "true") for address in more))
+        self.await_local("red", *(f"unknown-dst -> vxlan_over_ipv4/{address}" for address in (VTEP, *more)))
+        self.assertEqual(self.heard_of(row, "vtepIp"), [f"[{address}] -> true" for address in (VTEP, *more)])
+        self.write_in_two_transactions(writer, row, ("vtepIp", f"'{VTEP}'", "false"), ("vtepIp", "'192.0.2.7'", "true"))
+        self.await_local("red", *(f"unknown-dst -> vxlan_over_ipv4/{address}" for address in ("192.0.2.7", *more)))
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        self.await_rows(self.reader, self.db.read())
+
+    def test_a_counter_that_waits_never_counts_back(self):
+        port = self.port()
+        writer = self.writer(port)
+        writer.ask("set", port, "vlanStat", "7", "'new'")
+        self.reader.await_that(lambda: self.statistics() == 1, "a row of statistics")
+        row = f"{ROWS}/logicalBindingStats/{self.reader.ask('list', ROWS, 'logicalBindingStats').split()[0][1:-1]}"
+        writer = self.writer(row)
+        self.write_in_two_transactions(writer, row, ("inPackets", "1"), ("inBytes", "1500"))
+        bytes_in = lambda: self.db.vtep_ctl("--bare", "--columns=bytes_from_local", "list", "Logical_Binding_Stats").strip()
+        self.reader.await_that(lambda: bytes_in() == "1500", "the bytes are written")
+        self.assertEqual(self.heard_of(row, "inBytes"), [" -> 1500"])
+        self.assertEqual(self.heard_of(row, "inPackets"), [" -> 1"])
+        self.await_rows(self.reader, self.db.read())
+
+
 class ManyRowsTest(write_case.WriteCase):
     def cost_of_rows(self, writer, first, count):
         """The agent's processor time for rows that a writer makes, which wait as the database is away."""
@@ -320,6 +364,36 @@ class ManyRowsTest(write_case.WriteCase):
         third = self.cost_of_rows(writer, 2 * rows, rows)
         # Were all looked through, it would be more than five times as much.
         self.assertLess(third, 3 * first + 0.05)
+
+    def test_rows_that_wait_for_what_they_lack_cost_nothing_meanwhile(self):
+        writer = self.writer(UNICAST)
+        rows = volume(6000, 1500)
+        self.cost_of_rows(writer, 0, rows)
+        before = self.agent_.busy()
+        time.sleep(2)
+        self.assertLess(self.agent_.busy() - before, 0.3)
+
+    def cost_of_vteps(self, writer, row, first, count):
+        before = self.agent_.busy()
+        writer.ask_all([f"set {row} vtepIp '198.18.{n >> 8}.{n & 255}' true" for n in range(first, first + count)])
+        self.await_rest(writer, quiet=1, timeout=60)
+        return self.agent_.busy() - before
+
+    def test_a_vtep_of_a_multicast_address_does_not_cost_more_where_there_are_many_already(self):
+        self.db.vtep_ctl("add-mcast-local", "red", "unknown-dst", VTEP)
+        self.reader.await_that(lambda: self.names(self.reader, MULTICAST), "the row")
+        row = f"{MULTICAST}/{self.names(self.reader, MULTICAST)[0]}"
+        writer = self.writer(MULTICAST)
+        self.db.stop()
+        vteps = volume(2000, 300)
+        self.cost_of_vteps(writer, row, 0, 2 * vteps)
+        # Each that goes through all the others takes more than a second of them.
+        self.assertLess(self.cost_of_vteps(writer, row, 2 * vteps, vteps), 0.25 * SLOWNESS)
+        self.db.start()
+        count = lambda: len(self.db.vtep_ctl("--bare", "--columns=_uuid", "list", "Physical_Locator").split())
+        self.reader.await_that(lambda: count() == 3 * vteps + 1, "all are in the database")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        self.await_rows(self.reader, self.db.read())
 
 
 if __name__ == "__main__":

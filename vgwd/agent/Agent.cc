@@ -127,6 +127,7 @@ void Agent::stop() {
     notice_.stopping();
     reactor_->leave();
     reactor_ = nullptr;
+    tether_.cut();
     signals_.cancel();
     timeout_.cancel();
     tree_.status()->runningIs(false);
@@ -138,7 +139,7 @@ void Agent::stop() {
 }
 
 void Agent::awaitSignal() {
-    signals_.async_wait([this](std::error_code error, int number) {
+    signals_.async_wait(tether_.tie([this](std::error_code error, int number) {
         if (error) return;
         if (number == SIGUSR1) writeDump();
         if (number == SIGCHLD) session_.handleChild();
@@ -148,26 +149,26 @@ void Agent::awaitSignal() {
             return end(0);
         }
         awaitSignal();
-    });
+    }));
 }
 
 void Agent::startTimeout() {
     if (!options_.once || options_.timeout <= 0) return;
     timeout_.expires_after(std::chrono::milliseconds(static_cast<long>(options_.timeout * 1000)));
-    timeout_.async_wait([this](std::error_code error) {
+    timeout_.async_wait(tether_.tie([this](std::error_code error) {
         if (error) return;
         log_(LogLevel::error,
              "not in step within " + std::to_string(options_.timeout) + " s; " + lastReason_);
         end(1);
-    });
+    }));
 }
 
 void Agent::end(int exitCode) {
     exitCode_ = exitCode;
-    asio::post(loop_, [this] {
+    asio::post(loop_, tether_.tie([this] {
         stop();
         loop_.stop();
-    });
+    }));
 }
 
 void Agent::onStep() {

@@ -7,6 +7,7 @@
 //
 // What stands in the tree is all of its interface: whoever has root() configures and watches it.
 
+#include <ovsdb/rpc/Tether.h>
 #include <vgwd/agent/ConfigReactor.h>
 #include <vgwd/agent/DatabaseSession.h>
 #include <vgwd/agent/LogOutputs.h>
@@ -72,6 +73,7 @@ class Agent final : private SessionListener {
     Ovsdb::LogSink log_;
     asio::signal_set signals_;
     asio::steady_timer timeout_;
+    Ovsdb::Tether tether_;
     StateTree tree_;
     FileLock lock_;
     DatabaseSession session_;

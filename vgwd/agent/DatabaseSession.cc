@@ -108,7 +108,6 @@ void DatabaseSession::onPlan(Ovsdb::MonitorPlan const& plan) {
 void DatabaseSession::onChanges(std::vector<Ovsdb::RowChange> const& changes) {
     DatabaseWriter::Working const working(writer_);
     mirror_.apply(changes);
-    writer_.handleApplied(changes);
     report_.step(changes);
     listener_.onStep();
 }

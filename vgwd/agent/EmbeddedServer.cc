@@ -2,6 +2,7 @@
 
 #include <vgwd/agent/ChildProcess.h>
 #include <vgwd/agent/RunDirectory.h>
+#include <vgwd/serve/UnixSocket.h>
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -139,7 +140,8 @@ void EmbeddedServer::launch() {
 }
 
 void EmbeddedServer::awaitSocket() {
-    if (!std::filesystem::exists(file("db.sock"))) return after(look, &EmbeddedServer::awaitSocket);
+    // It binds before it listens, and refuses who comes in between.
+    if (!isListening(file("db.sock"))) return after(look, &EmbeddedServer::awaitSocket);
     deaths_ = 0;
     handlers_.listening();
 }
@@ -148,7 +150,7 @@ void EmbeddedServer::handleChild() {
     int status = 0;
     if (server_ == 0 || ::waitpid(server_, &status, WNOHANG) == 0) return;
     pid_t const ended = std::exchange(server_, 0);
-    ++step_;
+    step_.cut();
     if (ending_) return handleEnd();
     std::string const reason = "our ovsdb-server, process " + std::to_string(ended) +
                                ", ended; its log is " + file("ovsdb-server.log");
@@ -158,7 +160,7 @@ void EmbeddedServer::handleChild() {
 
 // It ended as it was told to.
 void EmbeddedServer::handleEnd() {
-    ++step_;
+    step_.cut();
     timer_.cancel();
     if (!persist_) removeDatabase();
     if (wanted_) begin();
@@ -179,7 +181,7 @@ void EmbeddedServer::kill() {
 }
 
 void EmbeddedServer::stop() {
-    ++step_;
+    step_.cut();
     timer_.cancel();
     wanted_ = false;
     ending_ = true;
@@ -202,9 +204,10 @@ void EmbeddedServer::removeDatabase() const {
 
 void EmbeddedServer::after(milliseconds wait, void (EmbeddedServer::*step)()) {
     timer_.expires_after(wait);
-    timer_.async_wait([this, step, at = ++step_](std::error_code error) {
-        if (!error && at == step_) (this->*step)();
-    });
+    step_.cut();
+    timer_.async_wait(step_.tie([this, step](std::error_code error) {
+        if (!error) (this->*step)();
+    }));
 }
 
 }  // namespace Vgwd

@@ -16,6 +16,7 @@
 #include <ovsdb/client/Backoff.h>
 #include <ovsdb/client/Log.h>
 #include <ovsdb/remote/Remote.h>
+#include <ovsdb/rpc/Tether.h>
 #include <vgwd/agent/Options.h>
 
 #include <asio/io_context.hpp>
@@ -23,7 +24,6 @@
 
 #include <sys/types.h>
 #include <chrono>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -77,8 +77,8 @@ class EmbeddedServer {
     Ovsdb::Backoff backoff_;
     pid_t server_ = 0;  // 0: none runs
     Clock::time_point launched_;
-    std::uint64_t step_ = 0;  // a timer of an earlier one is late
-    int deaths_ = 0;          // since it last listened
+    Ovsdb::Tether step_;  // cut at each
+    int deaths_ = 0;      // since it last listened
     bool wanted_ = false;
     bool ending_ = false;  // it was told to end
     bool persist_ = true;

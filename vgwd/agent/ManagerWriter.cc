@@ -77,9 +77,9 @@ void ManagerWriter::handleOutcome(std::string const& target, Ovsdb::RpcError con
 
 void ManagerWriter::retry() {
     retry_.expires_after(backoff_.next());
-    retry_.async_wait([this](std::error_code error) {
+    retry_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) write();
-    });
+    }));
 }
 
 }  // namespace Vgwd

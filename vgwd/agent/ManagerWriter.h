@@ -13,6 +13,7 @@
 
 #include <ovsdb/client/Backoff.h>
 #include <ovsdb/client/Client.h>
+#include <ovsdb/rpc/Tether.h>
 #include <vgw/tables/HwVtepOvsdb.h>
 
 #include <asio/io_context.hpp>
@@ -44,6 +45,7 @@ class ManagerWriter {
     Vgw::HwVtepOvsdb::Ptr database_;
     Ovsdb::LogSink log_;
     asio::steady_timer retry_;
+    Ovsdb::Tether tether_;
     Ovsdb::Backoff backoff_;
     std::string wanted_;
     std::set<std::string> written_;  // what the database may name because of us

@@ -84,9 +84,9 @@ void ServiceNotice::watch() {
     if (socket_ < 0 || interval_.count() == 0) return;
     tell("WATCHDOG=1");
     watch_.expires_after(interval_);
-    watch_.async_wait([this](std::error_code error) {
+    watch_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) watch();
-    });
+    }));
 }
 
 }  // namespace Vgwd

@@ -7,6 +7,8 @@
 // When the manager watches (WATCHDOG_USEC), it is told twice within that time that the event loop
 // goes round; an agent that hangs is ended and started again.
 
+#include <ovsdb/rpc/Tether.h>
+
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 
@@ -37,6 +39,7 @@ class ServiceNotice {
     std::string address_;
     std::chrono::microseconds interval_{0};  // 0: nobody watches
     asio::steady_timer watch_;
+    Ovsdb::Tether tether_;
 };
 
 }  // namespace Vgwd

@@ -115,9 +115,9 @@ void SessionBooks::rearm() {
                                              : config_->restartSyncLimit());
     if (steady_clock::now() - since_ >= limit) return reportOverdue();
     overdue_.expires_at(since_ + limit);
-    overdue_.async_wait([this](std::error_code error) {
+    overdue_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) rearm();
-    });
+    }));
 }
 
 void SessionBooks::reportOverdue() {

@@ -18,6 +18,7 @@
 // transaction goes well while the schema lacks something: that state is stateDisconnected.
 
 #include <ovsdb/client/ClientListener.h>
+#include <ovsdb/rpc/Tether.h>
 #include <vgw/agent/Config.h>
 #include <vgw/agent/OvsdbSessionStatus.h>
 
@@ -59,6 +60,7 @@ class SessionBooks {
     void stateIs(Vgw::SessionState state);
 
     asio::steady_timer overdue_;
+    Ovsdb::Tether tether_;
     Vgw::OvsdbSessionStatus::Ptr session_;
     Vgw::Config::Ptr config_;
     Vgw::Config::NotifieeConst::Ptr limits_;

@@ -49,6 +49,10 @@ std::string TreeServer::whyReadOnly(std::string const& path, Qor::Entity& entity
     return isWritable ? std::string() : path + " may only be read";
 }
 
+std::size_t TreeServer::rowsWaiting(std::string const& identity) {
+    return database_.writer().newRowsOf(identity);
+}
+
 void TreeServer::onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) {
     if (&entity == tree_.config().ptr()) return keepPaths(peer, std::abs(attribute));
     database_.writer().handleWritten(peer.identity().name, entity, attribute);

@@ -34,6 +34,7 @@ class TreeServer final : private ServerListener {
   private:
     std::string whyReadOnly(std::string const& path, Qor::Entity& entity) override;
     std::string whyNotCalled(std::string const& path, Qor::Entity& entity) override;
+    std::size_t rowsWaiting(std::string const& identity) override;
     void onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) override;
     void onTraffic(Peer const& peer) override;
 

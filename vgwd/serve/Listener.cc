@@ -89,9 +89,9 @@ void Listener::admit() {
 }
 
 void Listener::await() {
-    socket_.async_wait(socket_.wait_read, [this](std::error_code error) {
+    socket_.async_wait(socket_.wait_read, tether_.tie([this](std::error_code error) {
         if (!error) acceptSome();
-    });
+    }));
 }
 
 void Listener::acceptSome() {
@@ -113,9 +113,9 @@ void Listener::pause() {
         log_(Ovsdb::LogLevel::error,
              address_.text() + ": connections can't be taken: " + std::strerror(errno));
     pause_.expires_after(shortPause);
-    pause_.async_wait([this](std::error_code error) {
+    pause_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) await();
-    });
+    }));
 }
 
 }  // namespace Vgwd

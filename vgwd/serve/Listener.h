@@ -5,6 +5,7 @@
 // descriptor left, that is said once and tried again a moment later.
 
 #include <ovsdb/client/Log.h>
+#include <ovsdb/rpc/Tether.h>
 #include <vgwd/serve/FileLock.h>
 #include <vgwd/serve/ServeOptions.h>
 
@@ -44,6 +45,7 @@ class Listener {
     FileLock lock_;  // of a socket outside of the run directory
     asio::posix::stream_descriptor socket_;
     asio::steady_timer pause_;
+    Ovsdb::Tether tether_;
     Accept accept_;
     Ovsdb::LogSink log_;
     bool isShort_ = false;  // of descriptors, and said so

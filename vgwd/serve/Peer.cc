@@ -171,6 +171,7 @@ Qor::String8 Peer::onAsked(Qor::String8 const& path, bool writable, Qor::Entity&
     if (writable) {
         std::string const why = host_.whyReadOnly(std::string(path.view()), entity);
         if (!why.empty()) return std::string_view(why);
+        if (std::string const full = whyNoMoreRows(); !full.empty()) return std::string_view(full);
     }
     if (host_.quotas().takeMount(identity_.name)) {
         ++taken_.mounts;
@@ -216,9 +217,17 @@ void Peer::countHeld() {
         bool const isWithin = quotas.moveEntities(identity_.name, taken_.entities, held);
         taken_.entities = held;
         if (!isWithin)
-            closeFor(identity_.name + " has made more than " +
-                     std::to_string(quotas.limits().entities) + " entities");
+            return closeFor(identity_.name + " has made more than " +
+                            std::to_string(quotas.limits().entities) + " entities");
+        if (std::string const full = whyNoMoreRows(); !full.empty()) closeFor(full);
     }
+}
+
+// What it has made stays when its session ends, and is its own until the database has it.
+std::string Peer::whyNoMoreRows() const {
+    Qor::U64 const most = host_.quotas().limits().entities;
+    if (host_.rowsWaiting(identity_.name) < most) return {};
+    return std::to_string(most) + " rows of " + identity_.name + " wait for the database already";
 }
 
 void Peer::closeFor(std::string const& reason) {

@@ -77,6 +77,7 @@ class Peer final : public std::enable_shared_from_this<Peer>,
     bool serve();
     void noteTraffic();
     void countHeld();
+    std::string whyNoMoreRows() const;
     void closeFor(std::string const& reason);
     void await();
     void awaitReadable();

@@ -64,9 +64,9 @@ PeerBooks::PeerBooks(asio::io_context& loop, Qor::Dir::Ptr sessions, Server cons
 void PeerBooks::handleTraffic() {
     if (std::exchange(isDue_, true)) return;
     timer_.expires_at(std::max(last_ + interval, Clock::now()));
-    timer_.async_wait([this](std::error_code error) {
+    timer_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) publish();
-    });
+    }));
 }
 
 void PeerBooks::publish() {

@@ -8,6 +8,7 @@
 // is traffic too, to those who mount the directory; so what goes out because of it is excused
 // (Peer::excuse()), and counts only once something else happens. At rest nothing goes on.
 
+#include <ovsdb/rpc/Tether.h>
 #include <qor/tree/Dir.h>
 #include <vgwd/model/PeerSession.h>
 #include <vgwd/serve/Server.h>
@@ -37,6 +38,7 @@ class PeerBooks {
     Qor::Dir::Ptr sessions_;
     Server const& server_;
     asio::steady_timer timer_;
+    Ovsdb::Tether tether_;
     Clock::time_point last_;
     bool isDue_ = false;
 };

@@ -10,6 +10,7 @@
 
 #include <openssl/types.h>
 
+#include <cstddef>
 #include <string>
 
 namespace Vgwd {
@@ -31,6 +32,8 @@ class PeerHost {
     virtual std::string whyReadOnly(std::string const& path, Qor::Entity& entity) = 0;
     /// Why nobody may call operations of what stands at that path; empty: writers may.
     virtual std::string whyNotCalled(std::string const& path, Qor::Entity& entity) = 0;
+    /// How many rows of an identity wait for the database, whatever became of its connections.
+    virtual std::size_t rowsWaiting(std::string const& identity) = 0;
     /// A writer's record was applied.
     virtual void handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) = 0;
     /// Something went over the connection, or what it has changed.

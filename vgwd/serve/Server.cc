@@ -46,9 +46,9 @@ void Server::start(ServeOptions options) {
     }
     if (options_.admission.count() == 0) return admit();
     admission_.expires_after(options_.admission);
-    admission_.async_wait([this](std::error_code error) {
+    admission_.async_wait(tether_.tie([this](std::error_code error) {
         if (!error) admit();
-    });
+    }));
 }
 
 void Server::admit() {
@@ -103,6 +103,10 @@ std::string Server::whyReadOnly(std::string const& path, Qor::Entity& entity) {
 
 std::string Server::whyNotCalled(std::string const& path, Qor::Entity& entity) {
     return listener_.whyNotCalled(path, entity);
+}
+
+std::size_t Server::rowsWaiting(std::string const& identity) {
+    return listener_.rowsWaiting(identity);
 }
 
 void Server::handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) {

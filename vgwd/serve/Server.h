@@ -4,6 +4,7 @@
 // Serves the tree to other processes: listens, and keeps a session with each that connects and may
 // (Access.h). All of it runs on the agent's event loop, beside the mirror and without waiting.
 
+#include <ovsdb/rpc/Tether.h>
 #include <vgwd/serve/Listener.h>
 #include <vgwd/serve/Peer.h>
 #include <vgwd/serve/PeerHost.h>
@@ -26,6 +27,8 @@ class ServerListener {
     virtual std::string whyReadOnly(std::string const& path, Qor::Entity& entity) = 0;
     /// Why nobody may call operations of what stands at that path; empty: writers may.
     virtual std::string whyNotCalled(std::string const& path, Qor::Entity& entity) = 0;
+    /// How many rows that writers of an identity have made wait for the database.
+    virtual std::size_t rowsWaiting(std::string const& identity) = 0;
     /// A writer has changed an attribute.
     virtual void onWritten(Peer const& peer, Qor::Entity& entity, Qor::AttributeId attribute) = 0;
     /// A session began, ended, or something went over it.
@@ -61,6 +64,7 @@ class Server final : private PeerHost {
     void log(Ovsdb::LogLevel level, std::string const& text) override { log_(level, text); }
     std::string whyReadOnly(std::string const& path, Qor::Entity& entity) override;
     std::string whyNotCalled(std::string const& path, Qor::Entity& entity) override;
+    std::size_t rowsWaiting(std::string const& identity) override;
     void handleWritten(Peer& peer, Qor::Entity& entity, Qor::AttributeId attribute) override;
     void handleTraffic(Peer& peer) override { listener_.onTraffic(peer); }
     void handleEnded(Peer& peer) override;
@@ -75,6 +79,7 @@ class Server final : private PeerHost {
     std::optional<Quotas> quotas_;
     std::optional<TlsContext> tls_;
     asio::steady_timer admission_;
+    Ovsdb::Tether tether_;
     std::vector<std::unique_ptr<Listener>> listeners_;
     std::vector<std::shared_ptr<Peer>> peers_;
     std::uint64_t made_ = 0;  // peers so far: each has a name of its own

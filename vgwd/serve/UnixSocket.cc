@@ -86,6 +86,14 @@ void letIn(std::string const& path, SocketGroups const& groups) {
 
 }  // namespace
 
+bool isListening(std::string const& path) {
+    sockaddr_un const address = addressOf(path);
+    Descriptor const probe(newSocket(path));
+    return ::connect(probe.get(), reinterpret_cast<sockaddr const*>(&address), sizeof address) ==
+               0 ||
+           errno == EAGAIN;
+}
+
 int listenUnix(std::string const& path, SocketGroups const& groups) {
     sockaddr_un const address = addressOf(path);
     Descriptor listening(newSocket(path));
@@ -94,8 +102,8 @@ int listenUnix(std::string const& path, SocketGroups const& groups) {
         removeStale(path, address);
         need(bindAt(listening.get(), address), path, "bind");
     }
-    letIn(path, groups);
     need(::listen(listening.get(), backlog) == 0, path, "listen");
+    letIn(path, groups);
     return listening.release();
 }
 

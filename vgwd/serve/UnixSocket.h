@@ -22,6 +22,9 @@ struct SocketGroups {
 /// The listening socket, which does not block. Raises std::runtime_error, which names the path.
 /// REQUIRES: the caller holds the path's lock.
 int listenUnix(std::string const& path, SocketGroups const& groups);
+/// Whether somebody takes connections there, now or when he comes to it. Raises std::runtime_error
+/// when that can't be asked.
+bool isListening(std::string const& path);
 
 }  // namespace Vgwd
 

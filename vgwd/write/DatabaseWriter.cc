@@ -12,6 +12,9 @@ using Ovsdb::Table;
 
 namespace {
 
+// Rows of which watches are kept before those are looked for that have ended.
+constexpr std::size_t leastSwept = 64;
+
 // What the row says; a peer may have put anything into the directory.
 Qor::String8 uuidOf(Qor::Entity const& row) {
     if (auto const* const unicast = dynamic_cast<Vgw::UcastMacsLocal const*>(&row))
@@ -35,8 +38,7 @@ bool isLogicalSwitch(Table table, Qor::AttributeId attribute) {
 std::map<Kelp::IpAddr, bool> differenceOf(LocatorSet const& there, MacChanges const& known,
                                           Vgw::McastMacsLocal const& row) {
     std::map<Kelp::IpAddr, bool> before;
-    for (auto const& [uuid, address] : there.members)
-        if (address) before[*address] = true;
+    for (Kelp::IpAddr const address : there.addresses()) before[address] = true;
     for (auto const& [address, isThere] : known.vtepIps) before[address] = isThere;
     std::map<Kelp::IpAddr, bool> changed;
     for (auto const& [address, isThere] : before)
@@ -66,10 +68,7 @@ DatabaseWriter::DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ov
         watch->notifierIs(Qor::Dir::PtrConst(&directory(table)));
         watches_[table] = watch;
     }
-    mirror_.overlayIs([this](Table table, Ovsdb::Uuid const& uuid, Vgw::OvsdbDataModel& staged) {
-        auto const found = work_.find({table, uuid.text()});
-        if (found != work_.end()) put(staged, found->second);
-    });
+    mirror_.overlayIs(static_cast<Ovsdb::Overlay*>(this));
 }
 
 DatabaseWriter::~DatabaseWriter() {
@@ -87,7 +86,10 @@ bool DatabaseWriter::open(Qor::Entity& entity) {
         if (&entity == &directory(table) || entity.qorParent() == &directory(table)) return true;
     auto const table = writableTable(entity);
     if (!table || entity.qorParent() != &mirror_.database()) return false;
-    std::erase_if(rowWatches_, [](auto const& watch) { return !watch.second->qorNotifier(); });
+    if (rowWatches_.size() >= sweepWatches_) {
+        std::erase_if(rowWatches_, [](auto const& watch) { return !watch.second->qorNotifier(); });
+        sweepWatches_ = 2 * rowWatches_.size() + leastSwept;
+    }
     Place const place(*table, std::string(entity.qorName().view()));
     auto const found = rowWatches_.find(place);
     if (found != rowWatches_.end() && found->second->qorNotifier() == &entity) return true;
@@ -99,7 +101,8 @@ bool DatabaseWriter::open(Qor::Entity& entity) {
 
 void DatabaseWriter::handleWritten(std::string const& peer, Qor::Entity& entity,
                                    Qor::AttributeId attribute) {
-    for (Place const& place : std::exchange(unsigned_, {})) touch(place, peer);
+    for (Place const& place : std::exchange(unsigned_, {}))
+        if (work_.contains(place)) touch(place, peer);
     for (Table const table : {Table::ucastMacsLocal, Table::mcastMacsLocal})
         if (entity.qorParent() == &directory(table))
             return handleMacWritten(peer, table, entity, std::abs(attribute));
@@ -108,10 +111,15 @@ void DatabaseWriter::handleWritten(std::string const& peer, Qor::Entity& entity,
 }
 
 void DatabaseWriter::handleEntry(Table table, Qor::Name const& name) {
-    noteMade({table, std::string(name.view())});
+    Place const place(table, std::string(name.view()));
+    noteMade(place);
     if (working_ != 0) return;
-    unsigned_.emplace_back(table, std::string(name.view()));
-    touch(unsigned_.back(), {});
+    auto const found = work_.find(place);
+    bool const isUnderWay = found != work_.end() && (found->second.isSent || found->second.wasLost);
+    // It came and went before the database heard of it.
+    if (!isUnderWay && !directory(table).entry(name) && !isInDatabase(place)) return forget(place);
+    unsigned_.push_back(place);
+    touch(place, {});
 }
 
 // Which row a peer has made there, or none any more.
@@ -141,32 +149,38 @@ void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor:
     Place const place(table, nameOf(table, row));
     Pending& pending = touch(place, peer);
     if (!isInDatabase(place)) return;
+    auto* const unicast = dynamic_cast<Vgw::UcastMacsLocal*>(&row);
+    auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(&row);
     if (mirror_.macRow(table, *Ovsdb::Uuid::parse(place.second)).ptr() != &row)
         pending.refusal = "the row is there already";
-    else if (isVtepIp(table, attribute) || isLogicalSwitch(table, attribute))
-        noteMac(place, pending, row, attribute);
-    else
+    else if (isLogicalSwitch(table, attribute))
+        pending.wanted.mac.logicalSwitch = std::string(
+            (unicast != nullptr ? unicast->logicalSwitch() : multicast->logicalSwitch()).view());
+    else if (!isVtepIp(table, attribute))
         pending.refusal =
             std::string(row.attributeString(attribute).view()) + " may not be written";
+    else if (unicast != nullptr)
+        pending.wanted.mac.vtepIp = unicast->vtepIp();
+    else
+        noteVteps(place, pending, *multicast);
 }
 
-void DatabaseWriter::noteMac(Place const& place, Pending& pending, Qor::Entity const& row,
-                             Qor::AttributeId attribute) {
-    Table const table = place.first;
-    auto const* const multicast = dynamic_cast<Vgw::McastMacsLocal const*>(&row);
-    MacContent const content = *macContentOf(row);
+// What has changed is found out once; from then on each change is heard by its address.
+void DatabaseWriter::noteVteps(Place const& place, Pending& pending, Vgw::McastMacsLocal& row) {
+    if (pending.vteps && pending.vteps->qorNotifier() == &row) return;
+    MacChanges known = pending.sent.mac;
+    known.add(pending.wanted.mac);
     MacChanges changes;
-    if (isLogicalSwitch(table, attribute)) {
-        changes.logicalSwitch = content.logicalSwitch;
-    } else if (multicast == nullptr) {
-        changes.vtepIp = content.vtepIps.empty() ? Kelp::IpAddr() : content.vtepIps.front();
-    } else {
-        MacChanges known = pending.sent.mac;
-        known.add(pending.wanted.mac);
-        changes.vtepIps =
-            differenceOf(locatorSetOf(client_.rows(), table, place.second), known, *multicast);
-    }
+    changes.vtepIps =
+        differenceOf(locatorSetOf(client_.rows(), place.first, place.second), known, row);
     pending.wanted.mac.add(changes);
+    pending.vteps = watchVteps(row, [this, place](Kelp::IpAddr address, bool isThere) {
+        handleVtep(place, address, isThere);
+    });
+}
+
+void DatabaseWriter::handleVtep(Place const& place, Kelp::IpAddr address, bool isThere) {
+    if (working_ == 0) touch(place, {}).wanted.mac.vtepIps[address] = isThere;
 }
 
 void DatabaseWriter::handleRowWritten(std::string const& peer, Table table, Qor::Entity& row,
@@ -179,45 +193,46 @@ void DatabaseWriter::handleRowWritten(std::string const& peer, Table table, Qor:
         pending.wanted.row.columns[written.column] = written.value;
 }
 
-// Within the mirror's step nothing else changes the tree.
-void DatabaseWriter::handleApplied(std::vector<Ovsdb::RowChange> const& changes) {
-    if (work_.empty()) return;
-    bool haveLocatorsChanged = false;
-    for (Ovsdb::RowChange const& change : changes) {
-        bool const isOfLocators =
-            change.table == Table::physicalLocator || change.table == Table::physicalLocatorSet;
-        haveLocatorsChanged |= isOfLocators && change.before;
-        auto const found = work_.find({change.table, change.uuid.text()});
-        if (found != work_.end()) putBack(found->first, found->second);
-    }
-    if (!haveLocatorsChanged) return;
-    // Where a MAC row's VTEPs are stands in those.
-    for (auto const& [place, pending] : work_)
-        if (isLocalMac(place.first)) putBack(place, pending);
-}
-
 DatabaseWriter::Pending& DatabaseWriter::touch(Place const& place, std::string const& peer) {
-    Pending& pending = work_[place];
+    auto const [found, isFirst] = work_.try_emplace(place);
+    Pending& pending = found->second;
+    if (isFirst) pending.isNew = isLocalMac(place.first) && !isInDatabase(place);
     pending.touched = Clock::now();
     if (!std::exchange(pending.isDue, true)) pending.begun = pending.touched;
-    if (!peer.empty()) pending.peer = peer;
-    schedule();
+    if (!peer.empty()) peerIs(pending, peer);
+    turnIs(place, pending, gatheredAt(place, pending));
     return pending;
+}
+
+void DatabaseWriter::peerIs(Pending& pending, std::string const& peer) {
+    if (pending.peer == peer) return;
+    if (pending.isNew && !peer.empty()) ++newRows_[peer];
+    auto const before = newRows_.find(pending.peer);
+    if (pending.isNew && before != newRows_.end() && --before->second == 0) newRows_.erase(before);
+    pending.peer = peer;
+}
+
+std::size_t DatabaseWriter::newRowsOf(std::string const& peer) const {
+    auto const found = newRows_.find(peer);
+    return found == newRows_.end() ? 0 : found->second;
+}
+
+void DatabaseWriter::forget(Place const& place) {
+    auto const found = work_.find(place);
+    if (found == work_.end()) return;
+    noTurn(found->second);
+    peerIs(found->second, {});
+    work_.erase(found);
+}
+
+bool DatabaseWriter::covers(Table table, Ovsdb::Uuid const& uuid) const {
+    return !work_.empty() && work_.contains({table, uuid.text()});
 }
 
 void DatabaseWriter::inStepIs(bool inStep) {
     if (inStep && !inStep_) takesUuids_ = true;
     inStep_ = inStep;
-    schedule();
-}
-
-void DatabaseWriter::schedule() {
-    if (!inStep_ || work_.empty() || std::exchange(isScheduled_, true)) return;
-    timer_.expires_after(gathering);
-    timer_.async_wait([this](std::error_code error) {
-        isScheduled_ = false;
-        if (!error) run();
-    });
+    run();
 }
 
 bool DatabaseWriter::isInDatabase(Place const& place) const {

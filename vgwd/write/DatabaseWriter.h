@@ -8,11 +8,10 @@
 // as one transaction a row, one at a time for each row. Members of sets and maps are kept and sent
 // one by one (RowChanges.h). What a row holds beside the database meanwhile is what the peer made
 // of it, so that whatever a peer does to it afterwards is a change, and heard: the mirror asks for
-// it where it stages a row, and what it writes by setters is put back at once. When the
-// database refuses it, or when it may not be written at all, the row is made again what the
-// database says, and why is told in the report and the log. A MAC row that a peer makes stands
-// under the peer's name until the database has it, and under its UUID from then on. What is written
-// while the mirror is not in step waits until it is.
+// it wherever it writes such a row. When the database refuses it, or when it may not be written at
+// all, the row is made again what the database says, and why is told in the report and the log. A
+// MAC row that a peer makes stands under the peer's name until the database has it, and under its
+// UUID from then on. What is written while the mirror is not in step waits until it is.
 //
 // What was sent when the connection was lost may have been carried out, or may still be. It is sent
 // again: all transactions but one may be carried out twice. A MAC row is made under a UUID of our
@@ -24,8 +23,9 @@
 
 #include <ovsdb/client/Client.h>
 #include <ovsdb/mirror/Mirror.h>
+#include <ovsdb/rpc/Tether.h>
 #include <qor/tree/Dir.h>
-#include <vgwd/write/MacRequest.h>
+#include <vgwd/write/PendingWrite.h>
 #include <vgwd/write/RowMembers.h>
 #include <vgwd/write/WrittenValue.h>
 
@@ -50,7 +50,7 @@ class WriteListener {
                           std::string const& reason) = 0;
 };
 
-class DatabaseWriter {
+class DatabaseWriter final : private Ovsdb::Overlay {
   public:
     /// While one lives, what changes in the tree is no peer's doing.
     class Working {
@@ -66,50 +66,23 @@ class DatabaseWriter {
 
     DatabaseWriter(asio::io_context& loop, Ovsdb::Client& client, Ovsdb::Mirror& mirror,
                    WriteListener& listener);
-    ~DatabaseWriter();
+    ~DatabaseWriter() override;
 
     /// Whether there is something in the entity that peers may write. What they do there is heard
     /// from then on.
     bool open(Qor::Entity& entity);
     /// A peer of that identity has changed an attribute of it.
     void handleWritten(std::string const& peer, Qor::Entity& entity, Qor::AttributeId attribute);
-    /// The mirror has been brought up to date with those.
-    void handleApplied(std::vector<Ovsdb::RowChange> const& changes);
     void inStepIs(bool inStep);
     void stop();
+    /// How many rows that peers of that identity have made wait for the database.
+    std::size_t newRowsOf(std::string const& peer) const;
 
   private:
-    using Clock = std::chrono::steady_clock;
-    // What comes within this time goes together,
-    static constexpr std::chrono::milliseconds gathering{20};
-    // and what goes on coming, after that one.
-    static constexpr std::chrono::milliseconds mostGathering{200};
-    using Place = std::pair<Ovsdb::Table, std::string>;  // and the row's name there
+    using Pending = PendingWrite;
+    using Clock = Pending::Clock;
+    using Turns = Pending::Turns;
     class DirectoryWatch;
-
-    // What is to be done about a row that the database has.
-    struct Wanted {
-        RowChanges row;
-        MacChanges mac;
-
-        bool isEmpty() const { return row.isEmpty() && mac.isEmpty(); }
-    };
-    struct Pending {
-        std::string peer;
-        Wanted wanted;
-        Wanted sent;                     // by the transaction that is under way
-        std::optional<MacContent> made;  // as which a new MAC row was sent,
-        std::string uuid;                // and under which UUID
-        std::string refusal;             // what was written may not be
-        Clock::time_point begun;
-        Clock::time_point touched;
-        bool isDue = false;
-        bool isSent = false;                       // a transaction is under way
-        bool makesLocators = false;                // it does
-        std::optional<Clock::time_point> clashed;  // first, with what another did
-        int losses = 0;                            // of the connection, while it was under way
-    };
-    using Work = std::map<Place, Pending>;
 
     Qor::Dir& directory(Ovsdb::Table table) const;
     std::string nameOf(Ovsdb::Table table, Qor::Entity const& row) const;
@@ -121,15 +94,27 @@ class DatabaseWriter {
     void handleMember(Place const& place, WrittenMember const& written);
     void handleMacWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
                           Qor::AttributeId attribute);
-    void noteMac(Place const& place, Pending& pending, Qor::Entity const& row,
-                 Qor::AttributeId attribute);
+    void noteVteps(Place const& place, Pending& pending, Vgw::McastMacsLocal& row);
+    void handleVtep(Place const& place, Kelp::IpAddr address, bool isThere);
     void handleRowWritten(std::string const& peer, Ovsdb::Table table, Qor::Entity& row,
                           Qor::AttributeId attribute);
     Pending& touch(Place const& place, std::string const& peer);
+    void peerIs(Pending& pending, std::string const& peer);
+    void forget(Place const& place);
 
+    bool covers(Ovsdb::Table table, Ovsdb::Uuid const& uuid) const override;
+    void put(Ovsdb::Table table, Ovsdb::Uuid const& uuid,
+             Vgw::OvsdbDataModel& staged) const override;
+
+    void turnIs(Place const& place, Pending& pending, Clock::time_point at);
+    void noTurn(Pending& pending);
+    void nextTurnIs(Place const& place);
+    void wasLostIs(Pending& pending, bool wasLost);
+    Clock::time_point gatheredAt(Place const& place, Pending const& pending) const;
+    Turns* upNow(Clock::time_point now);
     void schedule();
-    bool isGathered(Place const& place, Pending const& pending, Clock::time_point now) const;
     void run();
+    void attend(Place const& place, Clock::time_point now);
     void work(Place const& place, Pending& pending);
     void workOnMac(Place const& place, Pending& pending);
     void workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row);
@@ -146,25 +131,29 @@ class DatabaseWriter {
     static void takeBack(Pending& pending);
     void undo(Place const& place, std::string const& reason);
     void restore(Place const& place);
-    void putBack(Place const& place, Pending const& pending);
-    static void put(Vgw::OvsdbDataModel& row, Pending const& pending);
     void resetMarks(Place const& place);
 
     Ovsdb::Client& client_;
     Ovsdb::Mirror& mirror_;
     WriteListener& listener_;
     asio::steady_timer timer_;
+    Ovsdb::Tether tether_;
     std::map<Ovsdb::Table, Qor::Dir::NotifieeConst::Ptr> watches_;
     std::map<Place, Qor::PtrInterface::NotifieeConst::Ptr> rowWatches_;
-    Work work_;
+    std::map<Place, Pending> work_;
+    Turns turns_;
+    Turns lostTurns_;  // of what was under way when the connection was lost
+    std::map<std::string, std::size_t> newRows_;  // in work_, by the peer
     // The rows that peers have put into the directories; where each stood when it was told.
     std::map<Place, Qor::Entity const*> madeAt_;
     std::map<Qor::Entity const*, Place> made_;
-    std::vector<Place> unsigned_;  // changed by a peer that is not known yet
-    std::size_t sent_ = 0;         // transactions under way
+    std::vector<Place> unsigned_;   // changed by a peer that is not known yet
+    std::size_t sent_ = 0;          // transactions under way
+    std::size_t sweepWatches_ = 0;  // of so many rows, for those that have ended
     int working_ = 0;
     bool inStep_ = false;
-    bool isScheduled_ = false;
+    bool isLostSent_ = false;  // one that was under way before is, alone
+    Clock::time_point scheduled_ = Clock::time_point::max();
     bool takesUuids_ = true;  // the server; until it says otherwise
 };
 

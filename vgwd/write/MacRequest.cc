@@ -69,13 +69,14 @@ json newLocatorSet(MacContent const& content, Vgw::HwVtepOvsdb const& database, 
 
 json newLocatorSet(MacChanges const& changes, LocatorSet const& there,
                    Vgw::HwVtepOvsdb const& database, json& operations) {
+    std::set<Kelp::IpAddr> const known = there.addresses();
     json members = json::array();
     for (auto const& [row, address] : there.members) {
         auto const changed = address ? changes.vtepIps.find(*address) : changes.vtepIps.end();
         if (changed == changes.vtepIps.end() || changed->second) members.push_back(uuid(row));
     }
     for (auto const& [address, isThere] : changes.vtepIps)
-        if (isThere && !there.has(address))
+        if (isThere && !known.contains(address))
             members.push_back(locatorAt(address, database, operations));
     return newLocatorSet(std::move(members), operations);
 }
@@ -167,9 +168,11 @@ void MacChanges::add(MacChanges const& later) {
     for (auto const& [address, isThere] : later.vtepIps) vtepIps[address] = isThere;
 }
 
-bool LocatorSet::has(Kelp::IpAddr address) const {
-    return std::any_of(members.begin(), members.end(),
-                       [&](auto const& member) { return member.second == address; });
+std::set<Kelp::IpAddr> LocatorSet::addresses() const {
+    std::set<Kelp::IpAddr> addresses;
+    for (auto const& [row, address] : members)
+        if (address) addresses.insert(*address);
+    return addresses;
 }
 
 LocatorSet locatorSetOf(Ovsdb::RowStore const& rows, Table table, std::string const& row) {

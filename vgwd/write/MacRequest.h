@@ -17,6 +17,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -46,7 +47,7 @@ struct LocatorSet {
     std::string uuid;
     std::map<std::string, std::optional<Kelp::IpAddr>> members;  ///< by UUID; none: not IPv4
 
-    bool has(Kelp::IpAddr address) const;
+    std::set<Kelp::IpAddr> addresses() const;
 };
 
 constexpr bool isLocalMac(Ovsdb::Table table) {

@@ -55,8 +55,19 @@ class SwitchWatch final : public PhysicalSwitch::NotifieeConst {
     MemberHandler const handler_;
 };
 
-template <class Watch>
-Qor::Ptr<Watch> watchOf(Qor::Entity& row, MemberHandler handler) {
+class VtepWatch final : public Vgw::McastMacsLocal::NotifieeConst {
+  public:
+    using Handler = std::function<void(Kelp::IpAddr, bool)>;
+
+    explicit VtepWatch(Handler handler) : handler_(std::move(handler)) {}
+    void onVtepIp(Kelp::IpAddr key) override { handler_(key, notifier()->vtepIp(key)); }
+
+  private:
+    Handler const handler_;
+};
+
+template <class Watch, class Handler>
+Qor::Ptr<Watch> watchOf(Qor::Entity& row, Handler handler) {
     auto watch = Qor::make<Watch>(std::move(handler));
     watch->isWeakReferenceIs(true);
     watch->notifierIs(Qor::Ptr<Qor::PtrInterface const>(&row));
@@ -120,6 +131,11 @@ Qor::PtrInterface::NotifieeConst::Ptr watchMembers(Qor::Entity& row, MemberHandl
     if (dynamic_cast<PhysicalPort*>(&row)) return watchOf<PortWatch>(row, std::move(handler));
     if (dynamic_cast<PhysicalSwitch*>(&row)) return watchOf<SwitchWatch>(row, std::move(handler));
     return nullptr;
+}
+
+Qor::PtrInterface::NotifieeConst::Ptr watchVteps(Vgw::McastMacsLocal& row,
+                                                 std::function<void(Kelp::IpAddr, bool)> handler) {
+    return watchOf<VtepWatch>(row, std::move(handler));
 }
 
 void putMembers(Qor::Entity& row, MemberChanges const& changes, bool isUnderWay) {

@@ -7,6 +7,7 @@
 
 #include <qor/entity/Entity.h>
 #include <qor/notify/NotifieeConst.h>
+#include <vgw/tables/McastMacsLocal.h>
 #include <vgwd/write/RowChanges.h>
 
 #include <functional>
@@ -26,6 +27,9 @@ using MemberHandler = std::function<void(WrittenMember const&)>;
 /// Hears of the row's members until it or the row ends; null if nothing of the row is written by
 /// key.
 Qor::PtrInterface::NotifieeConst::Ptr watchMembers(Qor::Entity& row, MemberHandler handler);
+/// Hears of each VTEP of a multicast row that comes or goes, likewise.
+Qor::PtrInterface::NotifieeConst::Ptr watchVteps(
+    Vgw::McastMacsLocal& row, std::function<void(Kelp::IpAddr address, bool isThere)> handler);
 /// Makes the members of the row what they were changed to. `isUnderWay`: a row of statistics that
 /// the changes only ask for may have come already, and then stays.
 void putMembers(Qor::Entity& row, MemberChanges const& changes, bool isUnderWay);

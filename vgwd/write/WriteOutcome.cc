@@ -81,17 +81,18 @@ void DatabaseWriter::handleOutcome(Place const& place, Ovsdb::RpcError const* er
     auto const found = work_.find(place);
     if (found == work_.end()) return;
     Pending& pending = found->second;
-    bool const wasLost = pending.losses != 0;
     pending.isSent = false;
+    if (pending.wasLost) isLostSent_ = false;
+    bool const isLost = error != nullptr && error->kind == Ovsdb::RpcError::Kind::lost;
     if (error == nullptr)
         handleTaken(place, pending);
-    else if (error->kind == Ovsdb::RpcError::Kind::lost)
-        return handleLost(place, pending);
+    else if (isLost)
+        handleLost(place, pending);
     else
         handleFailure(place, pending, *error);
-    // The others of those whose connection was lost wait for this one alone.
-    if (wasLost) run();
-    schedule();
+    nextTurnIs(place);
+    // Others may have waited for this one; without a connection they go on waiting.
+    if (!isLost) run();
 }
 
 void DatabaseWriter::handleFailure(Place const& place, Pending& pending,
@@ -110,14 +111,11 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     bool const isChanged = pending.isDue;
     if (isNew && isChanged) return undo(place, changedMeanwhile);
     Wanted const sent = std::exchange(pending.sent, {});
-    pending.losses = 0;
+    wasLostIs(pending, false);
     pending.clashed.reset();
+    if (!isChanged) forget(place);
     // Another may have taken out meanwhile what was put in.
     if (isNew || !sent.row.members.empty() || !sent.mac.vtepIps.empty()) restore(place);
-    if (isChanged)
-        putBack(place, pending);
-    else
-        work_.erase(place);
 }
 
 // An insertion of which no answer came was carried out.
@@ -132,12 +130,14 @@ void DatabaseWriter::handleThere(Place const& place, Pending& pending, std::stri
 
 // Nobody knows whether the database has it.
 void DatabaseWriter::handleLost(Place const& place, Pending& pending) {
-    if (++pending.losses < mostLosses)
+    int const alone = pending.wasLost ? pending.lossesAlone + 1 : 0;
+    wasLostIs(pending, true);
+    pending.lossesAlone = alone;
+    if (alone < mostLosses)
         takeBack(pending);
     else
         undo(place, "the connection was lost each of the " + std::to_string(mostLosses) +
-                        " times that it was sent");
-    schedule();
+                        " times that it was sent alone");
 }
 
 bool DatabaseWriter::mayBeTriedAgain(Place const& place, Pending& pending,
@@ -158,24 +158,23 @@ bool DatabaseWriter::mayBeTriedAgain(Place const& place, Pending& pending,
 // It is written again, but for what was written since.
 void DatabaseWriter::takeBack(Pending& pending) {
     Wanted before = std::exchange(pending.sent, {});
-    before.row.add(pending.wanted.row);
-    before.mac.add(pending.wanted.mac);
+    before.add(pending.wanted);
     pending.wanted = std::move(before);
     if (!std::exchange(pending.isDue, true)) pending.begun = Clock::now();
 }
 
 void DatabaseWriter::undo(Place const& place, std::string const& reason) {
-    Pending& pending = work_[place];
+    Pending& pending = work_.at(place);
     std::string const peer = pending.peer;
     // What was written since has its own try.
     bool const goesOn = pending.isDue && isInDatabase(place) && !pending.wanted.isEmpty();
     pending.sent = {};
-    pending.losses = 0;
+    wasLostIs(pending, false);
     pending.clashed.reset();
     // It is not to be put into the row again.
-    if (!goesOn) work_.erase(place);
+    if (!goesOn) forget(place);
     restore(place);
-    if (goesOn) putBack(place, pending);
+    nextTurnIs(place);
     listener_.onUndone(pathOf(place), peer, reason);
 }
 
@@ -192,27 +191,24 @@ void DatabaseWriter::restore(Place const& place) {
     if (isLocalMac(table)) directory(table).entryStateIs(key, Qor::Dir::EntryState::ready);
 }
 
-// What the mirror has written by setters, and the database does not have yet.
-void DatabaseWriter::putBack(Place const& place, Pending const& pending) {
-    auto const row = rowAt(place);
-    if (!row || !isInDatabase(place)) return;
-    Working const working(*this);
-    put(*row, pending);
-    MacChanges mac = pending.sent.mac;
-    mac.add(pending.wanted.mac);
-    if (auto* const unicast = dynamic_cast<Vgw::UcastMacsLocal*>(row.ptr()))
-        putMac(*unicast, mac);
-    else if (auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(row.ptr()))
-        putMac(*multicast, mac);
-}
-
 // What is on its way, and what goes then.
-void DatabaseWriter::put(Vgw::OvsdbDataModel& row, Pending const& pending) {
-    nlohmann::json columns = pending.sent.row.columns;
-    if (!pending.wanted.row.columns.is_null()) columns.update(pending.wanted.row.columns);
-    putColumns(row, columns);
-    putMembers(row, pending.sent.row.members, true);
-    putMembers(row, pending.wanted.row.members, false);
+void DatabaseWriter::put(Table table, Ovsdb::Uuid const& uuid, Vgw::OvsdbDataModel& staged) const {
+    auto const found = work_.find({table, uuid.text()});
+    if (found == work_.end()) return;
+    Wanted const& sent = found->second.sent;
+    Wanted const& wanted = found->second.wanted;
+    if (table == Table::ucastMacsLocal) {
+        putMac(static_cast<Vgw::UcastMacsLocal&>(staged), sent.mac);
+        return putMac(static_cast<Vgw::UcastMacsLocal&>(staged), wanted.mac);
+    }
+    if (table == Table::mcastMacsLocal) {
+        putMac(static_cast<Vgw::McastMacsLocal&>(staged), sent.mac);
+        return putMac(static_cast<Vgw::McastMacsLocal&>(staged), wanted.mac);
+    }
+    putColumns(staged, sent.row.columns);
+    putColumns(staged, wanted.row.columns);
+    putMembers(staged, sent.row.members, true);
+    putMembers(staged, wanted.row.members, false);
 }
 
 Qor::Ptr<Vgw::OvsdbDataModel> DatabaseWriter::rowAt(Place const& place) const {

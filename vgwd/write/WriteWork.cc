@@ -18,6 +18,10 @@ namespace {
 constexpr milliseconds mostPatience{5000};
 // Transactions under way at once.
 constexpr std::size_t mostSent = 256;
+// What comes within this time goes together,
+constexpr milliseconds gathering{20};
+// and what goes on coming, after that one.
+constexpr milliseconds mostGathering{200};
 
 // Version 4 of RFC 4122, section 4.4.
 std::string newUuid() {
@@ -38,32 +42,89 @@ bool isOf(Table table, Qor::Entity const& row) {
 
 // What is written again and again is not kept waiting for its end. A row that is being made is: it
 // waits for what it lacks, and for what comes with that.
-bool DatabaseWriter::isGathered(Place const& place, Pending const& pending,
-                                Clock::time_point now) const {
-    if (now - pending.touched >= gathering) return true;
+DatabaseWriter::Clock::time_point DatabaseWriter::gatheredAt(Place const& place,
+                                                             Pending const& pending) const {
     bool const isThere = !isLocalMac(place.first) || isInDatabase(place);
-    return isThere && now - pending.begun >= mostGathering;
+    auto const rest = pending.touched + gathering;
+    return isThere ? std::min(rest, pending.begun + mostGathering) : rest;
+}
+
+// One that has an earlier turn keeps it, and is put off then if need be.
+void DatabaseWriter::turnIs(Place const& place, Pending& pending, Clock::time_point at) {
+    if (pending.turn && (*pending.turn)->first <= at) return;
+    noTurn(pending);
+    pending.turn = (pending.wasLost ? lostTurns_ : turns_).emplace(at, place);
+    schedule();
+}
+
+void DatabaseWriter::noTurn(Pending& pending) {
+    if (!pending.turn) return;
+    (pending.wasLost ? lostTurns_ : turns_).erase(*pending.turn);
+    pending.turn.reset();
+}
+
+void DatabaseWriter::wasLostIs(Pending& pending, bool wasLost) {
+    noTurn(pending);
+    pending.wasLost = wasLost;
+    pending.lossesAlone = 0;
+}
+
+// Whose time has come; null: nobody's, or what is under way comes first. One of those that were
+// under way may be why the connection was lost. Which one it is shows only where nothing else is
+// under way.
+DatabaseWriter::Turns* DatabaseWriter::upNow(Clock::time_point now) {
+    auto const isUp = [&](Turns const& turns) {
+        return !turns.empty() && turns.begin()->first <= now;
+    };
+    bool const isAlone = isLostSent_ || isUp(lostTurns_);
+    Turns& turns = isAlone ? lostTurns_ : turns_;
+    bool const isFull = sent_ >= (isAlone ? 1 : mostSent);
+    return inStep_ && !isFull && isUp(turns) ? &turns : nullptr;
 }
 
 void DatabaseWriter::run() {
-    std::vector<Place> due;
-    bool hasLost = false;
     auto const now = Clock::now();
-    for (auto const& [place, pending] : work_) {
-        bool const isReady = pending.isDue && !pending.isSent && isGathered(place, pending, now);
-        if (isReady) due.push_back(place);
-        hasLost |= pending.losses != 0 && (isReady || pending.isSent);
-    }
-    // One of those that were under way may be why the connection was lost. Which one it is shows
-    // only where nothing else is under way.
-    if (hasLost)
-        std::erase_if(due, [this](Place const& place) { return work_.at(place).losses == 0; });
-    for (Place const& place : due) {
-        if (!inStep_ || sent_ >= (hasLost ? 1 : mostSent)) break;
-        auto const found = work_.find(place);
-        if (found != work_.end()) work(place, found->second);
+    while (Turns* const turns = upNow(now)) {
+        Place const place = turns->begin()->second;
+        attend(place, now);
     }
     schedule();
+}
+
+// For the next turn. What is up and kept back waits for the end of a transaction, not for a time.
+void DatabaseWriter::schedule() {
+    if (!inStep_) return;
+    auto const now = Clock::now();
+    auto next = upNow(now) != nullptr ? now : Clock::time_point::max();
+    for (Turns const* const turns : {&turns_, &lostTurns_})
+        if (auto const at = turns->upper_bound(now); at != turns->end())
+            next = std::min(next, at->first);
+    if (next >= scheduled_) return;
+    scheduled_ = next;
+    timer_.expires_at(next);
+    timer_.async_wait(tether_.tie([this](std::error_code error) {
+        if (error) return;
+        scheduled_ = Clock::time_point::max();
+        run();
+    }));
+}
+
+void DatabaseWriter::attend(Place const& place, Clock::time_point now) {
+    Pending& pending = work_.at(place);
+    noTurn(pending);
+    // Its outcome asks for the next turn.
+    if (!pending.isDue || pending.isSent) return;
+    auto const gathered = gatheredAt(place, pending);
+    if (gathered > now) return turnIs(place, pending, gathered);
+    work(place, pending);
+}
+
+// What was written meanwhile, or is to be tried again.
+void DatabaseWriter::nextTurnIs(Place const& place) {
+    auto const found = work_.find(place);
+    if (found == work_.end() || !found->second.isDue || found->second.isSent) return;
+    turnIs(place, found->second,
+           std::max(gatheredAt(place, found->second), Clock::now() + gathering));
 }
 
 void DatabaseWriter::work(Place const& place, Pending& pending) {
@@ -76,7 +137,7 @@ void DatabaseWriter::work(Place const& place, Pending& pending) {
     if (!pending.wanted.row.isEmpty())
         send(place, pending, rowUpdate(place.first, place.second, pending.wanted.row));
     else
-        work_.erase(place);
+        forget(place);
 }
 
 void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
@@ -84,9 +145,9 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
     auto const row = directory(table).entry(Qor::Name(std::string_view(name)));
     if (!isInDatabase(place)) {
         if (row) return workOnNewMac(place, pending, *row);
-        std::string const made = pending.losses != 0 ? madeRow(table, pending) : "";
+        std::string const made = pending.wasLost ? madeRow(table, pending) : "";
         if (!made.empty()) return handleThere(place, pending, made);
-        work_.erase(place);
+        forget(place);
         return;
     }
     pending.isDue = false;
@@ -95,7 +156,7 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
         return undo(place, "the row is there already");
     MacChanges const& changes = pending.wanted.mac;
     if (changes.isEmpty()) {
-        work_.erase(place);
+        forget(place);
         return;
     }
     LocatorSet const there = locatorSetOf(client_.rows(), table, name);
@@ -111,15 +172,15 @@ void DatabaseWriter::workOnNewMac(Place const& place, Pending& pending, Qor::Ent
     std::string const lacks = macLacks(content);
     if (!lacks.empty()) {
         // The rest may be on its way.
-        if (Clock::now() - pending.begun >= mostPatience) undo(place, lacks);
-        return;
+        auto const end = pending.begun + mostPatience;
+        return Clock::now() < end ? turnIs(place, pending, end) : undo(place, lacks);
     }
     pending.isDue = false;
     insertMac(place, pending, content);
 }
 
 void DatabaseWriter::insertMac(Place const& place, Pending& pending, MacContent const& content) {
-    if (pending.losses != 0) {
+    if (pending.wasLost) {
         std::string const made = madeRow(place.first, pending);
         if (!made.empty()) return handleThere(place, pending, made);
     }
@@ -145,6 +206,7 @@ std::string DatabaseWriter::madeRow(Table table, Pending const& pending) const {
 void DatabaseWriter::send(Place const& place, Pending& pending, nlohmann::json const& operations) {
     pending.sent = std::exchange(pending.wanted, {});
     pending.isSent = true;
+    isLostSent_ |= pending.wasLost;
     pending.makesLocators = makesLocators(operations);
     ++sent_;
     client_.transact(operations, pathOf(place) + ", " + pending.peer,

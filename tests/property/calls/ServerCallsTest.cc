@@ -31,6 +31,7 @@ using std::chrono::milliseconds;
 struct Anyone : Vgwd::ServerListener {
     std::string whyReadOnly(std::string const&, Qor::Entity&) override { return {}; }
     std::string whyNotCalled(std::string const&, Qor::Entity&) override { return {}; }
+    std::size_t rowsWaiting(std::string const&) override { return 0; }
     void onWritten(Vgwd::Peer const&, Qor::Entity&, Qor::AttributeId) override {}
     void onTraffic(Vgwd::Peer const&) override {}
 };

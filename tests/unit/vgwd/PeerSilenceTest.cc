@@ -25,10 +25,12 @@ using std::chrono::milliseconds;
 struct Listener : ServerListener {
     std::string whyReadOnly(std::string const&, Qor::Entity&) override { return {}; }
     std::string whyNotCalled(std::string const&, Qor::Entity&) override { return {}; }
+    std::size_t rowsWaiting(std::string const&) override { return rows; }
     void onWritten(Peer const&, Qor::Entity&, Qor::AttributeId) override { ++written; }
     void onTraffic(Peer const&) override { ++traffic; }
     int written = 0;
     int traffic = 0;
+    std::size_t rows = 0;
 };
 
 class PeerSilence : public testing::Test {
@@ -205,6 +207,24 @@ struct Refusals : Qor::NboAttrLog::SessionListener {
     }
     std::vector<std::string> reasons;
 };
+
+TEST_F(PeerSilence, WhoseRowsWaitUpToTheLimitMountsNothingToBeWritten) {
+    connectUnix();
+    mount();
+    Refusals refusals;
+    session_->listenerIs(&refusals);
+    session_->unmount(1);
+    listener_.rows = options_.quotas.entities;
+    session_->mount("/vgw/cliConfig", true);
+    ASSERT_TRUE(becomes([&] { return !refusals.reasons.empty(); }));
+    EXPECT_EQ(refusals.reasons,
+              std::vector<std::string>{"262144 rows of " + peer().identity().name +
+                                       " wait for the database already"});
+    listener_.rows -= 1;
+    auto const id = session_->mount("/vgw/cliConfig", true);
+    EXPECT_TRUE(becomes([&] { return session_->mounted(id) != nullptr; }));
+    session_->listenerIs(nullptr);
+}
 
 // It stands in the books under its path, which a peer that may write can have made.
 TEST_F(PeerSilence, APathThatNoKeyCanHoldIsNotMounted) {

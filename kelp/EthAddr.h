@@ -6,6 +6,7 @@
 
 #include <kelp/Export.h>
 #include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/PlainForm.h>
 #include <qor/core/String8.h>
 #include <qor/core/Types.h>
 
@@ -115,6 +116,15 @@ constexpr Qor::U64 EthAddr::numberOf(std::string_view text) {
 template <>
 struct std::hash<Kelp::EthAddr> {
     std::size_t operator()(Kelp::EthAddr const& address) const noexcept { return address.hash(); }
+};
+
+template <>
+struct Qor::NboAttrLog::PlainForm<Kelp::EthAddr> {
+    static constexpr std::size_t size = 6;
+    static void store(unsigned char* at, Kelp::EthAddr const& address) noexcept {
+        storeNetworkOrder(at, address.words()[0]);
+        storeNetworkOrder(at + 2, static_cast<U32>(address.number()));
+    }
 };
 
 #endif

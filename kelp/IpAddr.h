@@ -5,6 +5,7 @@
 
 #include <kelp/Export.h>
 #include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/PlainForm.h>
 #include <qor/core/String8.h>
 #include <qor/core/Types.h>
 
@@ -114,6 +115,14 @@ constexpr Qor::U32 IpAddr::numberOf(std::string_view text) {
 template <>
 struct std::hash<Kelp::IpAddr> {
     std::size_t operator()(Kelp::IpAddr address) const noexcept { return address.hash(); }
+};
+
+template <>
+struct Qor::NboAttrLog::PlainForm<Kelp::IpAddr> {
+    static constexpr std::size_t size = sizeof(U32);
+    static void store(unsigned char* at, Kelp::IpAddr const& address) noexcept {
+        storeNetworkOrder(at, address.hostOrder());
+    }
 };
 
 #endif

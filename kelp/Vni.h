@@ -5,6 +5,7 @@
 
 #include <kelp/Export.h>
 #include <qor/attrlog/Declarations.h>
+#include <qor/attrlog/PlainForm.h>
 #include <qor/core/String8.h>
 #include <qor/core/Types.h>
 
@@ -61,6 +62,14 @@ KELP_EXPORT Qor::Ptr<Qor::NboAttrLog::Out> const& operator<<(
 template <>
 struct std::hash<Vxlan::Vni> {
     std::size_t operator()(Vxlan::Vni vni) const noexcept { return vni.hash(); }
+};
+
+template <>
+struct Qor::NboAttrLog::PlainForm<Vxlan::Vni> {
+    static constexpr std::size_t size = sizeof(U32);
+    static void store(unsigned char* at, Vxlan::Vni vni) noexcept {
+        storeNetworkOrder(at, vni.value());
+    }
 };
 
 #endif

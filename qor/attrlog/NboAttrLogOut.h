@@ -52,6 +52,10 @@ class QOR_EXPORT Out : public Connection::Out {
     void nextHeaderIs(MsgHeader const& header) { beginFrame(FrameKind::record, header); }
     // Begins a frame of any sort.
     void beginFrame(FrameKind kind, MsgHeader const& header);
+    // A whole record, whose payload is so long: where that is to be stored, at once. Null when it
+    // can't be had in one piece, or something is unusual: nothing was done then, and the record is
+    // written like any other.
+    unsigned char* claimRecord(MsgHeader const& header, std::size_t payload);
     // Begins a part of the payload; what follows belongs to it, up to the next or the end.
     void currentPayloadSectionIs(PayloadSection section);
     // Opens the payload, or closes the frame.
@@ -111,6 +115,23 @@ inline void Out::beginFrame(FrameKind kind, MsgHeader const& header) {
     moreChunksIs(false);
     mayPassCapIs(true);
     storeHead(head, kind, header);
+}
+
+// One claim moves the end of what is put once; each put of a part would wait for the one before.
+inline unsigned char* Out::claimRecord(MsgHeader const& header, std::size_t payload) {
+    bool const isPlain = !hasOpenFrame() && (waker_ == nullptr || written() != sent()) &&
+                         payload + leastFrameSize <= greatestFrame_;
+    unsigned char* const head = isPlain ? claim(frameOverhead + payload) : nullptr;
+    if (head == nullptr) [[unlikely]] {
+        return nullptr;
+    }
+    moreChunksIs(false);
+    ++frames_;
+    storeNetworkOrder(head, static_cast<U32>(payload) + leastFrameSize);
+    storeHead(head, FrameKind::record, header);
+    head[frameHeadSize] = static_cast<unsigned char>(TransactToken::begin);
+    head[frameHeadSize + 1 + payload] = static_cast<unsigned char>(TransactToken::end);
+    return head + frameHeadSize + 1;
 }
 
 // A number of its own width; a truth value is one byte, 0 or 1. A template, so that nothing turns

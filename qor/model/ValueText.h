@@ -9,6 +9,7 @@
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <qor/attrlog/PlainForm.h>
 #include <qor/core/Strep.h>
 #include <qor/model/EnumText.h>
 
@@ -91,6 +92,26 @@ void writeValue(Ptr<NboAttrLog::Out> const& out, V const& value) {
         }
     });
 }
+
+/// Whether each field takes always the same number of bytes on the wire, and how many all do.
+template <class List>
+struct PlainFields {
+    static constexpr bool areAll = false;
+};
+template <class... F>
+requires(NboAttrLog::HasPlainForm<typename F::Type>&&...) struct PlainFields<FieldList<F...>> {
+    static constexpr bool areAll = true;
+    static constexpr std::size_t size = (NboAttrLog::PlainForm<typename F::Type>::size + ... + 0);
+};
+
+template <class V>
+requires PlainFields<typename V::QorFields>::areAll struct NboAttrLog::PlainForm<V> {
+    static constexpr std::size_t size = PlainFields<typename V::QorFields>::size;
+    static void store(unsigned char* at, V const& value) noexcept {
+        V::QorFields::forEach(
+            [&]<class F>() { at = NboAttrLog::storeOnWire(at, F::field(value)); });
+    }
+};
 
 /// Reads the fields in order. What no field can hold raises a range exception.
 template <class V>

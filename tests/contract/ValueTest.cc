@@ -5,6 +5,7 @@
 
 #include <qor/attrlog/NboAttrLogIn.h>
 #include <qor/attrlog/NboAttrLogOut.h>
+#include <qor/attrlog/PlainForm.h>
 #include <vgw/OvsdbDataTypesList.h>
 #include <vgw/VgwTypesList.h>
 
@@ -175,6 +176,19 @@ TYPED_TEST(EveryValue, WireFormComesBackAndTakesNoMore) {
         in->receive("behind");
         EXPECT_EQ(V(in.ptr(), Qor::StreamBogon()), value) << textOf(value);
         EXPECT_EQ(in->available(), 6U);
+    }
+}
+
+TYPED_TEST(EveryValue, IsStoredInAClaimedRecordAsItIsPut) {
+    using V = TypeParam;
+    if constexpr (Qor::NboAttrLog::HasPlainForm<V>) {
+        for (V const& value : valuesOf<V>()) {
+            Qor::Ptr<Qor::NboAttrLog::Out> const out = Qor::make<Qor::NboAttrLog::Out>();
+            out << value;
+            std::string stored(Qor::NboAttrLog::PlainForm<V>::size, 'x');
+            Qor::NboAttrLog::storeOnWire(reinterpret_cast<unsigned char*>(stored.data()), value);
+            EXPECT_EQ(stored, out->unsent()) << textOf(value);
+        }
     }
 }
 

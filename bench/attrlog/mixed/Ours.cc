@@ -13,6 +13,8 @@ namespace {
 using Qor::InboundRecord;
 using Qor::NboAttrLog::In;
 using Qor::NboAttrLog::Out;
+using Header = Qor::NboAttrLog::MsgHeader;
+using Token = Out::TransactToken;
 
 template <class X>
 using Sa = typename X::QorNboAttrLogSa;
@@ -37,76 +39,94 @@ struct Values {
     Vgw::MacVniPair pair;
 };
 
-// As TextMemberOut puts the only chunk of a text.
-void putText(Qor::Ptr<Out> const& out, Qor::String8 const& text) {
-    auto position = text.iteratorConst();
-    out->putChunk(position);
+// As putRecord() of the handlers, without an adapter.
+template <class... Parts>
+void putRecord(Qor::Ptr<Out> const& out, Header const& header, Parts const&... parts) {
+    std::size_t const size = (Qor::NboAttrLog::sizeOnWire(parts) + ...);
+    if (unsigned char* at = out->claimRecord(header, size)) [[likely]] {
+        static_cast<void>(((at = Qor::NboAttrLog::storeOnWire(at, parts)), ...));
+        return;
+    }
+    out->nextHeaderIs(header);
+    out << Token::begin;
+    (Qor::putValue(out, parts), ...);
+    out << Token::end;
 }
 
-void putMember(Qor::Ptr<Out> const& out, MixedRecord const& record, Values const& values) {
+// As those of texts, whose only chunk stands behind its key.
+template <class... Keys>
+void putText(Qor::Ptr<Out> const& out, Header const& header, Qor::String8 const& text,
+             Keys const&... keys) {
+    std::size_t const size = (Qor::NboAttrLog::sizeOnWire(keys) + ... + text.length());
+    if (unsigned char* at = out->claimRecord(header, size)) [[likely]] {
+        static_cast<void>(((at = Qor::NboAttrLog::storeOnWire(at, keys)), ...));
+        std::copy_n(text.view().data(), text.length(), at);
+        return;
+    }
+    out->nextHeaderIs(header);
+    out << Token::begin;
+    (Qor::putValue(out, keys), ...);
+    auto position = text.iteratorConst();
+    out->putChunk(position);
+    out << Token::end;
+}
+
+void putMember(Qor::Ptr<Out> const& out, Header const& header, MixedRecord const& record,
+               Values const& values) {
     switch (record.shape) {
         case Shape::rowKey:
-            out << values.key << true;
-            return;
+            return putRecord(out, header, values.key, true);
         case Shape::rowKeyGone:
-            out << values.key;
-            return;
+            return putRecord(out, header, values.key);
         case Shape::pairKey:
-            out << values.pair << true;
-            return;
+            return putRecord(out, header, values.pair, true);
         case Shape::pairKeyGone:
-            out << values.pair;
-            return;
+            return putRecord(out, header, values.pair);
         case Shape::numberToText:
-            out << static_cast<Qor::U16>(record.second);
-            return putText(out, values.text);
+            return putText(out, header, values.text, static_cast<Qor::U16>(record.second));
         case Shape::textToText:
-            out << values.key;
-            return putText(out, values.text);
+            return putText(out, header, values.text, values.key);
         default:
-            out << Kelp::IpAddr::fromHostOrder(record.second) << record.number;
-            return;
+            return putRecord(out, header, Kelp::IpAddr::fromHostOrder(record.second),
+                             record.number);
     }
 }
 
-void putPayload(Qor::Ptr<Out> const& out, MixedRecord const& record, Values const& values) {
+void put(Qor::Ptr<Out> const& out, MixedRecord const& record, Values const& values) {
+    Header const header{Qor::EntityId(record.entity), record.attribute};
     switch (record.what) {
         case What::flag:
-            return Qor::putValue(out, record.number != 0);
+            return putRecord(out, header, record.number != 0);
         case What::port:
-            return Qor::putValue(out, static_cast<Qor::U16>(record.number));
+            return putRecord(out, header, static_cast<Qor::U16>(record.number));
         case What::tunnelKey:
-            return Qor::putValue(out, static_cast<Qor::U32>(record.number));
+            return putRecord(out, header, static_cast<Qor::U32>(record.number));
         case What::address:
-            return Qor::putValue(out,
-                                 Kelp::IpAddr::fromHostOrder(static_cast<Qor::U32>(record.number)));
+            return putRecord(out, header,
+                             Kelp::IpAddr::fromHostOrder(static_cast<Qor::U32>(record.number)));
         case What::state:
-            return Qor::putValue(out, static_cast<Vgw::SessionState>(record.number));
+            return putRecord(out, header, static_cast<Vgw::SessionState>(record.number));
         case What::counter:
-            return Qor::putValue(out, record.number);
+            return putRecord(out, header, record.number);
         case What::mac:
-            return Qor::putValue(out, values.mac);
+            return putRecord(out, header, values.mac);
         case What::rowText:
         case What::otherRowText:
         case What::shortText:
-            return out->putBytes(values.text.view());
+            return putText(out, header, values.text);
         default:
-            return putMember(out, record, values);
+            return putMember(out, header, record, values);
     }
 }
 
 void write(benchmark::State& state) {
-    using Token = Out::TransactToken;
     Mixture const mixture;
     std::vector<Values> const values(mixture.records().begin(), mixture.records().end());
     auto const out = Qor::make<Out>();
     for (auto _ : state) {
         auto const* its = values.data();
         for (MixedRecord const& record : mixture.records()) {
-            out->nextHeaderIs({Qor::EntityId(record.entity), record.attribute});
-            out << Token::begin;
-            putPayload(out, record, *its++);
-            out << Token::end;
+            put(out, record, *its++);
             if (!out->hasSufficientBuffer()) drainOut(*out);
         }
     }

@@ -37,13 +37,11 @@ void keepForLater(Adapter& adapter, typename S::Key const& key) {
 
 template <class S, class Adapter>
 void putReference(Adapter& adapter, typename S::Key const& key, typename S::Target* target) {
-    using Token = NboAttrLog::Out::TransactToken;
-    auto const& out = adapter.nboAttrLogOut();
-    EntityId const id = target ? NboAttrLog::entityIdOn(*target, out) : EntityId();
-    adapter.beginRecord(target ? S::id : -S::id);
-    out << Token::begin << key;
-    if (target) out << id.value();
-    out << Token::end;
+    if (target)
+        putRecord(adapter, S::id, key,
+                  NboAttrLog::entityIdOn(*target, adapter.nboAttrLogOut()).value());
+    else
+        putRecord(adapter, -S::id, key);
 }
 
 /// A key that waits is removed at the peer, which may hold an older value of it.

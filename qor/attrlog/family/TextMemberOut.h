@@ -64,14 +64,11 @@ class TextMemberOut {
     }
 
     bool sendRemoval() {
-        using Token = NboAttrLog::Out::TransactToken;
         if (!adapter_.handlingScheduledFlowOut() && isLow_) {
             flowFor(adapter_, S::id).template dirtyKeyIs<S>(key_, true);
             return false;
         }
-        auto const& out = adapter_.nboAttrLogOut();
-        adapter_.beginRecord(-S::id);
-        out << Token::begin << key_ << Token::end;
+        putRecord(adapter_, -S::id, key_);
         return true;
     }
 
@@ -102,7 +99,23 @@ class TextMemberOut {
         return false;
     }
 
+    /// What is left of the text, where that is one chunk. False: nothing was done.
+    bool putRest(String8::IteratorConst& position) {
+        if constexpr (NboAttrLog::HasKnownSize<Key>) {
+            std::string_view const rest = position.rest();
+            if (rest.size() > NboAttrLog::textChunkLimit(keySize_)) return false;
+            unsigned char* at =
+                adapter_.claimRecord(S::id, NboAttrLog::sizeOnWire(key_) + rest.size());
+            if (at == nullptr) return false;
+            std::copy_n(rest.data(), rest.size(), NboAttrLog::storeOnWire(at, key_));
+            position.indexIs(position.index() + static_cast<U32>(rest.size()));
+            return true;
+        }
+        return false;
+    }
+
     void putChunk(String8::IteratorConst& position) {
+        if (putRest(position)) return;
         using Token = NboAttrLog::Out::TransactToken;
         auto const& out = adapter_.nboAttrLogOut();
         Ptr<Connection::Out> const connection(out);

@@ -41,9 +41,12 @@ bool sendTextInTurn(Adapter& adapter, NboAttrLog::FlowOut& flow, AttributeId id,
 }
 
 /// A text that is one chunk, in one record.
-template <class Adapter>
-void putWholeText(Adapter& adapter, AttributeId id, std::string_view text) {
+inline void putWholeText(Entity::QorNboAttrLogSa& adapter, AttributeId id, std::string_view text) {
     using Token = NboAttrLog::Out::TransactToken;
+    if (unsigned char* const at = adapter.claimRecord(id, text.size())) [[likely]] {
+        std::copy_n(text.data(), text.size(), at);
+        return;
+    }
     auto const& out = adapter.nboAttrLogOut();
     adapter.beginRecord(id);
     out << Token::begin;

@@ -145,6 +145,17 @@ void Entity::QorNboAttrLogSa::beginRecord(AttributeId id, U32 wordB, U8 tag) {
     nboAttrLogOut()->nextHeaderIs({entityId(), id, tag, 0, wordB});
 }
 
+unsigned char* Entity::QorNboAttrLogSa::claimRecord(AttributeId id, std::size_t payload) {
+    auto const* const demuxer = enteredDemuxer();
+    if (demuxer == nullptr || has(AdapterState::isCopy)) [[unlikely]] {
+        return nullptr;
+    }
+    U64 const number = demuxer->framesSent() + 1;
+    unsigned char* const at = nboAttrLogOut()->claimRecord({entityId(), id}, payload);
+    if (at != nullptr) sentAt_ = number;
+    return at;
+}
+
 // Of a copy, or of an adapter that is not entered.
 void Entity::QorNboAttrLogSa::beginOddRecord(AttributeId id, U32 wordB, U8 tag) {
     noteSent();

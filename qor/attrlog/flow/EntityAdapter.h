@@ -42,6 +42,8 @@ class QOR_EXPORT Entity::QorNboAttrLogSa : public StreamAdapter {
     // Begins a record about an attribute, negative to remove. What a copy sends goes behind a
     // receipt of what it had taken from the original.
     void beginRecord(AttributeId id, U32 wordB = 0, U8 tag = 1);
+    // The same for a whole record; see NboAttrLog::Out::claimRecord().
+    unsigned char* claimRecord(AttributeId id, std::size_t payload);
     // Whether the peer, when it wrote what was read last, had not taken all that was sent for this
     // entity. Always false of a copy.
     bool hasCrossed() const;

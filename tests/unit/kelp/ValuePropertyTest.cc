@@ -61,6 +61,11 @@ TYPED_TEST(NetworkValue, WireComesBack) {
     for (int i = 0; i < values(); ++i) {
         auto const value = TypeParam::random(random);
         out << value;
+        unsigned char stored[8];
+        auto const* const end = Qor::NboAttrLog::storeOnWire(stored, value);
+        ASSERT_TRUE(std::equal<unsigned char const*>(
+            stored, end, out->unsent().begin(), out->unsent().end(),
+            [](auto a, auto b) { return a == static_cast<unsigned char>(b); }));
         ASSERT_EQ(in.receive(out->unsent()), out->unsent().size());
         out->sentInc(out->unsent().size());
         ASSERT_EQ(TypeParam::read(in), value);

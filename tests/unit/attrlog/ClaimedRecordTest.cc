@@ -143,8 +143,14 @@ TEST(ClaimedRecord, IsRefusedWhereSomebodyWaitsForTheFirst) {
     takeAll(*out);
     EXPECT_FALSE(claim(*out, true));
     EXPECT_EQ(waker.told, 0);
-    put(out, true);
+    // With room in a block, as what was taken back leaves it.
+    out->nextHeaderIs(header);
+    out->dropOpenFrame();
+    ASSERT_TRUE(out->unsent().empty());
+    EXPECT_FALSE(claim(*out, true));
     EXPECT_EQ(waker.told, 1);
+    put(out, true);
+    EXPECT_EQ(waker.told, 2);
 }
 
 TEST(ClaimedRecord, LeavesNothingOfATextThatWentOnBefore) {

@@ -145,8 +145,14 @@ void MacRows::remove(MacNode& node) const {
 
 void MacRows::restore(MacNode& node) const {
     if (node.raw == nullptr || !node.mac) return;
-    if (node.row) directories_.of(node.table).entryIs(textOf(node.uuid), node.row);
+    if (node.row) show(node);
     write(node);
+}
+
+void MacRows::show(MacNode const& node) const {
+    bool const isHidden =
+        overlay_ != nullptr && node.local() && overlay_->hides(node.table, node.uuid);
+    if (!isHidden) directories_.of(node.table).entryIs(textOf(node.uuid), node.row);
 }
 
 template <class X>
@@ -163,7 +169,7 @@ void MacRows::write(MacNode& node) const {
     if (!node.mac) return;
     if (!node.row) {
         node.row = makeRow(node);
-        directories_.of(node.table).entryIs(textOf(node.uuid), node.row);
+        show(node);
     }
     switch (node.table) {
         case Table::ucastMacsLocal:

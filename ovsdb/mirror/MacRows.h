@@ -47,6 +47,7 @@ class MacRows {
     MacDirectories const& directories() const { return directories_; }
 
   private:
+    void show(MacNode const& node) const;
     template <class X>
     void writeLocal(MacNode const& node) const;
 

@@ -17,6 +17,8 @@ class Overlay {
     virtual ~Overlay() = default;
     /// Whether there is something of that row.
     virtual bool covers(Table table, Uuid const& uuid) const = 0;
+    /// Whether a MAC row has been taken out, so that it does not stand in its directory.
+    virtual bool hides(Table table, Uuid const& uuid) const = 0;
     /// Puts it into a row that nobody sees yet, and that is what the database says.
     virtual void put(Table table, Uuid const& uuid, Vgw::OvsdbDataModel& staged) const = 0;
 };

@@ -1,10 +1,11 @@
 #include <ovsdb/mirror/RowWriter.h>
 
 #include <ovsdb/mirror/Values.h>
-#include <ovsdb/schema/MirroredTables.h>
 #include <ovsdb/store/Datum.h>
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 namespace Ovsdb {
 namespace {
@@ -34,29 +35,20 @@ Addresses addressesOf(std::string_view datum) {
         else
             addresses.lost = true;
     }
-    std::sort(addresses.held.begin(), addresses.held.end());
     return addresses;
 }
 
-bool holds(Addresses const& addresses, Kelp::IpAddr address) {
-    return std::binary_search(addresses.held.begin(), addresses.held.end(), address);
-}
-
 // By setters, for a column that is marked.
-template <class Walk>
-void removeOthers(Walk walk, Addresses const& addresses) {
-    for (; walk; ++walk)
-        if (!holds(addresses, walk.key())) walk.del();
+void adoptManagementIps(Vgw::PhysicalSwitch& row, Vgw::PhysicalSwitch const& staged) {
+    for (auto at = row.mgmtIpIterator(); at; ++at)
+        if (!staged.mgmtIp(at.key())) at.del();
+    for (auto at = staged.mgmtIpIteratorConst(); at; ++at) row.mgmtIpIs(at.key(), true);
 }
 
-void writeManagementIps(Vgw::PhysicalSwitch& row, Addresses const& addresses) {
-    removeOthers(row.mgmtIpIterator(), addresses);
-    for (Kelp::IpAddr const address : addresses.held) row.mgmtIpIs(address, true);
-}
-
-void writeTunnelIps(Vgw::PhysicalSwitch& row, Addresses const& addresses) {
-    removeOthers(row.tunnelIpIterator(), addresses);
-    for (Kelp::IpAddr const address : addresses.held) row.tunnelIpIs(address, true);
+void adoptTunnelIps(Vgw::PhysicalSwitch& row, Vgw::PhysicalSwitch const& staged) {
+    for (auto at = row.tunnelIpIterator(); at; ++at)
+        if (!staged.tunnelIp(at.key())) at.del();
+    for (auto at = staged.tunnelIpIteratorConst(); at; ++at) row.tunnelIpIs(at.key(), true);
 }
 
 // The schema keeps VLANs within 0 to 4095; a server that doesn't has none of ours.
@@ -78,6 +70,16 @@ std::uint64_t counterOf(Vgw::LogicalBindingStats& row, char const* attribute,
 }
 
 }  // namespace
+
+bool mayBeMarked(Table table, std::string_view attribute) {
+    static constexpr std::array<std::string_view, 2> addresses{"mgmtIp", "tunnelIp"};
+    static constexpr std::array<std::string_view, 4> counters{"inBytes", "inPackets", "outBytes",
+                                                              "outPackets"};
+    std::span<std::string_view const> marked;
+    if (table == Table::physicalSwitch) marked = addresses;
+    if (table == Table::logicalBindingStats) marked = counters;
+    return std::find(marked.begin(), marked.end(), attribute) != marked.end();
+}
 
 void mark(Vgw::OvsdbDataModel& row, char const* attribute, bool invalid) {
     if (invalid)
@@ -119,8 +121,8 @@ void write(Vgw::PhysicalSwitch& row, Row const& raw, Staging const& overlay) {
         mark(*marked, "tunnelIp", tunnel.lost);
     }
     adopt(row, staged);
-    if (management.lost) writeManagementIps(row, management);
-    if (tunnel.lost) writeTunnelIps(row, tunnel);
+    if (management.lost) adoptManagementIps(row, *staged);
+    if (tunnel.lost) adoptTunnelIps(row, *staged);
 }
 
 void write(Vgw::LogicalSwitch& row, Row const& raw) {

@@ -9,6 +9,7 @@
 //
 // What a row holds beside the database (Overlay.h) is put into the staged row.
 
+#include <ovsdb/schema/MirroredTables.h>
 #include <ovsdb/store/Row.h>
 #include <vgw/tables/Global.h>
 #include <vgw/tables/LogicalBindingStats.h>
@@ -37,6 +38,9 @@ void write(Vgw::PhysicalPort& row, Row const& raw, Staging const& overlay);
 void write(Vgw::PhysicalLocator& row, Row const& raw);
 void write(Vgw::PhysicalLocatorSet& row, Row const& raw);
 
+/// Whether writing a row that may hold something beside the database settles the mark of that
+/// attribute.
+bool mayBeMarked(Table table, std::string_view attribute);
 /// Sets or takes off the mark that an attribute is not what the database says.
 void mark(Vgw::OvsdbDataModel& row, char const* attribute, bool invalid);
 

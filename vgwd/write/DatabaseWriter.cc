@@ -119,7 +119,7 @@ void DatabaseWriter::handleEntry(Table table, Qor::Name const& name) {
     // It came and went before the database heard of it.
     if (!isUnderWay && !directory(table).entry(name) && !isInDatabase(place)) return forget(place);
     unsigned_.push_back(place);
-    touch(place, {});
+    touch(place, {}).isTakenOut = !directory(table).entry(name);
 }
 
 // Which row a peer has made there, or none any more.
@@ -151,7 +151,7 @@ void DatabaseWriter::handleMacWritten(std::string const& peer, Table table, Qor:
     if (!isInDatabase(place)) return;
     auto* const unicast = dynamic_cast<Vgw::UcastMacsLocal*>(&row);
     auto* const multicast = dynamic_cast<Vgw::McastMacsLocal*>(&row);
-    if (mirror_.macRow(table, *Ovsdb::Uuid::parse(place.second)).ptr() != &row)
+    if (!isMirrored(place, &row))
         pending.refusal = "the row is there already";
     else if (isLogicalSwitch(table, attribute))
         pending.wanted.mac.logicalSwitch = std::string(
@@ -229,6 +229,11 @@ bool DatabaseWriter::covers(Table table, Ovsdb::Uuid const& uuid) const {
     return !work_.empty() && work_.contains({table, uuid.text()});
 }
 
+bool DatabaseWriter::hides(Table table, Ovsdb::Uuid const& uuid) const {
+    auto const found = work_.empty() ? work_.end() : work_.find({table, uuid.text()});
+    return found != work_.end() && found->second.isTakenOut;
+}
+
 void DatabaseWriter::inStepIs(bool inStep) {
     if (inStep && !inStep_) takesUuids_ = true;
     inStep_ = inStep;
@@ -240,6 +245,11 @@ bool DatabaseWriter::isInDatabase(Place const& place) const {
     // In another spelling it is a writer's name, and no row stands under it.
     return uuid && uuid->text() == place.second &&
            client_.rows().find(place.first, *uuid) != nullptr;
+}
+
+// A peer may have put another one under its UUID.
+bool DatabaseWriter::isMirrored(Place const& place, Qor::Entity const* row) const {
+    return mirror_.macRow(place.first, *Ovsdb::Uuid::parse(place.second)).ptr() == row;
 }
 
 // A row of the mirror stands under its UUID, as long as nobody writes over that, and one that a

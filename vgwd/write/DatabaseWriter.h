@@ -88,6 +88,7 @@ class DatabaseWriter final : private Ovsdb::Overlay {
     std::string nameOf(Ovsdb::Table table, Qor::Entity const& row) const;
     std::string pathOf(Place const& place) const;
     bool isInDatabase(Place const& place) const;
+    bool isMirrored(Place const& place, Qor::Entity const* row) const;
     Qor::Ptr<Vgw::OvsdbDataModel> rowAt(Place const& place) const;
     void handleEntry(Ovsdb::Table table, Qor::Name const& name);
     void noteMade(Place const& place);
@@ -103,6 +104,7 @@ class DatabaseWriter final : private Ovsdb::Overlay {
     void forget(Place const& place);
 
     bool covers(Ovsdb::Table table, Ovsdb::Uuid const& uuid) const override;
+    bool hides(Ovsdb::Table table, Ovsdb::Uuid const& uuid) const override;
     void put(Ovsdb::Table table, Ovsdb::Uuid const& uuid,
              Vgw::OvsdbDataModel& staged) const override;
 

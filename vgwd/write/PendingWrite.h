@@ -40,7 +40,8 @@ struct PendingWrite {
     Wanted wanted;
     Wanted sent;                     ///< by the transaction that is under way
     std::optional<MacContent> made;  ///< as which a new MAC row was sent,
-    std::string uuid;                ///< and under which UUID
+    std::string uuid;                ///< and under which UUID,
+    bool isNamed = false;            ///< if the server was told that
     std::string refusal;             ///< what was written may not be
     /// Hears of a multicast row's VTEPs, from the first write of them on.
     Qor::PtrInterface::NotifieeConst::Ptr vteps;
@@ -49,6 +50,7 @@ struct PendingWrite {
     std::optional<Turns::iterator> turn;  ///< in one of the queues
     bool isNew = false;                   ///< a MAC row that the database does not have
     bool isDue = false;
+    bool isTakenOut = false;                   ///< a MAC row, by a peer
     bool isSent = false;                       ///< a transaction is under way
     bool makesLocators = false;                ///< it does
     std::optional<Clock::time_point> clashed;  ///< first, with what another did

@@ -1,5 +1,6 @@
 // What becomes of the rows that peers have written, once the database has answered or can't any
 // more.
+#include <ovsdb/mirror/RowWriter.h>
 #include <vgw/tables/McastMacsLocal.h>
 #include <vgw/tables/UcastMacsLocal.h>
 #include <vgwd/write/DatabaseWriter.h>
@@ -110,12 +111,15 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     bool const isNew = isLocalMac(place.first) && !isInDatabase(place);
     bool const isChanged = pending.isDue;
     if (isNew && isChanged) return undo(place, changedMeanwhile);
-    Wanted const sent = std::exchange(pending.sent, {});
+    pending.sent = {};
     wasLostIs(pending, false);
     pending.clashed.reset();
+    // Another row that a peer has put in its place is undone with its reason.
+    bool const isReplaced = isChanged && isLocalMac(place.first) && !pending.isTakenOut &&
+                            !isMirrored(place, rowAt(place).ptr());
     if (!isChanged) forget(place);
-    // Another may have taken out meanwhile what was put in.
-    if (isNew || !sent.row.members.empty() || !sent.mac.vtepIps.empty()) restore(place);
+    // Another may have changed meanwhile what was written.
+    if (!isReplaced) restore(place);
 }
 
 // An insertion of which no answer came was carried out.
@@ -142,7 +146,7 @@ void DatabaseWriter::handleLost(Place const& place, Pending& pending) {
 
 bool DatabaseWriter::mayBeTriedAgain(Place const& place, Pending& pending,
                                      Ovsdb::RpcError const& error) {
-    if (takesUuids_ && !pending.uuid.empty() && knowsNoUuids(error)) {
+    if (pending.isNamed && knowsNoUuids(error)) {
         takesUuids_ = false;
         return true;
     }
@@ -167,7 +171,8 @@ void DatabaseWriter::undo(Place const& place, std::string const& reason) {
     Pending& pending = work_.at(place);
     std::string const peer = pending.peer;
     // What was written since has its own try.
-    bool const goesOn = pending.isDue && isInDatabase(place) && !pending.wanted.isEmpty();
+    bool const goesOn =
+        pending.isDue && isInDatabase(place) && (pending.isTakenOut || !pending.wanted.isEmpty());
     pending.sent = {};
     wasLostIs(pending, false);
     pending.clashed.reset();
@@ -218,12 +223,14 @@ Qor::Ptr<Vgw::OvsdbDataModel> DatabaseWriter::rowAt(Place const& place) const {
         directory(table).entry(Qor::Name(std::string_view(name))));
 }
 
-// What no column of the database says.
+// What no column of the database says. Marks that the mirror sets and takes off are left to it, so
+// that none goes and comes back.
 void DatabaseWriter::resetMarks(Place const& place) {
     Qor::Ptr<Vgw::OvsdbDataModel> const row = rowAt(place);
     if (!row) return;
     row->typeIs(kindOf(place.first));
-    row->invalidAttribDelAll();
+    for (auto at = row->invalidAttribIterator(); at; ++at)
+        if (!Ovsdb::mayBeMarked(place.first, at.key().view())) at.del();
 }
 
 }  // namespace Vgwd

@@ -129,7 +129,7 @@ void DatabaseWriter::nextTurnIs(Place const& place) {
 
 void DatabaseWriter::work(Place const& place, Pending& pending) {
     if (!pending.refusal.empty()) {
-        pending.wanted = {};
+        pending.isDue = false;
         return undo(place, std::exchange(pending.refusal, {}));
     }
     if (isLocalMac(place.first)) return workOnMac(place, pending);
@@ -151,13 +151,13 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
         return;
     }
     pending.isDue = false;
-    if (!row) return send(place, pending, rowRemoval(table, name));
-    if (mirror_.macRow(table, *Ovsdb::Uuid::parse(name)).ptr() != row.ptr())
+    if (pending.isTakenOut) return send(place, pending, rowRemoval(table, name));
+    if (pending.isNew || !isMirrored(place, row.ptr()))
         return undo(place, "the row is there already");
     MacChanges const& changes = pending.wanted.mac;
     if (changes.isEmpty()) {
         forget(place);
-        return;
+        return restore(place);
     }
     LocatorSet const there = locatorSetOf(client_.rows(), table, name);
     std::string const lacks = macLacks(changes, there);
@@ -185,6 +185,7 @@ void DatabaseWriter::insertMac(Place const& place, Pending& pending, MacContent 
         if (!made.empty()) return handleThere(place, pending, made);
     }
     if (pending.uuid.empty() && takesUuids_) pending.uuid = newUuid();
+    pending.isNamed = takesUuids_;
     pending.made = content;
     send(place, pending,
          macInsertion(place.first, content, mirror_.database(), takesUuids_ ? pending.uuid : ""));

@@ -114,12 +114,9 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     pending.sent = {};
     wasLostIs(pending, false);
     pending.clashed.reset();
-    // Another row that a peer has put in its place is undone with its reason.
-    bool const isReplaced = isChanged && isLocalMac(place.first) && !pending.isTakenOut &&
-                            !isMirrored(place, rowAt(place).ptr());
     if (!isChanged) forget(place);
     // Another may have changed meanwhile what was written.
-    if (!isReplaced) restore(place);
+    restore(place);
 }
 
 // An insertion of which no answer came was carried out.

@@ -2,6 +2,7 @@
 import contextlib
 import os
 import re
+import resource
 import signal
 import subprocess
 from pathlib import Path
@@ -51,6 +52,18 @@ class EmbeddedTest(process_case.ProcessCase):
         tables = self.read()
         self.assertEqual([row["name"] for row in tables["Logical_Switch"].values()], ["red"])
         self.agent.await_equal(tables)
+
+    def test_one_that_dies_while_all_descriptors_are_taken_is_started_again(self):
+        self.agent.start()
+        self.agent.await_equal(self.read())
+        limits = resource.prlimit(self.agent.pid(), resource.RLIMIT_NOFILE)
+        resource.prlimit(self.agent.pid(), resource.RLIMIT_NOFILE, (3, limits[1]))
+        first = self.server_pid()
+        os.kill(first, signal.SIGKILL)
+        self.agent.await_that(lambda: self.server_pid() != first or not self.agent.is_running(), "another one is started")
+        resource.prlimit(self.agent.pid(), resource.RLIMIT_NOFILE, limits)
+        self.agent.await_that(lambda: self.agent.said().count("in step by") == 2, "it is in step again")
+        self.agent.await_equal(self.read())
 
     def test_one_that_dies_is_started_again(self):
         self.agent.start()

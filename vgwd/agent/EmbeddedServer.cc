@@ -139,9 +139,18 @@ void EmbeddedServer::launch() {
     awaitSocket();
 }
 
+// It binds before it listens, and refuses who comes in between. What can't be asked now, as for
+// want of descriptors, is asked again.
+bool EmbeddedServer::listens() const {
+    try {
+        return isListening(file("db.sock"));
+    } catch (std::exception const&) {
+        return false;
+    }
+}
+
 void EmbeddedServer::awaitSocket() {
-    // It binds before it listens, and refuses who comes in between.
-    if (!isListening(file("db.sock"))) return after(look, &EmbeddedServer::awaitSocket);
+    if (!listens()) return after(look, &EmbeddedServer::awaitSocket);
     deaths_ = 0;
     handlers_.listening();
 }

@@ -63,6 +63,7 @@ class EmbeddedServer {
     void createDatabase() const;
     void launch();
     void kill();
+    bool listens() const;
     void awaitSocket();
     void handleEnd();
     void fail(std::string const& reason);

@@ -128,6 +128,15 @@ class CrossingWriteTest(write_case.WriteCase):
         self.await_local("red", "odd -> vxlan_over_ipv4/192.0.2.9")
         self.assertEqual(self.rows("Ucast_Macs_Local"), [row])
 
+    def test_what_may_not_be_written_to_an_address_is_undone_where_it_was_removed_at_once(self):
+        writer, row = self.unicast_row()
+        writer.ask_all([f"set {UNICAST}/{row} invalidAttrib 'vtepIp' true", f"del {UNICAST} entry '{row}'"])
+        self.await_refused(f"{UNICAST}/{row}", "invalidAttrib may not be written")
+        for client in (writer, self.reader):
+            client.await_that(lambda client=client: self.names(client, UNICAST) == [row], "the row is back")
+            client.await_value("", "list", f"{UNICAST}/{row}", "invalidAttrib")
+        self.assertEqual(self.rows("Ucast_Macs_Local"), [row])
+
     def test_another_row_that_is_put_in_the_place_of_one_that_is_written_is_undone_with_that_reason(self):
         writer, row = self.unicast_row()
         self.hold(writer, "set", f"{UNICAST}/{row}", "vtepIp", "'192.0.2.8'")

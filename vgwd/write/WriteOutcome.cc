@@ -221,9 +221,11 @@ Qor::Ptr<Vgw::OvsdbDataModel> DatabaseWriter::rowAt(Place const& place) const {
 }
 
 // What no column of the database says. Marks that the mirror sets and takes off are left to it, so
-// that none goes and comes back.
+// that none goes and comes back. A MAC row may have been taken out.
 void DatabaseWriter::resetMarks(Place const& place) {
-    Qor::Ptr<Vgw::OvsdbDataModel> const row = rowAt(place);
+    Qor::Ptr<Vgw::OvsdbDataModel> const row =
+        isLocalMac(place.first) ? mirror_.macRow(place.first, *Ovsdb::Uuid::parse(place.second))
+                                : rowAt(place);
     if (!row) return;
     row->typeIs(kindOf(place.first));
     for (auto at = row->invalidAttribIterator(); at; ++at)

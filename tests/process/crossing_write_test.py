@@ -128,6 +128,18 @@ class CrossingWriteTest(write_case.WriteCase):
         self.await_local("red", "odd -> vxlan_over_ipv4/192.0.2.9")
         self.assertEqual(self.rows("Ucast_Macs_Local"), [row])
 
+    def test_a_write_to_an_address_that_goes_before_it_is_sent_is_undone_with_that_reason(self):
+        writer, row = self.unicast_row()
+        switch = self.writer("/vgw/cliConfig")
+        switch.ask("set", "/vgw/cliConfig", "enableOvsdb", "false")
+        self.reader.await_value("false", "get", "/vgw/database", "inStep")
+        writer.ask("set", f"{UNICAST}/{row}", "vtepIp", "'192.0.2.8'")
+        self.reader.await_value("'192.0.2.8'", "get", f"{UNICAST}/{row}", "vtepIp")
+        self.db.vtep_ctl("--", "destroy", "Ucast_Macs_Local", row)
+        switch.ask("set", "/vgw/cliConfig", "enableOvsdb", "true")
+        self.await_refused(f"{UNICAST}/{row}", "the row is gone from the database")
+        self.assertEqual(self.names(self.reader, UNICAST), [])
+
     def test_what_may_not_be_written_to_an_address_is_undone_where_it_was_removed_at_once(self):
         writer, row = self.unicast_row()
         writer.ask_all([f"set {UNICAST}/{row} invalidAttrib 'vtepIp' true", f"del {UNICAST} entry '{row}'"])

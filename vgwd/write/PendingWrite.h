@@ -17,6 +17,9 @@
 
 namespace Vgwd {
 
+/// Why a write to a row is undone that has come to nothing.
+constexpr char const* rowIsGone = "the row is gone from the database";
+
 /// A table, and the row's name there.
 using Place = std::pair<Ovsdb::Table, std::string>;
 

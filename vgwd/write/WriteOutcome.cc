@@ -22,7 +22,7 @@ constexpr char const* changedMeanwhile =
 // A transaction of ours waits for its row, and for the set of locators that it found there.
 std::string wordsOf(Ovsdb::RpcError const& error, bool isThere) {
     if (error.error != "timed out") return error.text();
-    return isThere ? "another keeps changing the row" : "the row is gone from the database";
+    return isThere ? "another keeps changing the row" : rowIsGone;
 }
 
 // There may be one locator of an address, and another has made it at the same time.

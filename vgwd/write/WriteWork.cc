@@ -147,8 +147,8 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
         if (row) return workOnNewMac(place, pending, *row);
         std::string const made = pending.wasLost ? madeRow(table, pending) : "";
         if (!made.empty()) return handleThere(place, pending, made);
-        forget(place);
-        return;
+        bool const isLost = !pending.isTakenOut && !pending.wanted.isEmpty();
+        return isLost ? undo(place, rowIsGone) : forget(place);
     }
     pending.isDue = false;
     if (pending.isTakenOut) return send(place, pending, rowRemoval(table, name));

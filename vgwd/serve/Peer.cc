@@ -219,7 +219,10 @@ void Peer::countHeld() {
         if (!isWithin)
             return closeFor(identity_.name + " has made more than " +
                             std::to_string(quotas.limits().entities) + " entities");
-        if (std::string const full = whyNoMoreRows(); !full.empty()) closeFor(full);
+        Qor::U64 const most = quotas.limits().entities;
+        if (host_.rowsWaiting(identity_.name) > most)
+            closeFor("more than " + std::to_string(most) + " rows of " + identity_.name +
+                     " wait for the database");
     }
 }
 

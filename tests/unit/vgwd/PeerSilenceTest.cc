@@ -226,6 +226,24 @@ TEST_F(PeerSilence, WhoseRowsWaitUpToTheLimitMountsNothingToBeWritten) {
     session_->listenerIs(nullptr);
 }
 
+TEST_F(PeerSilence, WhoseRowsWaitUpToTheLimitIsCutForTheNextOne) {
+    auto const rows = Qor::make<Qor::Dir>("rows");
+    root_->entryIs("rows", rows);
+    connectUnix();
+    mount();
+    auto const id = session_->mount("/vgw/rows", true);
+    ASSERT_TRUE(becomes([&] { return session_->mounted(id) != nullptr; }));
+    auto const copy = Qor::dynamicCast<Qor::Dir>(session_->mounted(id));
+    listener_.rows = options_.quotas.entities;
+    copy->entryIs("last", Vgw::cliConfigFactory("last"));
+    ASSERT_TRUE(becomes([&] { return rows->entrys() == 1; }));
+    EXPECT_FALSE(becomes([&] { return isGone(); }, milliseconds(300)));
+    listener_.rows += 1;
+    copy->entryIs("next", Vgw::cliConfigFactory("next"));
+    EXPECT_TRUE(becomes([&] { return isGone(); }));
+    EXPECT_NE(said_.find("more than 262144 rows of "), std::string::npos);
+}
+
 // It stands in the books under its path, which a peer that may write can have made.
 TEST_F(PeerSilence, APathThatNoKeyCanHoldIsNotMounted) {
     std::string const name(50'000, 'a');

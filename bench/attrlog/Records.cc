@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../Row.h"
+#include "PutRecord.h"
 #include "mixed/Mixture.h"
 #include "peers/Peers.h"
 
@@ -26,8 +27,7 @@ void writeOurs(benchmark::State& state) {
     auto const out = Qor::make<Out>();
     std::uint32_t number = 0;
     for (auto _ : state) {
-        out->nextHeaderIs({Qor::EntityId(3), 388});
-        out << Out::TransactToken::begin << ++number << Out::TransactToken::end;
+        putRecord(out, {Qor::EntityId(3), 388}, ++number);
         if (!out->hasSufficientBuffer()) drain(*out);
     }
     tellOperations(state);
@@ -93,8 +93,7 @@ void readFloor(benchmark::State& state) {
 void readOurs(benchmark::State& state) {
     auto const out = Qor::make<Out>();
     for (std::uint32_t i = 0; i < recordsRead; ++i) {
-        out->nextHeaderIs({Qor::EntityId(3), 388});
-        out << Out::TransactToken::begin << i << Out::TransactToken::end;
+        putRecord(out, {Qor::EntityId(3), 388}, i);
     }
     std::string const bytes(out->unsent());
     auto const in = Qor::make<In>();

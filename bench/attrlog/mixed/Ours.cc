@@ -4,6 +4,7 @@
 #include <qor/attrlog/family/ValueOut.h>
 
 #include "../../Row.h"
+#include "../PutRecord.h"
 #include "OurRows.h"
 
 namespace Bench {
@@ -38,20 +39,6 @@ struct Values {
     Kelp::EthAddr mac;
     Vgw::MacVniPair pair;
 };
-
-// As putRecord() of the handlers, without an adapter.
-template <class... Parts>
-void putRecord(Qor::Ptr<Out> const& out, Header const& header, Parts const&... parts) {
-    std::size_t const size = (Qor::NboAttrLog::sizeOnWire(parts) + ...);
-    if (unsigned char* at = out->claimRecord(header, size)) [[likely]] {
-        static_cast<void>(((at = Qor::NboAttrLog::storeOnWire(at, parts)), ...));
-        return;
-    }
-    out->nextHeaderIs(header);
-    out << Token::begin;
-    (Qor::putValue(out, parts), ...);
-    out << Token::end;
-}
 
 // As those of texts, whose only chunk stands behind its key.
 template <class... Keys>

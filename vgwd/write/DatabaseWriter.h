@@ -32,12 +32,9 @@
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
 
-#include <chrono>
-#include <functional>
+#include <cstddef>
 #include <map>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace Vgwd {

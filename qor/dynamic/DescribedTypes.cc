@@ -107,8 +107,9 @@ class Making {
         for (auto const& [name, description] : told_) {
             if (isCompiled(name)) continue;
             auto const before = known().find(name);
-            bool const isSame =
-                before != known().end() && before->second.description == description;
+            bool const isSame = before != known().end() &&
+                                before->second.description == description &&
+                                QorType::type(name) == before->second.type;
             if (!isSame) chosen_.insert(name);
         }
         chooseDependents();

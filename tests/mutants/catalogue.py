@@ -1,12 +1,15 @@
 """Bugs to plant, one for each way in which the system could fail: what breaks, the file, what stands there, what is put in
-its place, and the test programs that are to find it; where none is named, the simulation of the small model. Run by itself
-it says which places do not stand once in the sources."""
+its place, and the test programs that are to find it, the simulation with its options; where none is named, that of the small
+model without any. Run by itself it says which places do not stand once in the sources."""
 import sys
 from pathlib import Path
 
 FAMILY = "qor/attrlog/family/"
 FLOW = "qor/attrlog/flow/"
 DYNAMIC = "qor/dynamic/"
+SESSION = "qor/attrlog/session/"
+DIR = "qor/attrlog/dir/"
+LATE = "simulate_lab --late"
 
 MUTANTS = [
     ("a change is sent back to where it came from", FLOW + "AdapterState.h",
@@ -173,6 +176,22 @@ MUTANTS = [
     ("a described entity does not tell that a key has gone", DYNAMIC + "DynamicStreams.h",
      "static void del(DynamicEntity& entity, Key const& key) { delKeyed<A>(entity, key); }",
      "static void del(DynamicEntity& entity, Key const& key) { A::map(entity).memberDel(key); }"),
+    ("nothing is mounted again for a class that came late", SESSION + "SessionTypes.cc",
+     "if (isNews) mountAllAgain();", "if (isNews && asked_.empty()) mountAllAgain();", [LATE]),
+    ("what gives way to an entry of an unknown class stays", DIR + "EntryStream.cc",
+     "if (present) takeDownEntry(adapter, key);", "if (present && !isCopy) takeDownEntry(adapter, key);", ["attrlog_units"]),
+    ("a copy is not told that its entry was left out", DIR + "EntryStream.cc",
+     "if (isCopy) return forgive<EntryStream>(adapter, key);\n    adapter.onEntry(key);", "forgive<EntryStream>(adapter, key);", [LATE]),
+    ("a class is not asked for where one above it is known", DIR + "EntryStream.cc",
+     "if (lacked.length() != 0) record.demuxer.unknownClass(lacked);",
+     "if (lacked.length() != 0 && !told.entity) record.demuxer.unknownClass(lacked);", [LATE]),
+    ("an original holds an entry as one of a class above", DIR + "EntryStream.cc",
+     "bool const isHeld = lacked.length() == 0 || adapter.has(AdapterState::isCopy);", "bool const isHeld = true;", [LATE]),
+    ("an entry is taken for one of the class that was known of the last", DIR + "EntryStream.cc",
+     "last.type = lacked.length() == 0 ? known : nullptr;", "last.type = known;", [LATE]),
+    ("a described class that has left the registry is not made again", DYNAMIC + "DescribedTypes.cc",
+     "before->second.description == description &&\n                                QorType::type(name) == before->second.type;",
+     "before->second.description == description;", [LATE]),
 ]
 
 

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstring>
+#include <map>
 #include <random>
 #include <string>
 #include <vector>
@@ -242,18 +243,13 @@ std::string longArray(std::size_t items) {
 }
 
 TEST(JsonFramer, TwiceTheInputTakesTwiceTheTime) {
-    constexpr std::size_t items = Settings::volume(100000, 40000, 20000);
-    std::string const once = longArray(items);
-    std::string const fourfold = longArray(4 * items);
+    constexpr std::size_t items = Settings::volume(200000, 80000, 40000);
+    std::map<std::size_t, std::string> texts;
+    for (std::size_t const count : {items, 2 * items}) texts[count] = longArray(count);
     for (std::size_t const chunk : {std::size_t{64}, std::size_t{1} << 18}) {
-        double shorter = 1e9;
-        double longer = 1e9;
-        for (int round = 0; round < 7; ++round) {
-            shorter = std::min(shorter, secondsFor(once, chunk));
-            longer = std::min(longer, secondsFor(fourfold, chunk));
-        }
-        // Two doublings, at most 2.3 times each.
-        EXPECT_LT(longer, shorter * 2.3 * 2.3) << "in chunks of " << chunk;
+        SCOPED_TRACE("in chunks of " + std::to_string(chunk));
+        expectLinearCost(items,
+                         [&](std::size_t count) { return secondsFor(texts.at(count), chunk); });
     }
 }
 

@@ -4,15 +4,6 @@ namespace Sim {
 
 using OpId = Qor::GenericIf::AttributeOp::OpId;
 
-namespace {
-
-Qor::QorType& typeNamed(char const* compiled) {
-    auto const name = otherNames(compiled);
-    return *Qor::QorType::type(nameOf(name));
-}
-
-}  // namespace
-
 Described::Wrapper Described::wrapper(Qor::Entity const& entity) {
     return entity.fwkType()->genericIf_(const_cast<Qor::Entity*>(&entity), false);
 }
@@ -37,13 +28,16 @@ Described::Wrapper Described::listOf(Wrapper const& argument) {
     return Qor::make<Qor::GenericIf::List_>(queue);
 }
 
-EntityPtr Described::made(char const* className, Wrapper const& argument) {
+EntityPtr Described::made(std::string const& fullName, Wrapper const& argument) {
     Wrapper const list = listOf(argument);
-    return typeNamed(className).genericIf(list.ptr(), false)->entity();
+    return Qor::QorType::type(nameOf(fullName))->genericIf(list.ptr(), false)->entity();
 }
 
-bool Described::isA(Qor::Entity const& entity, char const* className) {
-    return entity.fwkType()->isA(typeNamed(className));
+bool Described::isA(Qor::Entity const& entity, std::string_view compiledName) {
+    for (Qor::QorType const* type = entity.fwkType(); type; type = type->base()) {
+        if (compiledNames(std::string(type->fullName().view())) == compiledName) return true;
+    }
+    return false;
 }
 
 Qor::QorType& Described::valueType(Qor::Entity const& entity, Qor::AttributeId id) {

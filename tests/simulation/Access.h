@@ -31,8 +31,9 @@ struct Compiled {
     static std::string className(Qor::Entity const& entity) {
         return std::string(entity.fwkType()->fullName().view());
     }
+    static constexpr Knowledge first = Knowledge::compiled;
     template <class X, class Argument>
-    static EntityPtr make(Argument const& argument) {
+    static EntityPtr make(Knowledge, Argument const& argument) {
         return Qor::make<X>(argument);
     }
     template <class X, class A>
@@ -119,11 +120,12 @@ struct Compiled {
 class Described {
   public:
     static std::string className(Qor::Entity const& entity) {
-        return otherNames(std::string(entity.fwkType()->fullName().view()));
+        return compiledNames(std::string(entity.fwkType()->fullName().view()));
     }
+    static constexpr Knowledge first = Knowledge::described;
     template <class X, class Argument>
-    static EntityPtr make(Argument const& argument) {
-        return made(X::qorTypeName, Qor::wrapped(argument, false));
+    static EntityPtr make(Knowledge knowledge, Argument const& argument) {
+        return made(namesFor(knowledge, X::qorTypeName), Qor::wrapped(argument, false));
     }
     template <class X, class A>
     static auto constant(Qor::Entity const& entity) {
@@ -203,8 +205,8 @@ class Described {
                     Wrapper const& value);
     static void del(Qor::Entity& entity, Qor::AttributeId id, Wrapper const& key);
     static Wrapper listOf(Wrapper const& argument);
-    static EntityPtr made(char const* className, Wrapper const& argument);
-    static bool isA(Qor::Entity const& entity, char const* className);
+    static EntityPtr made(std::string const& fullName, Wrapper const& argument);
+    static bool isA(Qor::Entity const& entity, std::string_view compiledName);
     static Qor::QorType& valueType(Qor::Entity const& entity, Qor::AttributeId id);
     static Qor::QorType& keyType(Qor::Entity const& entity, Qor::AttributeId id);
 
@@ -212,7 +214,7 @@ class Described {
     template <class T>
     static T plain(Qor::GenericIf const& wrapper) {
         if constexpr (std::is_enum_v<T> || requires { typename T::QorFields; }) {
-            auto const text = otherNames(std::string(wrapper.strRep().view()));
+            auto const text = compiledNames(std::string(wrapper.strRep().view()));
             return Qor::strepToValue<T>(Qor::String8(std::string_view(text)));
         } else {
             return Qor::unwrapped<T>(wrapper);
@@ -222,7 +224,8 @@ class Described {
     static Wrapper wrapped(Qor::QorType& type, T const& value) {
         if constexpr (std::is_enum_v<T> || requires { typename T::QorFields; }) {
             using Qor::valueToStrep;
-            auto const text = otherNames(std::string(valueToStrep(value).view()));
+            auto const text =
+                namesLike(type.fullName().view(), std::string(valueToStrep(value).view()));
             return type.genericIfFromStrep(Qor::String8(std::string_view(text)), false);
         } else {
             return Qor::wrapped(value, false);

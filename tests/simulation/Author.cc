@@ -1,5 +1,7 @@
 #include "Author.h"
 
+#include "VgwShapes.h"
+
 #include <algorithm>
 #include <optional>
 
@@ -186,6 +188,25 @@ void Author::changeOwned(std::string const& path, Row const& row, Field const& f
     own(path, row, field, name);
 }
 
+// Whether a process on the way to the source does not know the class.
+bool Author::isLeftOut(Shape const& shape) const {
+    return std::any_of(above_.begin(), above_.end(),
+                       [&](Knowledge knowledge) { return !hasLearned(knowledge, shape.name); });
+}
+
+// Mostly one of those that are learned late, where there are such.
+unsigned Author::anySort() {
+    auto const& all = shapes(Knowledge::compiled);
+    auto const directory = static_cast<unsigned>(all.size());
+    auto sort = static_cast<unsigned>(dice_.below(all.size() + 1));
+    if (Cast::hasLate() && dice_.oneIn(2)) {
+        auto const late = lateShapes(Knowledge::compiled).size();
+        sort = directory - 1 - static_cast<unsigned>(dice_.below(late));
+    }
+    bool const isAvoided = isCareful_ && sort != directory && isLeftOut(*all[sort]);
+    return isAvoided ? directory : sort;
+}
+
 void Author::own(std::string const& path, Row const& row, Field const& field,
                  std::string const& name) {
     if (path.size() > deepest) return;
@@ -195,12 +216,11 @@ void Author::own(std::string const& path, Row const& row, Field const& field,
     if (isHere(line) && !isEntry) return;
     // An entry is replaced, and so is a single child of another name.
     if (isSingle || isHere(line)) disown(path, row, field, isSingle ? std::string() : name);
-    auto const child =
-        field.own(*row.entity, name,
-                  static_cast<unsigned>(dice_.below(shapes(Knowledge::compiled).size() + 1)));
+    auto const child = field.own(*row.entity, name, anySort());
     for (auto const& [childPath, owned] : ownedBy(row, path)) {
         if (childPath != line) continue;
         note(line, owned.shape->title(*child), false);
+        if (isLeftOut(*owned.shape)) plan_.unsure.insert(line);
     }
 }
 
@@ -253,7 +273,8 @@ void Author::dropReferencesTo(std::string const& row) {
 void Author::dropLooseReferences() {
     auto const picture = pictureOf(top_);
     for (auto const& [line, text] : picture.lines) {
-        if (text != nowhere) continue;
+        bool const isMine = number_ == 0 || plan_.authors[line] == number_;
+        if (text != nowhere || !isMine) continue;
         auto const& place = plan_.references[line];
         eraseAt(place);
         forget(line);

@@ -23,6 +23,10 @@ class Author {
     void isRivalIs(bool isRival) { isRival_ = isRival; }
     // Whether what it writes stands unless another writes the same.
     void isInStepIs(bool isInStep) { isInStep_ = isInStep; }
+    // How the processes know the classes through which what it writes goes to the source.
+    void aboveIs(std::vector<Knowledge> above) { above_ = std::move(above); }
+    // It makes nothing that one of them would leave out.
+    void isCarefulIs(bool isCareful) { isCareful_ = isCareful; }
     // Whether texts may be longer than a record.
     void hasLongTextsIs(bool has) { hasLongTexts_ = has; }
 
@@ -62,6 +66,8 @@ class Author {
     void touch(std::string const& line);
     std::string lineOf(std::string const& path, Field const& field, unsigned key) const;
     Fresh fresh();
+    bool isLeftOut(Shape const& shape) const;
+    unsigned anySort();
 
     unsigned const number_;
     unsigned const count_;
@@ -71,6 +77,8 @@ class Author {
     bool isRival_ = false;
     bool isInStep_ = true;
     bool hasLongTexts_ = true;
+    bool isCareful_ = false;
+    std::vector<Knowledge> above_;
 };
 
 }  // namespace Sim

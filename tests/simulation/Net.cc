@@ -49,9 +49,11 @@ void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> co
     Qor::NboAttrLog::MemoryTransport::connect(acceptEnd_->memory(), connectEnd_->memory());
     Process const& accepting = settings.processes[accepting_];
     Process const& connecting = settings.processes[connecting_];
-    bool const exchangesNames = accepting.knowledge != connecting.knowledge;
-    acceptEnd_->exchangesNamesIs(exchangesNames);
-    connectEnd_->exchangesNamesIs(exchangesNames);
+    NameExchange const names(accepting.knowledge, connecting.knowledge);
+    acceptEnd_->exchangeIs(names);
+    connectEnd_->exchangeIs(names);
+    if (isLate(accepting.knowledge)) acceptEnd_->learnsLateIs(accepting.knowledge);
+    if (isLate(connecting.knowledge)) connectEnd_->learnsLateIs(connecting.knowledge);
     Session::Config config;
     config.peerMayWrite = settings.isWritable;
     config.ringBlocks = settings.ringBlocks;
@@ -79,7 +81,7 @@ void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> co
 
 void Link::mount(Mounted& mounted) const {
     mounted.id = mounted.session->mount(mounted.path, areWritable_, mounted.copy);
-    mounted.isSynced = false;
+    mounted.isSynced = mounted.isThere = false;
 }
 
 bool Link::remount(Dice& dice) {
@@ -87,7 +89,7 @@ bool Link::remount(Dice& dice) {
     Mounted& mounted = mounts_[dice.below(mounts_.size())];
     bool const wasMounted = mounted.id != 0;
     if (wasMounted) mounted.session->unmount(std::exchange(mounted.id, 0));
-    mounted.isSynced = false;
+    mounted.isSynced = mounted.isThere = false;
     if (!wasMounted || dice.oneIn(2)) mount(mounted);
     return true;
 }
@@ -107,6 +109,18 @@ void Link::synced(Session const& session, Qor::NboAttrLog::MountId mount) {
 bool Link::isSynced() const {
     return isUp() && std::all_of(mounts_.begin(), mounts_.end(),
                                  [](Mounted const& mounted) { return mounted.isSynced; });
+}
+
+bool Link::mountsAgain() {
+    bool doesAny = false;
+    for (Mounted& mounted : mounts_) {
+        bool const isThere = mounted.id != 0 && mounted.session->mounted(mounted.id);
+        bool const isGivenBack = std::exchange(mounted.isThere, isThere) && !isThere;
+        if (!isGivenBack) continue;
+        mounted.isSynced = false;
+        doesAny = true;
+    }
+    return doesAny;
 }
 
 void Link::cut() {
@@ -178,6 +192,7 @@ std::string Link::audit() const {
 
 Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
     : settings_(settings), isHollow_(topology.processes) {
+    for (Process const& process : settings.processes) forgetLearned(process.knowledge);
     for (unsigned i = 0; i < topology.processes; ++i) {
         roots_.push_back(make<Qor::Dir>(Qor::Name("tree")));
     }
@@ -196,6 +211,7 @@ Net::Net(Topology const& topology, Settings const& settings, Dice& dice)
             tree.authors.emplace_back(number, topology.processes, tree.top(i), tree.plan, dice);
             tree.authors.back().isRivalIs(settings.areRivals);
             tree.authors.back().hasLongTextsIs(settings.hasLongTexts);
+            tree.authors.back().aboveIs(above(tree, i));
             tree.watches.emplace_back(settings.holdsEntities);
             tree.inStep.push_back(false);
             tree.astray.push_back(false);
@@ -221,6 +237,26 @@ Net::~Net() {
         for (Author& author : tree.authors) doInTheEnd([&] { author.letGo(); });
         doInTheEnd([&] { keepNothing(tree); });
     }
+}
+
+// Those through which what the process writes goes, to the tree's maker.
+std::vector<Knowledge> Net::above(Tree const& tree, unsigned process) const {
+    std::vector<Knowledge> all;
+    for (unsigned at = process; at != tree.route.maker;) {
+        at = tree.route.from[at];
+        all.push_back(settings_.processes[at].knowledge);
+    }
+    return all;
+}
+
+void Net::service(Link& link, bool accepting, Qor::U64 budget) {
+    link.service(accepting, budget);
+    if (!link.mountsAgain()) return;
+    ++learnings_;
+    for (Tree& tree : trees_) {
+        tree.plan.unmountedAt(pictureOf(tree.top(tree.route.maker)).lines, true);
+    }
+    outOfStep();
 }
 
 bool Net::isWhole(unsigned process) {
@@ -312,6 +348,7 @@ bool Net::isOnTrack(Tree& tree, unsigned process) {
 // they serve what they have, and it is those behind them that are not judged for a while.
 void Net::crash(unsigned process) {
     bool const isMaker = makes(process);
+    bool comesBack = false;
     for (auto const& link : links_) {
         if (link->accepting() == process || link->connecting() == process) cut(*link);
     }
@@ -319,6 +356,7 @@ void Net::crash(unsigned process) {
         Qor::Name const name = tree.tops[process]->name();
         tree.authors[process].letGo();
         bool const isKept = tree.route.maker == process && tree.kept;
+        comesBack |= isKept;
         tree.tops[process] = isKept ? std::exchange(tree.kept, nullptr) : make<Qor::Dir>(name);
         roots_[process]->entryIs(name, tree.tops[process]);
         tree.authors[process].topIs(tree.top(process));
@@ -329,6 +367,8 @@ void Net::crash(unsigned process) {
         tree.astray[tree.route.maker] = false;
     }
     isHollow_[process] = !isMaker;
+    // Who comes back with what he had knows its classes.
+    if (!comesBack) forgetLearned(settings_.processes[process].knowledge);
 }
 
 Link* Net::linkBetween(unsigned one, unsigned other) const {
@@ -361,8 +401,8 @@ unsigned Net::settle() {
             link->mountAll();
             link->roomIs(true, ~std::size_t{0});
             link->roomIs(false, ~std::size_t{0});
-            link->service(true, 1U << 20);
-            link->service(false, 1U << 20);
+            service(*link, true, 1U << 20);
+            service(*link, false, 1U << 20);
             moved += link->isUp() ? link->bytes() - before : 1;
         }
         quiet = moved == 0 ? quiet + 1 : 0;

@@ -85,6 +85,8 @@ class Link final {
     // Bytes that have gone over it, both ways.
     Qor::U64 bytes() const { return bytes_; }
     bool isSynced() const;
+    // Whether an end has learned of a class since the last call, and mounts again what it mounts.
+    bool mountsAgain();
     // Nothing is owed or under way.
     bool isIdle() const;
     std::string closed() const;
@@ -102,6 +104,7 @@ class Link final {
         Qor::Dir::Ptr copy;
         Qor::NboAttrLog::MountId id = 0;  // 0: given back
         bool isSynced = false;
+        bool isThere = false;  // and the session has not given it back
     };
     // Hears of one end's mounts.
     class Hearer final : public Qor::NboAttrLog::SessionListener {
@@ -148,7 +151,12 @@ class Net {
     // Unless who would serve has come back empty and is not whole again: it would serve that.
     void connect(Link& link);
     void cut(Link& link);
-    // The same of a tree that is mounted over it, while the connection stays. Whether there is one.
+    // Lets one end work. Where it learns of a class, it mounts again what it mounts.
+    void service(Link& link, bool accepting, Qor::U64 budget);
+    // How often one has learned of a class.
+    std::uint64_t learnings() const { return learnings_; }
+    // What cut() does, of a tree that is mounted over it, while the connection stays. Whether there
+    // is one.
     bool remount(Link& link, Dice& dice);
     // The process forgets all its copies and connections, as if it had ended and come back. A tree
     // that it makes it has as it was kept last, or begins anew.
@@ -170,6 +178,7 @@ class Net {
   private:
     bool isWhole(unsigned process);
     void outOfStep();
+    std::vector<Knowledge> above(Tree const& tree, unsigned process) const;
     void comeBack(Tree& tree);
 
     Settings const settings_;
@@ -177,6 +186,7 @@ class Net {
     std::vector<Qor::Dir::Ptr> roots_;
     std::vector<Tree> trees_;
     std::vector<std::unique_ptr<Link>> links_;
+    std::uint64_t learnings_ = 0;
 };
 
 }  // namespace Sim

@@ -25,10 +25,24 @@ std::vector<Process> processesOf(Topology const& topology, Request const& reques
     return processes;
 }
 
+// Of those that learn late there is one at least.
+std::vector<Process> lateProcessesOf(Topology const& topology, Request const& request) {
+    auto processes = processesOf(topology, request);
+    Dice dice(request.seed ^ 0xA24BAED4963EE407);
+    auto const first = static_cast<unsigned>(dice.below(processes.size()));
+    for (unsigned i = 0; i < processes.size(); ++i) {
+        if (i != first && !dice.oneIn(3)) continue;
+        processes[i].knowledge = lateOf(i);
+        processes[i].takesTypes = true;
+    }
+    return processes;
+}
+
 Settings settingsOf(Dice& dice, Topology const& topology, Request const& request) {
     bool const rivals = request.rivals;
     Settings settings;
-    settings.processes = processesOf(topology, request);
+    settings.processes =
+        request.late ? lateProcessesOf(topology, request) : processesOf(topology, request);
     settings.isTraced = request.isTraced;
     settings.isWritable = rivals || dice.oneIn(2);
     settings.areRivals = rivals;
@@ -44,7 +58,7 @@ Settings settingsOf(Dice& dice, Topology const& topology, Request const& request
 class Run {
   public:
     explicit Run(Request const& request)
-        : cast_(request.ties),
+        : cast_(request.ties, request.late),
           remounts_(request.remounts),
           makersEnd_(!request.makersStay && request.seed % 3 == 0),
           dice_(request.seed),
@@ -69,6 +83,7 @@ class Run {
     void needEqual(char const* when);
     void needQuiet();
     void needNoEcho();
+    void dropWhatWasLeftOut();
     void fail(std::string const& what) {
         if (outcome_.violation.empty()) outcome_.violation = what;
     }
@@ -114,7 +129,8 @@ void Run::serveSomeone() {
     link.roomIs(dice_.oneIn(2), dice_.oneOf(rooms));
     // With few bytes a turn, walks wait within ties.
     Qor::U64 const few = Cast::hasTies() ? 60 : 300;
-    link.service(dice_.oneIn(2), dice_.oneIn(Cast::hasTies() ? 2 : 4) ? few : 1U << 20);
+    bool const accepting = dice_.oneIn(2);
+    net_.service(link, accepting, dice_.oneIn(Cast::hasTies() ? 2 : 4) ? few : 1U << 20);
     if (!link.closed().empty() && link.isUp()) fail("closed: " + link.closed());
     digest(link.bytes());
     traceOn(link);
@@ -217,8 +233,8 @@ void Run::needQuiet() {
         if (!found.empty()) fail(found);
         Qor::U64 const before = link->bytes();
         for (int turn = 0; turn < 3; ++turn) {
-            link->service(true, 1U << 20);
-            link->service(false, 1U << 20);
+            net_.service(*link, true, 1U << 20);
+            net_.service(*link, false, 1U << 20);
         }
         if (link->bytes() != before) fail("bytes go over a link that is at rest");
     }
@@ -253,6 +269,20 @@ void Run::needNoEcho() {
     }
 }
 
+// Who wrote to an entity that a process above left out, since it did not know the class, may refer
+// to it still.
+void Run::dropWhatWasLeftOut() {
+    if (!Cast::hasLate() || !settings_.isWritable) return;
+    for (Tree& tree : net_.trees()) {
+        for (Author& author : tree.authors) {
+            author.dropLooseReferences();
+            author.isCarefulIs(true);
+        }
+        net_.settle();
+        tree.plan.adopt(pictureOf(tree.top(tree.route.maker)).lines);
+    }
+}
+
 void Run::finish() {
     for (Tree& tree : net_.trees()) {
         for (Watch& watch : tree.watches) watch.release();
@@ -265,6 +295,7 @@ void Run::finish() {
         // Where a cut comes in between, the source's stand.
         tree.plan.adopt(pictureOf(tree.top(tree.route.maker)).lines);
     }
+    dropWhatWasLeftOut();
     needQuiet();
     needEqual("at rest");
     if (!outcome_.violation.empty() || !settings_.isWritable) return;
@@ -290,6 +321,7 @@ Outcome Run::run(unsigned steps) {
         if (settings_.processes[i].knowledge == Knowledge::compiled) continue;
         outcome_.topology += (outcome_.volumes.described++ == 0 ? ", described: " : ", ");
         outcome_.topology += std::to_string(i);
+        if (isLate(settings_.processes[i].knowledge)) outcome_.topology += " late";
     }
     if (steps == 0) steps = static_cast<unsigned>(20 + dice_.below(300));
     for (unsigned i = 0; i < steps && outcome_.violation.empty(); ++i) {
@@ -301,6 +333,7 @@ Outcome Run::run(unsigned steps) {
         outcome_.volumes.bytes += link->bytes();
         traceOn(*link);
     }
+    outcome_.volumes.learnings = net_.learnings();
     digest(outcome_.volumes.bytes);
     return outcome_;
 }

@@ -18,6 +18,7 @@ struct Volumes {
     std::uint64_t remounts = 0;
     std::uint64_t bytes = 0;
     std::uint64_t described = 0;  // processes that know the classes by their descriptions alone
+    std::uint64_t learnings = 0;  // mounts that were made again for a class that was met late
 };
 
 struct Outcome {
@@ -37,6 +38,7 @@ struct Request {
     bool ties = false;        // collections have keys that tie
     bool compiled = false;    // no process knows the classes by their descriptions alone
     bool makersStay = false;  // no process that makes a tree ends
+    bool late = false;        // some processes learn of a few classes when they meet them
     bool isTraced = false;    // everything that happens on standard output
 };
 

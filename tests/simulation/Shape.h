@@ -75,13 +75,16 @@ class Shape {
 
     // Of the compiled class.
     std::string name;
+    // The first way of knowing it that the shape is for.
+    Knowledge knowledge = Knowledge::compiled;
     std::vector<std::unique_ptr<Field const>> fields;
     bool isDirectory = false;
 
     // Null for an id that is none.
     Field const* field(Qor::AttributeId id) const;
 
-    virtual EntityPtr make(std::string const& entityName) const = 0;
+    // By a process that knows the class so.
+    virtual EntityPtr make(Knowledge knowledge, std::string const& entityName) const = 0;
     // The class, and what an entity of it is built from beside its name.
     virtual std::string title(Qor::Entity const&) const { return name; }
     Qor::Entity const& newborn() const;
@@ -91,12 +94,13 @@ class Shape {
 };
 
 // Which classes take part as long as it stands: those of agents and the lab's, or, so that keys tie
-// all the time, the lab's and a few whose keys do.
+// all the time, the lab's and a few whose keys do; and perhaps those that processes learn late.
 class Cast {
   public:
-    explicit Cast(bool hasTies);
+    Cast(bool hasTies, bool hasLate);
     ~Cast();
     static bool hasTies();
+    static bool hasLate();
     Cast(Cast const&) = delete;
     Cast& operator=(Cast const&) = delete;
 };

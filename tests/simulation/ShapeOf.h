@@ -213,6 +213,7 @@ class ClassShape final : public Shape {
   public:
     ClassShape() {
         name = X::qorTypeName;
+        knowledge = How::first;
         addFields<X, How>(fields);
     }
     std::string title(Qor::Entity const& entity) const override {
@@ -224,12 +225,12 @@ class ClassShape final : public Shape {
         });
         return result;
     }
-    EntityPtr make(std::string const& text) const override {
+    EntityPtr make(Knowledge by, std::string const& text) const override {
         if constexpr (std::is_constructible_v<X, Qor::Name>) {
-            return How::template make<X>(nameOf(text));
+            return How::template make<X>(by, nameOf(text));
         } else {
             // What has no name is built from an address.
-            return How::template make<X>(valueFrom<Kelp::EthAddr>({text.size(), {}}));
+            return How::template make<X>(by, valueFrom<Kelp::EthAddr>({text.size(), {}}));
         }
     }
 };

@@ -3,6 +3,9 @@
 
 #include <qor/registry/QorType.h>
 
+#include <array>
+#include <memory>
+
 namespace Sim {
 
 namespace {
@@ -21,11 +24,8 @@ class EntryField final : public Field {
         }
     }
     EntityPtr own(Qor::Entity& entity, std::string const& key, unsigned sort) const override {
-        auto const& all = shapes(knowledge_);
-        std::size_t const place = sort % (all.size() + 1);
-        Shape const& shape = place == all.size() ? dirShape(knowledge_) : *all[place];
         auto& dir = static_cast<Qor::Dir&>(entity);
-        auto child = shape.make(key);
+        auto child = shapeNumbered(sort).make(knowledge_, key);
         dir.entryIs(nameOf(key), child);
         return child;
     }
@@ -34,17 +34,26 @@ class EntryField final : public Field {
     }
 
   private:
+    // A directory in the place of what has not been learned yet.
+    Shape const& shapeNumbered(unsigned sort) const {
+        auto const& all = shapes(knowledge_);
+        std::size_t const place = sort % (all.size() + 1);
+        bool const isKnown = place != all.size() && hasLearned(knowledge_, all[place]->name);
+        return isKnown ? *all[place] : dirShape(knowledge_);
+    }
+
     Knowledge const knowledge_;
 };
 
 class DirShape final : public Shape {
   public:
-    explicit DirShape(Knowledge knowledge) {
+    explicit DirShape(Knowledge by) {
+        knowledge = by;
         name = "Qor::Dir";
         isDirectory = true;
-        fields.push_back(std::make_unique<EntryField>(knowledge));
+        fields.push_back(std::make_unique<EntryField>(by));
     }
-    EntityPtr make(std::string const& text) const override {
+    EntityPtr make(Knowledge, std::string const& text) const override {
         return Qor::make<Qor::Dir>(nameOf(text));
     }
 };
@@ -52,7 +61,7 @@ class DirShape final : public Shape {
 // What can't stand where it stands, such as a compiled class in a process that has none.
 class StrangeShape final : public Shape {
   public:
-    EntityPtr make(std::string const& text) const override {
+    EntityPtr make(Knowledge, std::string const& text) const override {
         return Qor::make<Qor::Dir>(nameOf(text));
     }
     std::string title(Qor::Entity const& entity) const override {
@@ -67,15 +76,20 @@ std::vector<Shape const*> joined(std::vector<Shape const*> all,
 }
 
 bool areTied = false;
+bool areLate = false;
 
 }  // namespace
 
-Cast::Cast(bool hasTies) { areTied = hasTies; }
-Cast::~Cast() { areTied = false; }
+Cast::Cast(bool hasTies, bool hasLate) {
+    areTied = hasTies;
+    areLate = hasLate;
+}
+Cast::~Cast() { areTied = areLate = false; }
 bool Cast::hasTies() { return areTied; }
+bool Cast::hasLate() { return areLate; }
 
 Qor::Entity const& Shape::newborn() const {
-    if (!newborn_) newborn_ = make("newborn");
+    if (!newborn_) newborn_ = make(knowledge, "newborn");
     return *newborn_;
 }
 
@@ -98,33 +112,49 @@ struct Casts {
         usual = joined(vgwShapes(knowledge), lab);
 #endif
         tied = joined(lab, tiesShapes(knowledge));
+        auto const late = lateShapes(knowledge);
+        usualAndLate = joined(usual, late);
+        tiedAndLate = joined(tied, late);
     }
+    std::vector<Shape const*> const& now() const {
+        if (areLate) return areTied ? tiedAndLate : usualAndLate;
+        return areTied ? tied : usual;
+    }
+
+  private:
     std::vector<Shape const*> usual;
     std::vector<Shape const*> tied;
+    std::vector<Shape const*> usualAndLate;
+    std::vector<Shape const*> tiedAndLate;
 };
 
 }  // namespace
 
 std::vector<Shape const*> const& shapes(Knowledge knowledge) {
     static Casts const compiled(Knowledge::compiled);
-    if (knowledge == Knowledge::compiled) return areTied ? compiled.tied : compiled.usual;
+    if (knowledge == Knowledge::compiled) return compiled.now();
     static Casts const described(Knowledge::described);
-    return areTied ? described.tied : described.usual;
+    return described.now();
 }
 
 Shape const& dirShape(Knowledge knowledge) {
-    static DirShape const compiled(Knowledge::compiled);
-    static DirShape const described(Knowledge::described);
-    if (knowledge == Knowledge::compiled) return compiled;
+    static auto const all = [] {
+        std::array<std::unique_ptr<DirShape const>, waysToKnow> made;
+        for (unsigned way = 0; way < waysToKnow; ++way) {
+            made[way] = std::make_unique<DirShape>(static_cast<Knowledge>(way));
+        }
+        return made;
+    }();
     static_cast<void>(shapes(knowledge));  // what is to stand in it is known from here on
-    return described;
+    return *all[static_cast<unsigned>(knowledge)];
 }
 
 Shape const& shapeIn(Knowledge knowledge, Qor::Entity const& entity) {
     static StrangeShape const strange;
     std::string const there = plain(entity.fwkType()->fullName());
     if (there == dirShape().name) return dirShape(knowledge);
-    std::string const name = knowledge == Knowledge::compiled ? there : otherNames(there);
+    std::string const name = compiledNames(there);
+    if (namesFor(knowledge, name) != there) return strange;
     for (Shape const* const shape : shapes(knowledge)) {
         if (shape->name == name) return *shape;
     }

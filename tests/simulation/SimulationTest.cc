@@ -64,6 +64,21 @@ TEST(Simulation, CollectionsWhoseKeysTieConverge) {
     }
 }
 
+TEST(Simulation, ClassesThatAreMetLateAreLearnedAndConverge) {
+    std::uint64_t learnings = 0;
+    for (std::uint64_t seed = 1; seed <= scripts / 3; ++seed) {
+        Request request{seed, 0, seed % 4 == 0, seed % 3 == 0, seed % 5 == 0};
+        request.late = true;
+        auto const outcome = runScript(request);
+        learnings += outcome.volumes.learnings;
+        ASSERT_EQ(outcome.violation, "")
+            << outcome.topology << "; to see it again: simulate --late --trace --scripts 1 "
+            << (request.rivals ? "--rivals " : "") << (request.remounts ? "--remounts " : "")
+            << (request.ties ? "--ties " : "") << "--seed " << seed;
+    }
+    EXPECT_GT(learnings, scripts / 6);
+}
+
 // A script that was found when all processes had the classes and no maker ended, kept as it was.
 Request compiled(std::uint64_t seed, bool rivals = false) {
     Request request{seed, 0, rivals};

@@ -40,6 +40,17 @@ std::string named(Sent const& sent) {
            (sent.isUp ? ", up" : ", down");
 }
 
+// In the place of a frame one that leads to nothing: both ends count them.
+std::string wordOfNoMount(std::string_view frame) {
+    constexpr char synced = 4;
+    constexpr char end = 3;
+    std::string result(frame.substr(0, headSize));
+    result += synced + std::string(4, '\xff') + end;
+    std::size_t const length = result.size() - 4;
+    for (std::size_t i = 0; i < 4; ++i) result[i] = static_cast<char>(length >> (24 - 8 * i));
+    return result;
+}
+
 }  // namespace
 
 void FrameCutter::append(std::string_view bytes, bool isUp, std::vector<Sent>& history) {
@@ -119,6 +130,50 @@ std::string wellFormed(std::vector<Sent> const& history) {
     return {};
 }
 
+void DescriptionSieve::sift() {
+    while (waiting_.size() >= headSize) {
+        std::size_t const size = number(waiting_, 0, 4) + 4;
+        if (waiting_.size() < size) return;
+        pass(waiting_.substr(0, size));
+        waiting_.erase(0, size);
+    }
+}
+
+// Of the answers to the first question, which is for all.
+void DescriptionSieve::pass(std::string frame) {
+    constexpr unsigned link = 2;
+    constexpr unsigned described = 11;
+    constexpr unsigned describedAll = 12;
+    std::string_view const payload = std::string_view(frame).substr(headSize);
+    bool const isLink = number(frame, 4, 1) == link;
+    auto const op = isLink ? number(payload, 0, 1) : 0;
+    bool const isOfFirst = (op == described || op == describedAll) && number(payload, 1, 4) == 1;
+    if (isOfFirst && op == described) {
+        std::string_view const name = payload.substr(9, number(payload, 5, 4));
+        if (isLearnedLate(reader_, name)) {
+            std::string const instead = wordOfNoMount(frame);
+            keptBack_ += frame.size() - instead.size();
+            passed_ += instead;
+            ++classes_;
+            return;
+        }
+    }
+    if (isOfFirst && op == describedAll) {
+        auto const told = static_cast<std::uint32_t>(number(payload, 5, 4)) - classes_;
+        for (std::size_t i = 0; i < 4; ++i) {
+            frame[headSize + 5 + i] = static_cast<char>(told >> (24 - 8 * i));
+        }
+    }
+    passed_ += frame;
+}
+
+std::string DescriptionSieve::take(std::size_t most) {
+    sift();
+    std::string const taken = passed_.substr(0, most);
+    passed_.erase(0, taken.size());
+    return taken;
+}
+
 std::size_t Tap::write(std::string_view bytes) {
     std::size_t const count = memory_.write(bytes);
     put_ += count;
@@ -126,21 +181,41 @@ std::size_t Tap::write(std::string_view bytes) {
 }
 
 // Beside what there is room for, enough to tell whether its last bytes begin a name.
-std::size_t Tap::readExchanged(std::span<unsigned char> room) {
+std::string Tap::nextExchanged(std::size_t most) {
     std::array<unsigned char, 4096> bytes;
-    std::size_t const wanted = room.size() + NameExchange::longest;
+    std::size_t const wanted = most + NameExchange::longest;
     if (names_.waiting() < wanted) {
-        std::size_t const most = std::min(bytes.size(), wanted - names_.waiting());
-        std::size_t const count = memory_.read(std::span(bytes).first(most));
+        std::size_t const room = std::min(bytes.size(), wanted - names_.waiting());
+        std::size_t const count = memory_.read(std::span(bytes).first(room));
         names_.append({reinterpret_cast<char const*>(bytes.data()), count});
     }
-    std::string const taken = names_.take(room.size());
-    std::copy(taken.begin(), taken.end(), room.begin());
-    return taken.size();
+    return names_.take(most);
 }
 
+// Until there is a whole frame, or nothing more has come.
+std::string Tap::nextSifted(std::size_t most) {
+    std::string taken = sieve_->take(most);
+    while (taken.empty()) {
+        std::string const more = nextExchanged(4096);
+        if (more.empty()) break;
+        sieve_->append(more);
+        taken = sieve_->take(most);
+    }
+    taken_ += sieve_->keptBack();
+    return taken;
+}
+
+std::string Tap::next(std::size_t most) { return sieve_ ? nextSifted(most) : nextExchanged(most); }
+
 std::size_t Tap::read(std::span<unsigned char> room) {
-    std::size_t const count = exchangesNames_ ? readExchanged(room) : memory_.read(room);
+    std::size_t count = 0;
+    if (names_.isNone()) {
+        count = memory_.read(room);
+    } else {
+        std::string const taken = next(room.size());
+        std::copy(taken.begin(), taken.end(), room.begin());
+        count = taken.size();
+    }
     taken_ += count;
     if (records_ && count > 0) {
         cutter_.append({reinterpret_cast<char const*>(room.data()), count}, isUp_, history_);

@@ -8,8 +8,10 @@
 #include <qor/attrlog/session/Transport.h>
 
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Sim {
@@ -46,14 +48,40 @@ std::string announcedFirst(std::vector<Sent> const& history);
 // Snapshots end after they have begun, and a text's chunks of one value are not torn apart.
 std::string wellFormed(std::vector<Sent> const& history);
 
+// Lets a stream through but for the descriptions of classes that its reader is to learn late, where
+// it asked for all: as if the peer had come to know them since.
+class DescriptionSieve {
+  public:
+    explicit DescriptionSieve(Knowledge reader) : reader_(reader) {}
+
+    void append(std::string_view bytes) { waiting_ += bytes; }
+    // Of what is whole, at most so much.
+    std::string take(std::size_t most);
+    std::size_t waiting() const { return waiting_.size() + passed_.size(); }
+    // Bytes that were kept back since the last call.
+    std::size_t keptBack() { return std::exchange(keptBack_, 0); }
+
+  private:
+    void sift();
+    void pass(std::string frame);
+
+    Knowledge const reader_;
+    std::string waiting_;
+    std::string passed_;
+    std::size_t keptBack_ = 0;
+    std::uint32_t classes_ = 0;  // that were kept back
+};
+
 class Tap final : public Qor::NboAttrLog::Transport {
   public:
     Tap(std::vector<Sent>& history, bool isUp) : history_(history), isUp_(isUp) {}
 
     Qor::NboAttrLog::MemoryTransport& memory() { return memory_; }
     void recordsIs(bool records) { records_ = records; }
-    // Whether classes are called by their other names in what comes out of here.
-    void exchangesNamesIs(bool exchanges) { exchangesNames_ = exchanges; }
+    // What comes out of here has classes by the names that its reader knows them by.
+    void exchangeIs(NameExchange const& exchange) { names_ = exchange; }
+    // The reader learns late.
+    void learnsLateIs(Knowledge reader) { sieve_.emplace(reader); }
 
     // Bytes that came out of here, and that went in.
     std::uint64_t taken() const { return taken_; }
@@ -64,15 +92,17 @@ class Tap final : public Qor::NboAttrLog::Transport {
     Qor::String8 closed() const override { return memory_.closed(); }
 
   private:
-    std::size_t readExchanged(std::span<unsigned char> room);
+    std::string next(std::size_t most);
+    std::string nextSifted(std::size_t most);
+    std::string nextExchanged(std::size_t most);
 
     Qor::NboAttrLog::MemoryTransport memory_;
     NameExchange names_;
+    std::optional<DescriptionSieve> sieve_;
     FrameCutter cutter_;
     std::vector<Sent>& history_;
     bool const isUp_;
     bool records_ = true;
-    bool exchangesNames_ = false;
     std::uint64_t taken_ = 0;
     std::uint64_t put_ = 0;
 };

@@ -87,11 +87,13 @@ TEST(FrameCutter, CutsTheDocumentedFrameAtAnyByte) {
 TEST(NameExchange, FindsNamesHoweverTheBytesCome) {
     std::string const stream = "x Vgw::Status; Dyn::Vgw, Lab::Lab::Node. Ties:: Dies::Knot\3V";
     std::string const exchanged = "x Dyn::Status; Vgw::Vgw, Dab::Dab::Node. Dies:: Ties::Knot\3";
-    EXPECT_EQ(Sim::otherNames(stream), exchanged + "V");
-    EXPECT_EQ(Sim::otherNames(Sim::otherNames(stream)), stream);
+    using Sim::Knowledge;
+    Sim::NameExchange const names(Knowledge::described, Knowledge::compiled);
+    EXPECT_EQ(names.exchanged(stream), exchanged + "V");
+    EXPECT_EQ(names.exchanged(names.exchanged(stream)), stream);
     for (std::size_t at = 0; at <= stream.size(); ++at) {
         for (std::size_t const room : {1U, 3U, 1000U}) {
-            Sim::NameExchange exchange;
+            Sim::NameExchange exchange = names;
             std::string taken;
             for (auto const& piece : {stream.substr(0, at), stream.substr(at)}) {
                 exchange.append(piece);
@@ -106,7 +108,7 @@ TEST(Shape, FindsACompiledEntityWhereClassesAreKnownByDescription) {
     using Sim::Knowledge;
     for (auto const knowledge : {Knowledge::compiled, Knowledge::described}) {
         for (Sim::Shape const* const shape : Sim::shapes(knowledge)) {
-            auto const entity = shape->make("x");
+            auto const entity = shape->make(knowledge, "x");
             auto const other =
                 knowledge == Knowledge::compiled ? Knowledge::described : Knowledge::compiled;
             EXPECT_EQ(&Sim::shapeIn(knowledge, *entity), shape);
@@ -120,8 +122,8 @@ TEST(Shape, IsTheSameHoweverTheClassIsKnown) {
     auto const& described = Sim::shapes(Sim::Knowledge::described);
     ASSERT_EQ(compiled.size(), described.size());
     for (std::size_t i = 0; i < compiled.size(); ++i) {
-        auto const one = compiled[i]->make("x");
-        auto const other = described[i]->make("x");
+        auto const one = compiled[i]->make(Sim::Knowledge::compiled, "x");
+        auto const other = described[i]->make(Sim::Knowledge::described, "x");
         EXPECT_EQ(compiled[i]->title(*one), described[i]->title(*other));
         EXPECT_FALSE(one->fwkType()->isDescribed());
         EXPECT_TRUE(other->fwkType()->isDescribed());

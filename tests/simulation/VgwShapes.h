@@ -9,6 +9,7 @@ namespace Sim {
 std::vector<Shape const*> vgwShapes(Knowledge knowledge);
 std::vector<Shape const*> labShapes(Knowledge knowledge);
 std::vector<Shape const*> tiesShapes(Knowledge knowledge);
+std::vector<Shape const*> lateShapes(Knowledge knowledge);
 
 }  // namespace Sim
 

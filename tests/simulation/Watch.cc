@@ -1,6 +1,7 @@
 #include "Watch.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace Sim {
 
@@ -19,7 +20,24 @@ std::string Watch::gone(std::string const& path, char const* how, Plan const& pl
     return path + how;
 }
 
+// Whether it stood as one of a class above, since its own was not known. Then all that it has comes
+// anew.
+bool Watch::isNowOfItsClass(std::string const& path, Row const& row) {
+    if (!Cast::hasLate()) return false;
+    std::string const before = std::exchange(titles_[path], row.shape->title(*row.entity));
+    bool const wasBase = before == "Late::Star" && titles_[path] == "Late::Nova";
+    if (!wasBase) return false;
+    auto const isBelow = [&](std::string const& line) { return line.starts_with(path + "/"); };
+    auto const isIt = [&](auto const& one) { return one.first == path || isBelow(one.first); };
+    std::erase_if(entities_, isIt);
+    std::erase_if(held_, isIt);
+    std::erase_if(numbers_, isIt);
+    std::erase_if(lines_, isBelow);
+    return true;
+}
+
 std::string Watch::lookAtRow(std::string const& path, Row const& row, Plan const& plan) {
+    isNowOfItsClass(path, row);
     auto const before = entities_.find(path);
     bool const isOther = before != entities_.end() && before->second != row.entity.ptr();
     entities_[path] = row.entity.ptr();

@@ -21,12 +21,14 @@ class Watch {
 
   private:
     std::string lookAtRow(std::string const& path, Row const& row, Plan const& plan);
+    bool isNowOfItsClass(std::string const& path, Row const& row);
     std::string lookAtLines(Lines const& lines, Plan const& plan);
     std::string gone(std::string const& path, char const* how, Plan const& plan);
 
     bool holdsEntities_;
     std::map<std::string, Qor::Entity const*> entities_;
     std::map<std::string, EntityPtr> held_;
+    std::map<std::string, std::string> titles_;
     std::map<std::string, unsigned> goings_;
     std::set<std::string> lines_;
     std::map<std::string, std::uint64_t> numbers_;

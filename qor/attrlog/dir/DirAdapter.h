@@ -33,7 +33,8 @@ class QOR_EXPORT Dir::QorNboAttrLogSa : public AdapterLevel<Dir> {
     virtual void onEntry(Name key);
     void doRemountSelf(Qor::Ptr<NboAttrLog::Out> const& out) override;
 
-    /// The chain of classes that came last, as it stands in a record, and what it led to.
+    /// The chain of classes that came last, as it stands in a record, and the class that it begins
+    /// with; null where that is not known.
     struct Chain {
         String8 bytes;
         QorType* type = nullptr;

@@ -49,10 +49,10 @@ void sendEntry(Adapter& adapter, Name const& key, Dir::QorEntry const& member) {
     if (whole) child->doThis();
 }
 
-// The first class of the chain that is known here; null if none is, and `wanted` is then the first
-// of all. The position is left at the argument. Neighbours are of one class: what a chain led to is
-// kept, until a type is published.
-QorType* nextKnownType(Adapter::Chain& last, NboAttrLog::In& in, Name& wanted) {
+// The first class of the chain that is known here; null if none is. `lacked` is the first of all
+// where that is another. The position is left at the argument. Neighbours are of one class: what a
+// chain led to is kept, until a type is published.
+QorType* nextKnownType(Adapter::Chain& last, NboAttrLog::In& in, Name& lacked) {
     U32 const length = in.nextU32();
     U64 const end = in.readPosition() + length;
     if (length > in.available()) throw AttrLogRecordException("a chain of classes past its record");
@@ -62,14 +62,14 @@ QorType* nextKnownType(Adapter::Chain& last, NboAttrLog::In& in, Name& wanted) {
     last.bytes = in.nextText(length);
     in.readPositionIs(end - length);
     QorType* known = nullptr;
-    while (in.readPosition() < end) {
+    for (bool isFirst = true; in.readPosition() < end; isFirst = false) {
         Name const name(in.nextString());
-        if (wanted.length() == 0) wanted = name;
         if (known == nullptr) known = QorType::type(name);
         if (known != nullptr && !known->isEntity()) known = nullptr;
+        if (isFirst && known == nullptr) lacked = name;
     }
     in.readPositionIs(end);
-    last.type = known;
+    last.type = lacked.length() == 0 ? known : nullptr;
     last.publications = QorType::publications();
     return known;
 }
@@ -123,7 +123,7 @@ struct Announced {
     Name key;
     Dir::EntryState state;
     EntityId id;
-    Ptr<Entity> entity;  // null when its class is not known here
+    Ptr<Entity> entity;  // null when its class is not known well enough to hold it
 };
 
 // The bytes of a text where they lie, which they do as long as its record is read; in `whole` where
@@ -154,13 +154,16 @@ Announced readEntry(Adapter& adapter, InboundRecord& record) {
     told.state = static_cast<Dir::EntryState>(state);
     told.id = in.nextEntityId();
     record.demuxer.expectAdapter(told.id);
-    Name wanted;
-    QorType* const type = nextKnownType(adapter.lastChain(), in, wanted);
-    if (type != nullptr) {
+    Name lacked;
+    QorType* const type = nextKnownType(adapter.lastChain(), in, lacked);
+    // A copy may show less than its original has. What an original holds is what all see.
+    bool const isHeld = lacked.length() == 0 || adapter.has(AdapterState::isCopy);
+    if (type != nullptr && isHeld) {
         told.entity = type->newEntity(Ptr<NboAttrLog::In>(&in), adapter.state(), 1, nullptr);
     }
     told.key = keyOf(key, told.entity);
-    if (!told.entity) record.demuxer.unknownClass(wanted);
+    if (lacked.length() != 0) record.demuxer.unknownClass(lacked);
+    if (!told.entity) record.demuxer.leftOutInc();
     return told;
 }
 
@@ -218,12 +221,29 @@ void takeDownEntry(Adapter& adapter, Name const& key) {
     dir.entryDel(key);
 }
 
+// Of a class that is not known well enough. What stands under the name gives way all the same,
+// unless the original's is news to the peer; and the original tells its copy that nothing stands
+// there.
+void leaveOut(Adapter& adapter, Name const& key) {
+    bool const isCopy = adapter.has(AdapterState::isCopy);
+    if (!isCopy && isNewsToPeer(adapter, key)) return;
+    Ptr<Entity> const present = targetOf<EntryStream>(adapter).entry(key);
+    if (present || adapter.StreamAdapter::flowOut()) takeBack(adapter, key, present.ptr());
+    if (present) takeDownEntry(adapter, key);
+    adapter.flagIs(AdapterState::isActive, false);
+    if (isCopy) return forgive<EntryStream>(adapter, key);
+    adapter.onEntry(key);
+}
+
 void takeEntry(Adapter& adapter, InboundRecord& record) {
     auto& dir = targetOf<EntryStream>(adapter);
     family::needShallow(dir);
     Announced const told = readEntry(adapter, record);
     if (record.echoOnly) return adapter.onEntry(told.key);
-    if (!told.entity || isOfTheGone(adapter, record.demuxer, told.id)) return;
+    // What a copy leaves out may be announced again, when its class is known.
+    bool const mayComeAgain = !told.entity && adapter.has(AdapterState::isCopy);
+    if (!mayComeAgain && isOfTheGone(adapter, record.demuxer, told.id)) return;
+    if (!told.entity) return leaveOut(adapter, told.key);
     Ptr<NboAttrLog::Out const> const out(adapter.nboAttrLogOut());
     U32 const version = EntryStream::Attr::map(dir).version();
     Ptr<Dir::QorEntry> present = dir.qorEntry(told.key);

@@ -168,7 +168,6 @@ void Demuxer::openTextInc(U64 bytes) {
 }
 
 void Demuxer::unknownClass(Name const& fullName) {
-    ++counters_.unknownClasses;
     if (link_ != nullptr) link_->unknownClass(fullName);
 }
 

@@ -44,7 +44,8 @@ class QOR_EXPORT LinkHandler {
     virtual Orphan orphan(EntityId const& id, String8 const& typeName, Name const& name) = 0;
     // A record was applied to the entity, or a snapshot of the attribute has come whole.
     virtual void written(Entity& entity, AttributeId attribute);
-    // An entity was announced whose class is not known here; it is skipped.
+    // An entity was announced whose class is not known here. It is left out, or stands here as one
+    // of a class above.
     virtual void unknownClass(Name const& fullName);
     // The connection can't go on; told once.
     virtual void failed(String8 const& reason) = 0;
@@ -166,8 +167,10 @@ class QOR_EXPORT Demuxer : public BaseDemuxer {
     U64 openText() const noexcept { return openText_; }
 
     void unknownEnumsInc(U32 count) noexcept { counters_.unknownEnums += count; }
-    // Counts an entity whose class is not known here, and tells the session.
+    // Tells the session of a class that is not known here.
     void unknownClass(Name const& fullName);
+    // An entity is left out, since no class of its is known here.
+    void leftOutInc() noexcept { ++counters_.unknownClasses; }
     void refusedToPeerInc(U32 count) noexcept { counters_.refusedToPeer += count; }
     void unknownAttributesInc(U32 count) noexcept { counters_.unknownAttributes += count; }
 

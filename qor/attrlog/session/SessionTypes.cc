@@ -79,7 +79,8 @@ void Session::unknownClass(Name const& fullName) {
 // Whether the class that stands in the way is asked for, so that the mounts wait for the answer.
 bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
     if (QorType::type(fullName)) return false;
-    demuxer_->unknownClass(fullName);
+    demuxer_->leftOutInc();
+    unknownClass(fullName);
     if (!awaitsTypes()) return false;
     for (auto& [mount, asked] : asked_) {
         if (asked.id != id) continue;

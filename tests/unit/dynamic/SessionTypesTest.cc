@@ -65,13 +65,18 @@ class SessionTypes : public testing::Test {
         out->currentPayloadSectionIs(Qor::NboAttrLog::PayloadSection::entityId);
         out << id << Token::end;
     }
-    void entry(EntityId const& dir, char const* key, EntityId const& id, char const* type) {
+    // Of a class, and perhaps one above it.
+    void entry(EntityId const& dir, char const* key, EntityId const& id, char const* type,
+               char const* base = nullptr) {
         Qor::NboAttrLog::MsgHeader header{dir, 258};
         header.headerWordB = 151;
         out->nextHeaderIs(header);
         String8 const chain(type);
-        out << Token::begin << String8(key) << U8{0} << id << U32{chain.length() + 4} << chain
-            << String8(key) << Token::end;
+        String8 const above(base != nullptr ? base : "");
+        U32 const length = chain.length() + 4 + (base != nullptr ? above.length() + 4 : 0);
+        out << Token::begin << String8(key) << U8{0} << id << length << chain;
+        if (base != nullptr) out << above;
+        out << String8(key) << Token::end;
     }
 
     // Lets the reader work, and gives the link messages that it sends as words.
@@ -194,6 +199,38 @@ TEST_F(SessionTypes, ClassThatComesLaterIsAskedForByNameAndMountedAgainQuietly) 
     EXPECT_TRUE(Qor::dynamicCast<Qor::DynamicEntity>(late));
     EXPECT_EQ(Tree::wrapperOf(late)->attributeOp(258)->strRep(), "100");
     EXPECT_EQ(heard.mounted, 1);
+}
+
+// It stood as one of its base for ever, without what it has beside that.
+TEST_F(SessionTypes, ClassWhoseBaseAloneIsKnownIsAskedForByName) {
+    hello();
+    describe(1, lamp("T::Base"));
+    link(12, U32{1}, U32{1});
+    turn();
+    MountId const mount = reader->mount("/dir", false);
+    orphanDir(mount, dirId);
+    turn();
+    entry(dirId, "x", EntityId(peers | 31), "T::Derived", "T::Base");
+    EXPECT_EQ(turn(), (Said{"describe 2 T::Derived"}));
+    auto const copy = Qor::dynamicCast<Qor::Dir>(reader->mounted(mount));
+    ASSERT_TRUE(copy && copy->entry(Name("x")));
+    EXPECT_EQ(copy->entry(Name("x"))->fwkType()->fullName(), "T::Base");
+    EXPECT_EQ(reader->demuxer().counters().unknownClasses, 0U);
+    auto derived = lamp("T::Derived");
+    derived.base = Name("T::Base");
+    derived.attributes[0].id = 386;
+    derived.attributes[0].name = Name("glow");
+    derived.initials = {{258, "100"}, {386, "7"}};
+    describe(2, derived);
+    link(12, U32{2}, U32{1});
+    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 1 /dir"}));
+    orphanDir(mount, laterDirId);
+    entry(laterDirId, "x", EntityId(peers | 33), "T::Derived", "T::Base");
+    turn();
+    EXPECT_EQ(reader->closed(), String8());
+    ASSERT_TRUE(copy->entry(Name("x")));
+    EXPECT_EQ(copy->entry(Name("x"))->fwkType()->fullName(), "T::Derived");
+    EXPECT_EQ(Tree::wrapperOf(copy->entry(Name("x")))->attributeOp(386)->strRep(), "7");
 }
 
 TEST_F(SessionTypes, MountOfAClassThatCameLaterWaitsForItsDescription) {

@@ -216,6 +216,8 @@ void Author::own(std::string const& path, Row const& row, Field const& field,
     if (isHere(line) && !isEntry) return;
     // An entry is replaced, and so is a single child of another name.
     if (isSingle || isHere(line)) disown(path, row, field, isSingle ? std::string() : name);
+    // It may have been left out above, and have gone here since.
+    plan_.eraseRow(line);
     auto const child = field.own(*row.entity, name, anySort());
     for (auto const& [childPath, owned] : ownedBy(row, path)) {
         if (childPath != line) continue;

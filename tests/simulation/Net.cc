@@ -367,8 +367,12 @@ void Net::crash(unsigned process) {
         tree.astray[tree.route.maker] = false;
     }
     isHollow_[process] = !isMaker;
-    // Who comes back with what he had knows its classes.
-    if (!comesBack) forgetLearned(settings_.processes[process].knowledge);
+    // Who comes back with what he had knows its classes. Others may just be told of all that stand
+    // in the registry.
+    bool const isNobodyTold = std::all_of(links_.begin(), links_.end(), [](auto const& link) {
+        return !link->isUp() || link->isIdle();
+    });
+    if (!comesBack && isNobodyTold) forgetLearned(settings_.processes[process].knowledge);
 }
 
 Link* Net::linkBetween(unsigned one, unsigned other) const {

@@ -26,6 +26,12 @@ std::string bytesOf(Qor::EntityId const& id) {
     return bytes;
 }
 
+// Its name is another's, of the same length.
+void hideClass(std::string& frame, std::string_view name) {
+    std::size_t const found = frame.find(name);
+    if (found != std::string::npos) frame[found + name.size() - 1] = '?';
+}
+
 }  // namespace
 
 std::string inWords(Step const& step) {
@@ -114,8 +120,9 @@ bool Row::mayTake(Place place) const {
 }
 
 void Row::takeOne(Place place) {
-    std::string const frame = at(place).coming.front();
+    std::string frame = at(place).coming.front();
     at(place).coming.pop_front();
+    if ((sort_.lackedBy >> endOf(place) & 1U) != 0) hideClass(frame, sort_.lacked);
     auto& demuxer = *peer(place).demuxer;
     for (std::string_view rest = frame; !rest.empty() && !demuxer.hasFailed();) {
         rest.remove_prefix(demuxer.in()->receive(rest));
@@ -257,7 +264,8 @@ std::string Row::lost(std::vector<std::string> const& before) const {
         for (End other = 0; other < before.size(); ++other) {
             isAlone = isAlone && (other == end || changes_[other] == 0);
         }
-        if (isAlone && result != before[end]) return "a write is lost: all hold " + result;
+        std::string const wanted = before[end] == lackedAbove ? nothing : before[end];
+        if (isAlone && result != wanted) return "a write is lost: all hold " + result;
     }
     return {};
 }

@@ -16,6 +16,10 @@ namespace Ends {
 using End = unsigned;
 inline constexpr End greatestEnds = 3;
 
+inline constexpr char const* nothing = "nothing";
+// How what can't last at a copy looks: in the end there is nothing.
+inline constexpr char const* lackedAbove = "what an end above does not know";
+
 class Subject {
   public:
     virtual ~Subject() = default;
@@ -44,6 +48,9 @@ struct Sort {
     bool keepsGone = false;  // what has gone lives on, with its adapter
     // Where a mount waits for its next turn, a frame each: else it sends its whole state at once.
     Qor::AttributeId waitsAt = 0;
+    // A class that some ends do not know, a bit each from the original on.
+    char const* lacked = nullptr;
+    unsigned lackedBy = 0;
 };
 
 std::vector<Sort> const& sorts();

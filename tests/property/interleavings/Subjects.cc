@@ -116,6 +116,46 @@ class Entry final : public SubjectOf<Qor::Dir> {
     }
 };
 
+// An entry comes and goes; with the second change it is one of a class that not all ends know, with
+// the third that one's child comes and goes. What the original has of that class, others need not
+// have: but for it there is nothing then.
+template <unsigned lackedBy>
+class EntryOfLackedClass final : public SubjectOf<Qor::Dir> {
+    static bool isKnownTo(End end) { return (lackedBy >> end & 1U) == 0; }
+    Ptr<Shelf> lacked(End end) const {
+        return Ptr<Shelf>(dynamic_cast<Shelf*>(this->at(end)->entry(key).ptr()));
+    }
+    bool change(End end, unsigned which) override {
+        auto const& dir = this->at(end);
+        auto const there = dir->entry(key);
+        if (which == 2) {
+            auto const shelf = lacked(end);
+            if (!shelf) return false;
+            if (shelf->leaf(key)) {
+                shelf->leafDel(key);
+            } else {
+                shelf->leafIs(key)->numberIs(this->fresh());
+            }
+        } else if (which == 1) {
+            if (!isKnownTo(end)) return false;
+            dir->entryIs(key, Ptr<Qor::Entity>(make<Shelf>(key).ptr()));
+        } else if (there) {
+            dir->entryDel(key);
+        } else {
+            auto const leaf = make<Leaf>(key);
+            leaf->numberIs(this->fresh());
+            dir->entryIs(key, Ptr<Qor::Entity>(leaf.ptr()));
+        }
+        return true;
+    }
+    std::string picture(End end) const override {
+        auto const there = this->at(end)->entry(key);
+        if (!there) return nothing;
+        if (lacked(end)) return end == 0 ? nothing : lackedAbove;
+        return inWords(static_cast<Leaf const*>(there.ptr()));
+    }
+};
+
 // The same entity comes and goes, and comes back to the other of two names.
 class EntryThatComesBack final : public SubjectOf<Qor::Dir> {
     std::array<Name, 2> const keys_{Name("k"), Name("l")};
@@ -374,6 +414,10 @@ std::vector<Sort> const& sorts() {
         {"EntryThatIsReplaced", 2, 1, false, &made<Entry>},
         {"EntryWithState", 3, 2, false, &made<Entry>},
         {"EntryAndValue", 4, 3, true, &made<Entry>},
+        {"EntryThatTheOriginalLacks", 3, 1, true, &made<EntryOfLackedClass<1>>, false, 0,
+         "Ends::Shelf", 1},
+        {"EntryThatTheCopyLacks", 3, 1, true, &made<EntryOfLackedClass<2>>, true, 0, "Ends::Shelf",
+         2},
         {"EntryThatComesBack", 2, 1, false, &made<EntryThatComesBack>, true},
         {"Grandchild", 2, 1, true, &made<Grandchild>},
         {"TwoRows", 2, 1, false, &made<RowAmongMany>},

@@ -30,14 +30,6 @@ bool isName(Name const& name) {
            std::all_of(text.begin(), text.end(), isWord);
 }
 
-bool isTypeName(Name const& name) {
-    std::string_view const text = name.view();
-    auto const isPart = [](char byte) { return isWord(byte) || byte == ':' || byte == '*'; };
-    return !text.empty() && text.size() <= longestName &&
-           std::all_of(text.begin(), text.end(), isPart) && text.front() != ':' &&
-           text.back() != ':';
-}
-
 // It names fields; a longer one than there are fields is none.
 void needHashOrder(TypeDescription const& description) {
     auto const isField = [](Attribute const& one) {
@@ -88,6 +80,14 @@ void needSameAttribute(TypeDescription const& description, Attribute const& told
 }
 
 }  // namespace
+
+bool isTypeName(Name const& name) {
+    std::string_view const text = name.view();
+    auto const isPart = [](char byte) { return isWord(byte) || byte == ':' || byte == '*'; };
+    return !text.empty() && text.size() <= longestName &&
+           std::all_of(text.begin(), text.end(), isPart) && text.front() != ':' &&
+           text.back() != ':';
+}
 
 void needSound(TypeDescription const& description) {
     if (!isTypeName(description.fullName)) {

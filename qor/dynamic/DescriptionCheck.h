@@ -13,6 +13,8 @@ namespace Qor {
 
 using TypeDescriptions = std::map<Name, TypeDescription>;
 
+/// Whether a type may be called so; what is called otherwise can't be described.
+QOR_EXPORT bool isTypeName(Name const& name);
 /// Names, kinds, numbers: what needs no other type.
 void needSound(TypeDescription const& description);
 

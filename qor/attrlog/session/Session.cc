@@ -190,6 +190,7 @@ bool Session::serveTurn(U64 budget, U64 readEnd) {
     bool hasRead = false;
     try {
         hasRead = readAll(readEnd);
+        if (alive) mountWhatWasLacked();
         if (alive) describeTypes();
         if (alive) demuxer_->serveFlows(std::min(budget, passBytes));
         if (alive) tellSynced();
@@ -233,7 +234,7 @@ bool Session::writeAll() {
 bool Session::wantsWrite() const {
     if (!demuxer_->out()->unsent().empty()) return true;
     bool const owesAnswers = !answers_.empty() || !digestsOwed_.empty();
-    bool const mayGoOn = demuxer_->holdsBack() || !held_.empty();
+    bool const mayGoOn = demuxer_->holdsBack() || !held_.empty() || mayLackLess();
     return !demuxer_->hasFailed() && (demuxer_->owes() || owesAnswers || mayGoOn);
 }
 

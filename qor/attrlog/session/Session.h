@@ -5,8 +5,9 @@
 //
 // A session that takes types asks the peer for descriptions of all its types first, and mounts when
 // they are there: what is not compiled in here is then kept in dynamic entities. Of a class that is
-// announced later and is not known, it asks by name and mounts again; what was mounted stays, and
-// onSynced is told once more.
+// announced later and is not known, it asks by name. Any session mounts again when a class becomes
+// known that it lacked, whoever described it; what was mounted stays, and onSynced is told once
+// more.
 //
 // A session never blocks and runs only inside service(). It ends once, with one named reason: the
 // transport's, the peer's, or a fault of what the peer sent. Any handler that it reaches and any
@@ -186,6 +187,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     };
     static constexpr std::size_t greatestAnswers = 16;
     static constexpr std::size_t greatestNamesAsked = 1024;
+    static constexpr std::size_t greatestNamesLacked = 1024;
     struct Given {
         EntityId id;
         bool isSynced = false;
@@ -258,6 +260,9 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     void handleDescribed(In& in);
     void handleDescribedAll(In& in);
     void describeTypes();
+    void askOn();
+    bool mayLackLess() const noexcept;
+    void mountWhatWasLacked();
     void mountAllAgain();
     void mountAgain(std::pair<MountId const, Asked>& one);
     bool holdBackForType(EntityId const& id, Name const& fullName);
@@ -283,6 +288,9 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     U32 typesAsked_ = 0;          // numbers of questions
     U32 typesAnswered_ = 0;
     std::set<Name> namesAsked_;
+    std::deque<Name> namesToAsk_;  // when the peer has answered some of what it was asked
+    std::set<Name> lacked_;        // classes that were announced and are not known here
+    U32 publications_ = 0;         // of types, when lacked_ was looked through
     std::deque<Answer> answers_;
     String8 reason_;
     U64 pingsIn_ = 0;

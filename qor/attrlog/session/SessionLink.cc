@@ -337,13 +337,16 @@ void Session::handleAnswer(Op op, In& in) {
         return;
     }
     MountId const mount = in.nextU32();
-    if (!asked_.contains(mount)) return;
+    auto const found = asked_.find(mount);
+    if (found == asked_.end()) return;
     if (op == Op::synced) {
-        if (listener_ != nullptr) listener_->onSynced(mount);
+        // It may have been given back since, to be mounted again: then it is told once more.
+        bool const isMounted = found->second.isTold && !found->second.id.isNull();
+        if (isMounted && listener_ != nullptr) listener_->onSynced(mount);
         return;
     }
     String8 const reason = in.nextString();
-    auto const gone = asked_.extract(mount);
+    auto const gone = asked_.extract(found);
     if (listener_ != nullptr) listener_->onRefused(mount, reason);
 }
 

@@ -1,10 +1,20 @@
 // How types travel: each end describes to the other what its registry knows.
 #include <qor/attrlog/session/Session.h>
 #include <qor/core/Format.h>
+#include <qor/dynamic/DescriptionCheck.h>
 
 namespace Qor {
 
 namespace NboAttrLog {
+
+namespace {
+
+bool isKnownClass(Name const& fullName) {
+    QorType const* const type = QorType::type(fullName);
+    return type && type->isEntity();
+}
+
+}  // namespace
 
 void Session::askForTypes(Name const& fullName) {
     send(Op::describe, ++typesAsked_, String8(fullName));
@@ -57,12 +67,12 @@ void Session::handleDescribedAll(In& in) {
     bool const isAsked = awaitsTypes() && in.nextU32() == typesAnswered_ + 1;
     bool const isWhole = isAsked && in.nextU32() == types_.size();
     if (!isWhole) throw AttrLogRecordException("an end of descriptions that are not all there");
-    bool const isNews = typesAnswered_ != 0 && types_.size() != 0;
     types_.complete();
     ++typesAnswered_;
+    askOn();
     if (awaitsTypes()) return;
     Alive const alive(*this);
-    if (isNews) mountAllAgain();
+    mountWhatWasLacked();
     if (!alive) return;
     for (auto& [mount, asked] : asked_) {
         if (asked.isHeldBack) sendMount(mount, asked);
@@ -71,9 +81,34 @@ void Session::handleDescribedAll(In& in) {
 
 // Once for each name: what the peer can't describe is skipped from then on.
 void Session::unknownClass(Name const& fullName) {
+    if (!isTypeName(fullName)) return;
+    if (lacked_.size() < greatestNamesLacked) lacked_.insert(fullName);
     bool const isToAsk = config_.takesTypes && namesAsked_.size() < greatestNamesAsked &&
                          namesAsked_.insert(fullName).second;
-    if (isToAsk) askForTypes(fullName);
+    if (!isToAsk) return;
+    namesToAsk_.push_back(fullName);
+    askOn();
+}
+
+// No more at a time than a peer takes. What an answer has brought along is not asked for.
+void Session::askOn() {
+    while (!namesToAsk_.empty() && typesAsked_ - typesAnswered_ < greatestAnswers) {
+        Name const name = namesToAsk_.front();
+        namesToAsk_.pop_front();
+        if (!isKnownClass(name)) askForTypes(name);
+    }
+}
+
+// Whether a type was published since the classes that are lacked were looked for.
+bool Session::mayLackLess() const noexcept {
+    return !lacked_.empty() && publications_ != QorType::publications() && !awaitsTypes();
+}
+
+// A class may also have become known over another connection.
+void Session::mountWhatWasLacked() {
+    if (!mayLackLess()) return;
+    publications_ = QorType::publications();
+    if (std::erase_if(lacked_, isKnownClass) != 0) mountAllAgain();
 }
 
 // Whether the class that stands in the way is asked for, so that the mounts wait for the answer.

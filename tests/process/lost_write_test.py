@@ -106,12 +106,64 @@ class LostWriteTest(write_case.WriteCase):
         self.assertEqual(len(self.rows("Ucast_Macs_Local")), 1)
         self.await_local("red", f"{MAC} -> vxlan_over_ipv4/{VTEP}")
 
-    def test_an_address_that_is_taken_back_while_its_answer_was_lost_is_told_of(self):
+    def await_gone(self, writer):
+        """Until the row that was made is gone everywhere, and both its making and its end are told as written."""
+        self.reader.await_that(lambda: self.rows("Ucast_Macs_Local") == [], "the row goes from the database")
+        self.reader.await_value("2", "get", "/vgw/database", "written")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        writer.await_that(lambda: self.names(writer, UNICAST) == [], "the row goes from the tree")
+
+    def test_an_address_that_is_taken_back_while_its_answer_was_lost_goes_from_the_database(self):
         writer = self.writer(UNICAST)
         self.lose_the_answer(writer, lambda: writer.ask("del", UNICAST, "entry", "'mine'"))
-        self.await_refused(f"{UNICAST}/mine", "it was changed while it was being written")
-        writer.await_that(lambda: self.names(writer, UNICAST) == self.rows("Ucast_Macs_Local"), "the row is to be seen")
+        self.await_gone(writer)
+
+    def test_an_address_that_is_taken_back_goes_where_the_server_can_not_be_told_its_uuid(self):
+        self.proxy.meddle = old_server
+        writer = self.writer(UNICAST)
+        self.lose_the_answer(writer, lambda: writer.ask("del", UNICAST, "entry", "'mine'"))
+        self.await_gone(writer)
+
+    def held_insertion(self, writer):
+        """An insertion that the server does not hear of yet; its row has been taken out since."""
+        red = self.uuid("Logical_Switch", "red")
+        self.proxy.meddle = lambda operations: "hold" if is_insertion(operations) else None
+        self.make_mac(writer, switch_uuid=red)
+        self.reader.await_that(lambda: self.proxy.held, "the insertion is on its way")
+        writer.ask("del", UNICAST, "entry", "'mine'")
+        self.reader.await_that(lambda: self.names(self.reader, UNICAST) == [], "it is taken out")
+        return self.proxy.held[0]
+
+    def test_an_address_that_is_taken_out_while_it_is_being_made_goes_from_the_database(self):
+        writer = self.writer(UNICAST)
+        insertion = self.held_insertion(writer)
+        result = self.proxy.carry_out(insertion)
         self.assertEqual(len(self.rows("Ucast_Macs_Local")), 1)
+        self.proxy.answer(insertion, result)
+        self.await_gone(writer)
+
+    def test_an_address_that_is_taken_out_and_answered_for_before_it_is_seen_goes_from_the_database(self):
+        writer = self.writer(UNICAST)
+        insertion = self.held_insertion(writer)
+        self.proxy.answer(insertion, [{}] * (len(insertion["params"]) - 1))
+        self.reader.await_value("1", "get", "/vgw/database", "written")
+        time.sleep(0.2)
+        self.proxy.carry_out(insertion)
+        self.await_gone(writer)
+
+    def test_a_removal_that_was_carried_out_and_lost_is_told_as_written(self):
+        writer = self.writer(UNICAST)
+        self.make_mac(writer)
+        self.await_one_row(writer)
+        self.proxy.meddle = lambda operations: "hold" if operations[0]["op"] == "delete" else None
+        writer.ask("del", UNICAST, "entry", f"'{self.names(writer, UNICAST)[0]}'")
+        self.reader.await_that(lambda: self.proxy.held, "the removal is on its way")
+        self.proxy.meddle = None
+        self.proxy.gate.clear()
+        self.proxy.carry_out(self.proxy.held[0])
+        self.proxy.cut()
+        self.proxy.gate.set()
+        self.await_gone(writer)
 
     def test_a_write_that_costs_the_connection_each_time_is_given_up_and_told_once(self):
         port, device = self.port(), self.switch()

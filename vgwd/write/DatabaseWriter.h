@@ -116,6 +116,7 @@ class DatabaseWriter final : private Ovsdb::Overlay {
     void attend(Place const& place, Clock::time_point now);
     void work(Place const& place, Pending& pending);
     void workOnMac(Place const& place, Pending& pending);
+    void workOnNoMac(Place const& place, Pending& pending);
     void workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row);
     void insertMac(Place const& place, Pending& pending, MacContent const& content);
     std::string madeRow(Ovsdb::Table table, Pending const& pending) const;
@@ -124,6 +125,7 @@ class DatabaseWriter final : private Ovsdb::Overlay {
     void handleOutcome(Place const& place, Ovsdb::RpcError const* error);
     void handleFailure(Place const& place, Pending& pending, Ovsdb::RpcError const& error);
     void handleTaken(Place const& place, Pending& pending);
+    void handleMade(Place const& place, Pending& pending);
     void handleThere(Place const& place, Pending& pending, std::string const& uuid);
     void handleLost(Place const& place, Pending& pending);
     bool mayBeTriedAgain(Place const& place, Pending& pending, Ovsdb::RpcError const& error);

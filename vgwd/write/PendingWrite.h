@@ -54,6 +54,7 @@ struct PendingWrite {
     bool isNew = false;                   ///< a MAC row that the database does not have
     bool isDue = false;
     bool isTakenOut = false;                   ///< a MAC row, by a peer
+    bool isAwaited = false;                    ///< it was just made, and is about to be seen
     bool isSent = false;                       ///< a transaction is under way
     bool makesLocators = false;                ///< it does
     std::optional<Clock::time_point> clashed;  ///< first, with what another did

@@ -110,6 +110,7 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     listener_.onTaken();
     bool const isNew = isLocalMac(place.first) && !isInDatabase(place);
     bool const isChanged = pending.isDue;
+    if (isNew && isChanged && pending.isTakenOut) return handleMade(place, pending);
     if (isNew && isChanged) return undo(place, changedMeanwhile);
     pending.sent = {};
     wasLostIs(pending, false);
@@ -117,6 +118,21 @@ void DatabaseWriter::handleTaken(Place const& place, Pending& pending) {
     if (!isChanged) forget(place);
     // Another may have changed meanwhile what was written.
     restore(place);
+}
+
+// A row that its peer has taken out since: it goes from the database as well.
+void DatabaseWriter::handleMade(Place const& place, Pending& pending) {
+    Table const table = place.first;
+    std::string const peer = pending.peer;
+    std::string const uuid = pending.isNamed ? pending.uuid : madeRow(table, pending);
+    forget(place);
+    if (uuid.empty()) return listener_.onUndone(pathOf(place), peer, changedMeanwhile);
+    Pending& made = touch({table, uuid}, {});
+    made.isNew = false;
+    made.isTakenOut = made.isAwaited = true;
+    peerIs(made, peer);
+    Working const working(*this);
+    directory(table).entryDel(Qor::Name(std::string_view(uuid)));
 }
 
 // An insertion of which no answer came was carried out.

@@ -145,10 +145,7 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
     auto const row = directory(table).entry(Qor::Name(std::string_view(name)));
     if (!isInDatabase(place)) {
         if (row) return workOnNewMac(place, pending, *row);
-        std::string const made = pending.wasLost ? madeRow(table, pending) : "";
-        if (!made.empty()) return handleThere(place, pending, made);
-        bool const isLost = !pending.isTakenOut && !pending.wanted.isEmpty();
-        return isLost ? undo(place, rowIsGone) : forget(place);
+        return workOnNoMac(place, pending);
     }
     pending.isDue = false;
     if (pending.isTakenOut) return send(place, pending, rowRemoval(table, name));
@@ -163,6 +160,20 @@ void DatabaseWriter::workOnMac(Place const& place, Pending& pending) {
     std::string const lacks = macLacks(changes, there);
     if (!lacks.empty()) return undo(place, lacks);
     send(place, pending, macUpdate(table, name, changes, there, mirror_.database()));
+}
+
+// Neither the database nor the tree has the row.
+void DatabaseWriter::workOnNoMac(Place const& place, Pending& pending) {
+    std::string const made = pending.wasLost ? madeRow(place.first, pending) : "";
+    if (!made.empty()) return handleThere(place, pending, made);
+    auto const now = Clock::now();
+    if (pending.isAwaited && now < pending.begun + mostPatience)
+        return turnIs(place, pending, now + gathering);
+    bool const isLost = !pending.isTakenOut && !pending.wanted.isEmpty();
+    if (isLost) return undo(place, rowIsGone);
+    bool const isCarriedOut = pending.isTakenOut && pending.wasLost && !pending.made;
+    if (isCarriedOut) listener_.onTaken();
+    forget(place);
 }
 
 void DatabaseWriter::workOnNewMac(Place const& place, Pending& pending, Qor::Entity& row) {
@@ -195,7 +206,7 @@ void DatabaseWriter::insertMac(Place const& place, Pending& pending, MacContent 
 // none. Where it could not be named, one that says the same is it.
 std::string DatabaseWriter::madeRow(Table table, Pending const& pending) const {
     if (isInDatabase({table, pending.uuid})) return pending.uuid;
-    if (takesUuids_) return {};
+    if (pending.isNamed && takesUuids_) return {};
     for (auto at = directory(table).entryIteratorConst(); at; ++at) {
         std::string name(at.key().view());
         if (at.value() && isInDatabase({table, name}) && macContentOf(*at.value()) == pending.made)

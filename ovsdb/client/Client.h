@@ -76,6 +76,8 @@ class Client final : private RpcListener {
     /// The same, but takes back the monitor first, and tells when all is over: soon, whether the
     /// server answers or not.
     void leave(std::function<void()> left);
+    /// Whether what is lost now is lost because of that.
+    bool isLeaving() const { return static_cast<bool>(left_); }
     /// Sends operations as one transaction; `summary` is their detail in the books. The handler
     /// runs once, unless stop() comes first. REQUIRES: following.
     void transact(nlohmann::json const& operations, std::string const& summary,

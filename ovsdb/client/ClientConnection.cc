@@ -65,7 +65,7 @@ void Client::leave(std::function<void()> left) {
 }
 
 void Client::finishLeaving() {
-    std::function<void()> const left = std::exchange(left_, nullptr);
+    std::function<void()> const left = left_;
     if (std::shared_ptr<RpcSession> const session = std::exchange(session_, nullptr))
         session->abandon("left on purpose");
     stop();

@@ -198,6 +198,22 @@ class LostWriteTest(write_case.WriteCase):
         self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "1")
         self.assertEqual(len(sent), 6)
 
+    def test_a_write_that_is_under_way_whenever_the_side_is_switched_off_is_not_given_up(self):
+        port = self.port()
+        writer = self.writer(port, "/vgw/cliConfig")
+        self.proxy.meddle = lambda operations: "hold" if "patient" in str(operations) else None
+        writer.ask("set", port, "desc", "'patient'")
+        for times in range(1, 9):
+            self.reader.await_that(lambda: len(self.proxy.held) == times, f"it is under way, {times}")
+            writer.ask("set", "/vgw/cliConfig", "enableAgent", "false")
+            self.reader.await_value("false", "get", "/vgw/database", "inStep")
+            self.reader.await_value("false", "get", "/vgw/status", "running")
+            writer.ask("set", "/vgw/cliConfig", "enableAgent", "true")
+        self.proxy.meddle = None
+        self.proxy.cut()
+        self.reader.await_that(lambda: self.column("Physical_Port", "p1", "description") == "patient", "it is written")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+
     def test_keys_that_two_peers_and_a_client_of_the_database_write_at_once_all_stay(self):
         port = self.port()
         writers = [self.writer(port) for _ in range(2)]

@@ -145,9 +145,10 @@ void DatabaseWriter::handleThere(Place const& place, Pending& pending, std::stri
     handleTaken(place, pending);
 }
 
-// Nobody knows whether the database has it.
+// Nobody knows whether the database has it. What we end ourselves is no loss that it could cost.
 void DatabaseWriter::handleLost(Place const& place, Pending& pending) {
-    int const alone = pending.wasLost ? pending.lossesAlone + 1 : 0;
+    int const counted = client_.isLeaving() ? 0 : 1;
+    int const alone = pending.wasLost ? pending.lossesAlone + counted : 0;
     wasLostIs(pending, true);
     pending.lossesAlone = alone;
     if (alone < mostLosses)

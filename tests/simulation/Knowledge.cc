@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <stdexcept>
+#include <utility>
 
 namespace Sim {
 
@@ -128,7 +129,9 @@ void learnClasses() {
     Tap asking(history, false);
     asking.exchangeIs(NameExchange(Knowledge::compiled, Knowledge::described));
     knowing.exchangeIs(NameExchange(Knowledge::compiled, Knowledge::described));
-    Qor::NboAttrLog::MemoryTransport::connect(knowing.memory(), asking.memory());
+    auto carriers = connected(Carried::inMemory);
+    knowing.carrierIs(std::move(carriers.first));
+    asking.carrierIs(std::move(carriers.second));
     Session::Config config;
     config.takesTypes = true;
     Session asker(config, asking, nullptr);

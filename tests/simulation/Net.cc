@@ -46,7 +46,9 @@ void Link::connect(std::vector<Qor::Dir::Ptr> const& roots, std::vector<Tree> co
     history_.clear();
     acceptEnd_ = std::make_unique<Tap>(history_, true);
     connectEnd_ = std::make_unique<Tap>(history_, false);
-    Qor::NboAttrLog::MemoryTransport::connect(acceptEnd_->memory(), connectEnd_->memory());
+    auto carriers = connected(settings.carried);
+    acceptEnd_->carrierIs(std::move(carriers.first));
+    connectEnd_->carrierIs(std::move(carriers.second));
     Process const& accepting = settings.processes[accepting_];
     Process const& connecting = settings.processes[connecting_];
     NameExchange const names(accepting.knowledge, connecting.knowledge);
@@ -125,7 +127,7 @@ bool Link::mountsAgain() {
 
 void Link::cut() {
     if (!isUp()) return;
-    acceptEnd_->memory().cut();
+    acceptEnd_->carrier().cut();
     service(true, 1);
     service(false, 1);
     mounts_.clear();
@@ -134,7 +136,7 @@ void Link::cut() {
 }
 
 void Link::roomIs(bool towardsAccepting, std::size_t bytes) {
-    if (isUp()) (towardsAccepting ? acceptEnd_ : connectEnd_)->memory().roomIs(bytes);
+    if (isUp()) (towardsAccepting ? acceptEnd_ : connectEnd_)->carrier().roomIs(bytes);
 }
 
 void Link::service(bool accepting, Qor::U64 budget) {
@@ -239,6 +241,14 @@ Net::~Net() {
     }
 }
 
+void Net::lose(Link& link) {
+    losses_.push_back(link.closed());
+    for (Tree& tree : trees_) {
+        tree.plan.cutAt(pictureOf(tree.top(tree.route.maker)).lines);
+    }
+    cut(link);
+}
+
 // Those through which what the process writes goes, to the tree's maker.
 std::vector<Knowledge> Net::above(Tree const& tree, unsigned process) const {
     std::vector<Knowledge> all;
@@ -251,6 +261,8 @@ std::vector<Knowledge> Net::above(Tree const& tree, unsigned process) const {
 
 void Net::service(Link& link, bool accepting, Qor::U64 budget) {
     link.service(accepting, budget);
+    bool const mayBeLost = settings_.carried == Carried::overSockets;
+    if (mayBeLost && link.isUp() && !link.closed().empty()) return lose(link);
     if (!link.mountsAgain()) return;
     ++learnings_;
     for (Tree& tree : trees_) {

@@ -46,6 +46,7 @@ struct Settings {
     bool hasLongTexts = true;
     bool holdsEntities = false;
     bool isTraced = false;  // on standard output
+    Carried carried = Carried::inMemory;
     Qor::U32 ringBlocks = 8;
 };
 
@@ -155,6 +156,8 @@ class Net {
     void service(Link& link, bool accepting, Qor::U64 budget);
     // How often one has learned of a class.
     std::uint64_t learnings() const { return learnings_; }
+    // Why connections ended that nobody cut.
+    std::vector<std::string> const& losses() const { return losses_; }
     // What cut() does, of a tree that is mounted over it, while the connection stays. Whether there
     // is one.
     bool remount(Link& link, Dice& dice);
@@ -178,6 +181,7 @@ class Net {
   private:
     bool isWhole(unsigned process);
     void outOfStep();
+    void lose(Link& link);
     std::vector<Knowledge> above(Tree const& tree, unsigned process) const;
     void comeBack(Tree& tree);
 
@@ -187,6 +191,7 @@ class Net {
     std::vector<Tree> trees_;
     std::vector<std::unique_ptr<Link>> links_;
     std::uint64_t learnings_ = 0;
+    std::vector<std::string> losses_;
 };
 
 }  // namespace Sim

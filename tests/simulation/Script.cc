@@ -44,6 +44,7 @@ Settings settingsOf(Dice& dice, Topology const& topology, Request const& request
     settings.processes =
         request.late ? lateProcessesOf(topology, request) : processesOf(topology, request);
     settings.isTraced = request.isTraced;
+    if (request.sockets) settings.carried = Carried::overSockets;
     settings.isWritable = rivals || dice.oneIn(2);
     settings.areRivals = rivals;
     // A cut takes a copy back to what its source holds; while a record of another author is still
@@ -60,6 +61,7 @@ class Run {
     explicit Run(Request const& request)
         : cast_(request.ties, request.late),
           remounts_(request.remounts),
+          onRest_(request.onRest),
           makersEnd_(!request.makersStay && request.seed % 3 == 0),
           dice_(request.seed),
           ends_(request.seed ^ 0xD1B54A32D192ED03),
@@ -94,6 +96,7 @@ class Run {
 
     Cast const cast_;
     bool const remounts_;
+    std::function<void()> const onRest_;
     bool const makersEnd_;
     Dice dice_;
     Dice ends_;  // of when makers end, and what they come back with
@@ -328,12 +331,14 @@ Outcome Run::run(unsigned steps) {
         step();
         if (!outcome_.violation.empty()) outcome_.violation += " (step " + std::to_string(i) + ")";
     }
+    if (onRest_) onRest_();
     if (outcome_.violation.empty()) finish();
     for (auto const& link : net_.links()) {
         outcome_.volumes.bytes += link->bytes();
         traceOn(*link);
     }
     outcome_.volumes.learnings = net_.learnings();
+    outcome_.losses = net_.losses();
     digest(outcome_.volumes.bytes);
     return outcome_;
 }

@@ -5,7 +5,9 @@
 #define TESTS_SIMULATION_SCRIPT_H
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
 
 namespace Sim {
 
@@ -28,6 +30,8 @@ struct Outcome {
     // Of everything that happened: the same seed has the same digest.
     std::uint64_t digest = 0;
     Volumes volumes;
+    // Why connections ended that the script did not cut.
+    std::vector<std::string> losses;
 };
 
 struct Request {
@@ -39,7 +43,10 @@ struct Request {
     bool compiled = false;    // no process knows the classes by their descriptions alone
     bool makersStay = false;  // no process that makes a tree ends
     bool late = false;        // some processes learn of a few classes when they meet them
+    bool sockets = false;     // connections are pairs of sockets, and may end by themselves
     bool isTraced = false;    // everything that happens on standard output
+    // Called when the steps are over, and all is to come to rest.
+    std::function<void()> onRest = nullptr;
 };
 
 Outcome runScript(Request const& request);

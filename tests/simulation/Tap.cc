@@ -175,7 +175,7 @@ std::string DescriptionSieve::take(std::size_t most) {
 }
 
 std::size_t Tap::write(std::string_view bytes) {
-    std::size_t const count = memory_.write(bytes);
+    std::size_t const count = carrier_->write(bytes);
     put_ += count;
     return count;
 }
@@ -186,7 +186,7 @@ std::string Tap::nextExchanged(std::size_t most) {
     std::size_t const wanted = most + NameExchange::longest;
     if (names_.waiting() < wanted) {
         std::size_t const room = std::min(bytes.size(), wanted - names_.waiting());
-        std::size_t const count = memory_.read(std::span(bytes).first(room));
+        std::size_t const count = carrier_->read(std::span(bytes).first(room));
         names_.append({reinterpret_cast<char const*>(bytes.data()), count});
     }
     return names_.take(most);
@@ -210,7 +210,7 @@ std::string Tap::next(std::size_t most) { return sieve_ ? nextSifted(most) : nex
 std::size_t Tap::read(std::span<unsigned char> room) {
     std::size_t count = 0;
     if (names_.isNone()) {
-        count = memory_.read(room);
+        count = carrier_->read(room);
     } else {
         std::string const taken = next(room.size());
         std::copy(taken.begin(), taken.end(), room.begin());

@@ -1,13 +1,13 @@
-// A transport in memory that records what is read from it, frame by frame, decoded here by the
+// A transport that records what is read from it, frame by frame, decoded here by the
 // documented format and nothing of the library's; and the claims that hold for what a link carried.
 #ifndef TESTS_SIMULATION_TAP_H
 #define TESTS_SIMULATION_TAP_H
 
+#include "Carrier.h"
 #include "Knowledge.h"
 
-#include <qor/attrlog/session/Transport.h>
-
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <set>
 #include <string>
@@ -76,7 +76,9 @@ class Tap final : public Qor::NboAttrLog::Transport {
   public:
     Tap(std::vector<Sent>& history, bool isUp) : history_(history), isUp_(isUp) {}
 
-    Qor::NboAttrLog::MemoryTransport& memory() { return memory_; }
+    // What it taps; before anything goes over it.
+    void carrierIs(std::unique_ptr<Carrier> carrier) { carrier_ = std::move(carrier); }
+    Carrier& carrier() { return *carrier_; }
     void recordsIs(bool records) { records_ = records; }
     // What comes out of here has classes by the names that its reader knows them by.
     void exchangeIs(NameExchange const& exchange) { names_ = exchange; }
@@ -89,14 +91,14 @@ class Tap final : public Qor::NboAttrLog::Transport {
 
     std::size_t write(std::string_view bytes) override;
     std::size_t read(std::span<unsigned char> room) override;
-    Qor::String8 closed() const override { return memory_.closed(); }
+    Qor::String8 closed() const override { return carrier_->closed(); }
 
   private:
     std::string next(std::size_t most);
     std::string nextSifted(std::size_t most);
     std::string nextExchanged(std::size_t most);
 
-    Qor::NboAttrLog::MemoryTransport memory_;
+    std::unique_ptr<Carrier> carrier_;
     NameExchange names_;
     std::optional<DescriptionSieve> sieve_;
     FrameCutter cutter_;

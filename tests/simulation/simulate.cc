@@ -19,17 +19,20 @@ constexpr std::uint64_t mostLate = 4000;
 
 constexpr char const* help =
     "simulate [--seed N] [--steps N] [--scripts N] [--seconds N] [--rivals] [--remounts] "
-    "[--ties] [--late] [--compiled] [--makers-stay] [--trace]\n"
+    "[--ties] [--late] [--sockets] [--compiled] [--makers-stay] [--trace]\n"
     "\n"
     "Runs script after script from the seed on (1 unless told), each of so many steps (as the\n"
-    "seed decides unless told), until so many scripts or seconds (60) are over. --rivals lets\n"
-    "several authors write the same values, --remounts has mounts given back and made again while\n"
-    "their connection stays, --ties gives collections keys that tie, --late has processes learn "
-    "of\n"
-    "some classes when they first meet them (then 4000 scripts at most: a process takes no more\n"
-    "types in its life), --compiled leaves out processes that know the classes by their\n"
-    "descriptions alone, --makers-stay has no process end that makes a tree, --trace tells\n"
-    "everything.\n"
+    "seed decides unless told), until so many scripts or seconds (60) are over.\n"
+    "  --rivals       several authors write the same values\n"
+    "  --remounts     mounts are given back and made again while their connection stays\n"
+    "  --ties         collections have keys that tie\n"
+    "  --late         processes learn of some classes when they first meet them; then 4000 "
+    "scripts\n"
+    "                 at most, since a process takes no more types in its life\n"
+    "  --sockets      connections are pairs of sockets\n"
+    "  --compiled     no process knows the classes by their descriptions alone\n"
+    "  --makers-stay  no process ends that makes a tree\n"
+    "  --trace        tells everything\n"
     "Ends with 1 at the first violation.\n";
 
 Options parsed(int count, char** words) {
@@ -55,6 +58,8 @@ Options parsed(int count, char** words) {
             options.request.ties = true;
         } else if (is("--late")) {
             options.request.late = true;
+        } else if (is("--sockets")) {
+            options.request.sockets = true;
         } else if (is("--compiled")) {
             options.request.compiled = true;
         } else if (is("--makers-stay")) {

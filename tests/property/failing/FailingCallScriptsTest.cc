@@ -23,7 +23,7 @@ using Calls::Call;
 using Sim::Outcome;
 using Sim::Request;
 
-constexpr std::uint64_t scripts = Settings::volume(20, 5, 4);
+constexpr std::uint64_t scripts = Settings::volume(20, 3, 2);
 constexpr unsigned steps = 100;
 constexpr std::uint64_t all = std::numeric_limits<std::uint64_t>::max() / 2;
 
@@ -94,7 +94,7 @@ class FailingCallScripts : public testing::TestWithParam<Kind> {
 
 TEST_P(FailingCallScripts, EachConvergesWhicheverFails) {
     Kind const& kind = GetParam();
-    std::uint64_t const most = Settings::number("VGW_FAILURES", Settings::volume(3, 1, 1));
+    std::uint64_t const most = Settings::number("VGW_FAILURES", Settings::volume(2, 1, 1));
     std::mt19937_64 random(Settings::seed());
     std::uint64_t calls = 0;
     for (std::uint64_t seed = 1; seed <= scripts && !HasFailure(); ++seed) {

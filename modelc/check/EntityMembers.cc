@@ -14,7 +14,7 @@ constexpr std::string_view typeExpected =
     "entity";
 constexpr std::string_view keyExpected =
     "Qor::String8, Qor::Name, U8, U16, U32, U64, I32, an extern value, or an ordered value with a "
-    "hash";
+    "hash and without fractions";
 
 bool sameSignature(Operation const& a, Operation const& b) {
     auto const same = [](Argument const& x, Argument const& y) { return x.type == y.type; };

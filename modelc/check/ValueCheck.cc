@@ -15,8 +15,19 @@ bool isReal(Type const& type) {
     return type.kind == TypeKind::builtin && type.builtin == Builtin::real;
 }
 
+bool isText(Builtin type) { return type == Builtin::text || type == Builtin::name; }
+
 bool isBoolean(Type const& type) {
     return type.kind == TypeKind::builtin && type.builtin == Builtin::boolean;
+}
+
+// What may be equal to nothing, not to itself either.
+bool holdsReal(Type const& type) {
+    if (type.kind != TypeKind::value) return isReal(type);
+    auto const& fields = type.value->fields;
+    return std::any_of(fields.begin(), fields.end(), [](ValueField const& field) {
+        return field.type != nullptr && holdsReal(*field.type);
+    });
 }
 
 bool isU32(Type const& type) {
@@ -26,14 +37,17 @@ bool isU32(Type const& type) {
 }  // namespace
 
 bool canBeField(Type const& type) {
-    return type.kind != TypeKind::builtin && type.kind != TypeKind::entity;
+    return type.kind != TypeKind::builtin ? type.kind != TypeKind::entity : !isText(type.builtin);
 }
 
-bool canBeHashWord(Type const& type) { return type.kind != TypeKind::value || type.value->hash; }
+bool canBeHashWord(Type const& type) {
+    if (type.kind == TypeKind::builtin) return !isReal(type);
+    return type.kind != TypeKind::value || type.value->hash;
+}
 
 bool canBeKey(Type const& type) {
     if (type.kind == TypeKind::value)
-        return type.value->hash && type.value->ordering != Ordering::none;
+        return type.value->hash && type.value->ordering != Ordering::none && !holdsReal(type);
     if (type.kind == TypeKind::builtin) return !isReal(type) && !isBoolean(type);
     return type.kind == TypeKind::external;
 }
@@ -123,8 +137,9 @@ void ValueCheck::field(Tree::ValueMember const& tree, Value& result) {
     }
     Type const* type = memberType(tree, result);
     if (type != nullptr && !canBeField(*type)) {
-        context_.report(tree.type.at, quoted(tree.type.text) + " cannot be a field of a value",
-                        "an enumeration, a value declared above or an extern value");
+        context_.report(
+            tree.type.at, quoted(tree.type.text) + " cannot be a field of a value",
+            "a number, Bool, an enumeration, a value declared above or an extern value");
         type = nullptr;
     }
     result.fields.push_back({static_cast<std::uint32_t>(tree.id.value), tree.name.text, type,
@@ -169,7 +184,9 @@ void ValueCheck::hashWord(Tree::Word const& word, Value const& result, ValueHash
     if (isTwice || (found->type != nullptr && !canBeHashWord(*found->type))) {
         context_.report(
             word.at, quoted(word.text) + (isTwice ? " stands twice" : " has no hash"),
-            isTwice ? "each field once" : "an enumeration, an extern value or a value with a hash");
+            isTwice
+                ? "each field once"
+                : "a whole number, Bool, an enumeration, an extern value or a value with a hash");
         return;
     }
     hash.words.push_back(&*found);

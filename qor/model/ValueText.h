@@ -120,7 +120,7 @@ void readValue(V& value, NboAttrLog::In* in) {
         if constexpr (std::is_enum_v<typename F::Type>) {
             F::field(value) = enumInstance<typename F::Type>(in->nextU32());
         } else {
-            F::field(value) = typename F::Type(in, StreamBogon());
+            F::field(value) = NboAttrLog::nextValue<typename F::Type>(*in);
         }
     });
 }

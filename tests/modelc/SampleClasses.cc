@@ -115,12 +115,30 @@ TEST(SampleClasses, TextFormsComeBackTheSame) {
                     Kelp::EthAddr("00:00:5e:00:53:01"));
     Channel const channel(slot, DeviceKind::source);
     EXPECT_EQ(Qor::strepToValue<Channel>(valueToStrep(channel)), channel);
-    EXPECT_EQ(valueToStrep(Reading()), "Value('Acme::Reading', ** {'from': '0.0.0.0'})");
+    EXPECT_EQ(valueToStrep(Reading()),
+              "Value('Acme::Reading', ** {'from': '0.0.0.0', 'mean': 0.5, 'age': 0})");
+}
+
+TEST(SampleClasses, ValuesOfNumbersAreValuesAsOthersAre) {
+    Shelf const shelf;
+    EXPECT_TRUE(shelf.isCold());
+    EXPECT_EQ(shelf.ware(), 0x100000000U);
+    EXPECT_EQ(shelf.offset(), -5);
+    Shelf const next(1, false, 3, -7, 9);
+    EXPECT_LT(shelf, next);
+    EXPECT_EQ(next.hash(), Qor::oneAtATimeHash(3U, 1U, 0xfffffff9U, 0U, 9U));
+    Qor::String8 const text = valueToStrep(next);
+    EXPECT_EQ(text,
+              "Value('Acme::Shelf', ** {'row': 1, 'isCold': false, 'ware': 3, 'offset': -7, "
+              "'slot': 9})");
+    EXPECT_EQ(Qor::strepToValue<Shelf>(text), next);
+    EXPECT_THROW(Qor::strepToValue<Shelf>("Value('Acme::Shelf', ** {'row': 65536})"),
+                 Qor::RangeException);
 }
 
 TEST(SampleClasses, ListsNameAllClassesOfTheDescription) {
     EXPECT_EQ(SampleEntities::size, 6U);
-    EXPECT_EQ(SampleValues::size, 4U);
+    EXPECT_EQ(SampleValues::size, 5U);
     EXPECT_EQ(SampleEnumerations::size, 1U);
     EXPECT_EQ(LongNamesEntities::size, 3U);
 }

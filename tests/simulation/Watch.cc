@@ -20,24 +20,22 @@ std::string Watch::gone(std::string const& path, char const* how, Plan const& pl
     return path + how;
 }
 
-// Whether it stood as one of a class above, since its own was not known. Then all that it has comes
-// anew.
-bool Watch::isNowOfItsClass(std::string const& path, Row const& row) {
-    if (!Cast::hasLate()) return false;
+// What stood as one of a class above, since its own was not known, and is of that now: all that it
+// has comes anew.
+void Watch::noteClass(std::string const& path, Row const& row) {
+    if (!Cast::hasLate()) return;
     std::string const before = std::exchange(titles_[path], row.shape->title(*row.entity));
     bool const wasBase = before == "Late::Star" && titles_[path] == "Late::Nova";
-    if (!wasBase) return false;
+    if (!wasBase) return;
     auto const isBelow = [&](std::string const& line) { return line.starts_with(path + "/"); };
     auto const isIt = [&](auto const& one) { return one.first == path || isBelow(one.first); };
     std::erase_if(entities_, isIt);
     std::erase_if(held_, isIt);
     std::erase_if(numbers_, isIt);
     std::erase_if(lines_, isBelow);
-    return true;
 }
 
 std::string Watch::lookAtRow(std::string const& path, Row const& row, Plan const& plan) {
-    isNowOfItsClass(path, row);
     auto const before = entities_.find(path);
     bool const isOther = before != entities_.end() && before->second != row.entity.ptr();
     entities_[path] = row.entity.ptr();
@@ -55,6 +53,7 @@ std::string Watch::look(Picture const& now, Plan const& plan) {
         unsigned const owner = ownerOf(path);
         return owner == shared || owner == 0;
     };
+    for (auto const& [path, row] : now.rows) noteClass(path, row);
     std::erase_if(entities_, [&](auto const& before) {
         if (now.rows.contains(before.first)) return false;
         note(gone(before.first, " has gone, and the source has it", plan));

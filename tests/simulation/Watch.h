@@ -21,7 +21,7 @@ class Watch {
 
   private:
     std::string lookAtRow(std::string const& path, Row const& row, Plan const& plan);
-    bool isNowOfItsClass(std::string const& path, Row const& row);
+    void noteClass(std::string const& path, Row const& row);
     std::string lookAtLines(Lines const& lines, Plan const& plan);
     std::string gone(std::string const& path, char const* how, Plan const& plan);
 

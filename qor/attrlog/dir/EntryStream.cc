@@ -196,14 +196,11 @@ void takeBack(Adapter& adapter, Name const& key, Entity* entity) {
     putRemoval(adapter, key);
 }
 
-// The end of an entry's record. What is still owed of the name is settled by it, and what the peer
-// removed may have been announced there again.
-void settleEntry(Adapter& adapter, InboundRecord const& record, Name const& key) {
+// The end of a removal. What the peer removed may have been announced there again.
+void settleRemoval(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
-    bool const isSettled =
-        adapter.has(AdapterState::isCopy) || targetOf<EntryStream>(adapter).entry(key);
-    if (isSettled) return forgive<EntryStream>(adapter, key);
-    if (record.hasCrossed) adapter.onEntry(key);
+    if (adapter.has(AdapterState::isCopy) || hasLeft(adapter)) return;
+    if (record.hasCrossed && !targetOf<EntryStream>(adapter).entry(key)) adapter.onEntry(key);
 }
 
 // The original sends the state that it holds, where the peer's has crossed what it sent.
@@ -229,10 +226,10 @@ void leaveOut(Adapter& adapter, Name const& key) {
     if (!isCopy && isNewsToPeer(adapter, key)) return;
     Ptr<Entity> const present = targetOf<EntryStream>(adapter).entry(key);
     if (present || adapter.StreamAdapter::flowOut()) takeBack(adapter, key, present.ptr());
+    giveWay<EntryStream>(adapter, key);
     if (present) takeDownEntry(adapter, key);
     adapter.flagIs(AdapterState::isActive, false);
-    if (isCopy) return forgive<EntryStream>(adapter, key);
-    adapter.onEntry(key);
+    if (!isCopy && !hasLeft(adapter)) adapter.onEntry(key);
 }
 
 void takeEntry(Adapter& adapter, InboundRecord& record) {
@@ -266,15 +263,17 @@ void takeEntry(Adapter& adapter, InboundRecord& record) {
     }
     // What ended meanwhile may have changed the directory.
     if (EntryStream::Attr::map(dir).version() != version) present = dir.qorEntry(told.key);
+    // What was still owed of the name is settled by it; what a handler does from now on is not.
+    forgive<EntryStream>(adapter, told.key);
     Ptr<Dir::QorEntry> const member = dir.qorEntryIs(told.key, present, entity);
     adapter.flagIs(AdapterState::isActive, true);
-    bool const isNewState = member->state() != told.state;
+    bool const isNewState = member->state() != told.state && member->value() == entity;
     if (isNewState) [[unlikely]] {
         dir.entryStateIs(told.key, told.state);
     }
     if (hasLeft(adapter)) return;
     enter(adapter, record.demuxer, *member, *entity, told.id);
-    settleEntry(adapter, record, told.key);
+    adapter.flagIs(AdapterState::isActive, false);
     // Of what is known the state alone was told, a value as others are.
     if (isNewState && isKnown) settleState(adapter, record, told.key);
 }
@@ -306,8 +305,9 @@ void EntryStream::read(Adapter& adapter, InboundRecord& record) {
     bool const isGone = !targetOf<EntryStream>(adapter).entry(key);
     if (isGone && adapter.has(AdapterState::isCopy)) return;
     if (isNewsToPeer(adapter, key)) return;
+    giveWay<EntryStream>(adapter, key);
     takeDownEntry(adapter, key);
-    settleEntry(adapter, record, key);
+    settleRemoval(adapter, record, key);
 }
 
 void EntryStream::sweep(Adapter& adapter, StreamAdapter::AttrTransactionType type) {

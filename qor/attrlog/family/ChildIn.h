@@ -105,13 +105,15 @@ void takeBack(Adapter& adapter, Name const& key, EntityId const& id) {
 }
 
 /// Whether another child stands in the place of the one that the peer announces under `id`.
+/// `wasMarked` when the record came.
 template <class S, class Adapter>
-bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id) {
+bool hasToMakeRoom(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id,
+                   bool wasMarked) {
     auto const child = childOf<S>(adapter, key);
     if (record.demuxer.checkEphemeralEntityDeletion(child, id, S::isKeyed)) return true;
     bool const isOwn = child && adapter.has(AdapterState::isCopy) &&
                        !child->qorNboAttrLogSa(Ptr<NboAttrLog::Out const>(adapter.nboAttrLogOut()));
-    return isOwn && isMarked<S>(adapter, key);
+    return isOwn && wasMarked;
 }
 
 /// Takes the child away, and what stands for it on this connection.
@@ -123,12 +125,15 @@ void takeDownChild(Adapter& adapter, Name const& key) {
     deleteChild<S>(adapter, key);
 }
 
-/// Makes the child that the peer announces, or takes the one that stands here.
+/// Makes the child that the peer announces, or takes the one that stands here. What was still owed
+/// of the name is settled by it; what a handler does meanwhile is not.
 template <class S, class Adapter>
 void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityId const& id) {
+    bool const wasMarked = isMarked<S>(adapter, key);
+    forgive<S>(adapter, key);
     bool const isMade = makeChild<S>(adapter, key);
     if (!adapter.isActive() || hasLeft(adapter)) return;
-    if (isMade && !hasToMakeRoom<S>(adapter, record, key, id)) {
+    if (isMade && !hasToMakeRoom<S>(adapter, record, key, id, wasMarked)) {
         return childChanged<S>(adapter, key);
     }
     takeDownChild<S>(adapter, key);
@@ -136,13 +141,11 @@ void takeChild(Adapter& adapter, InboundRecord& record, Name const& key, EntityI
     makeChild<S>(adapter, key);
 }
 
-/// The end of a child's record. What is still owed of the name is settled by it, and what the peer
-/// removed may have been announced there again.
+/// The end of a child's record. What the peer removed may have been announced there again.
 template <class S, class Adapter>
 void settleChild(Adapter& adapter, InboundRecord const& record, Name const& key) {
     adapter.flagIs(AdapterState::isActive, false);
-    bool const isThere = static_cast<bool>(childOf<S>(adapter, key));
-    if (isThere || adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
+    if (adapter.has(AdapterState::isCopy) || childOf<S>(adapter, key)) return;
     if (record.hasCrossed) childChanged<S>(adapter, key);
 }
 
@@ -177,6 +180,7 @@ void readChildRemoval(Adapter& adapter, InboundRecord& record) {
     // What a copy has let go since it announced it may be on its way: its own removal still goes.
     if (!childOf<S>(adapter, key) && adapter.has(AdapterState::isCopy)) return;
     if (isNewsToPeer<S>(adapter, key)) return;
+    giveWay<S>(adapter, key);
     takeDownChild<S>(adapter, key);
     settleChild<S>(adapter, record, key);
 }

@@ -117,12 +117,18 @@ void sendAgain(Adapter& adapter, Key const& key) {
     }
 }
 
+/// In front of every record that sets or removes a value: a copy owes it no more. What a handler
+/// writes there while the record is applied comes behind the peer's, and is owed.
+template <class S, class Adapter, class Key = Unkeyed>
+void giveWay(Adapter& adapter, Key const& key = {}) {
+    if (adapter.has(AdapterState::isCopy)) forgive<S>(adapter, key);
+}
+
 /// The end of every record that set or removed a value. Where it has changed nothing, the peer
 /// holds that value already or is about to hear of it.
 template <class S, class Adapter, class Key = Unkeyed>
 void settle(Adapter& adapter, InboundRecord const& record, Key const& key = {}) {
-    if (adapter.has(AdapterState::isCopy)) return forgive<S>(adapter, key);
-    if (adapter.isActive()) return;
+    if (adapter.has(AdapterState::isCopy) || adapter.isActive()) return;
     if (record.hasCrossed || isHalfSent<S>(adapter, key)) [[unlikely]] {
         sendAgain<S>(adapter, key);
     }

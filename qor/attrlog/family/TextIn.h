@@ -21,6 +21,7 @@ inline void gatherChunk(InboundRecord& record, String8::Iterator& text, U64 size
 template <class S, class Adapter>
 bool takeText(Adapter& adapter, InboundRecord const& record, String8 const& whole) {
     if (isToBeReplaced<S>(adapter)) return false;
+    giveWay<S>(adapter);
     S::set(targetOf<S>(adapter), whole);
     settle<S>(adapter, record);
     return true;
@@ -98,6 +99,7 @@ void readTextMember(Adapter& adapter, InboundRecord& record) {
     }
     auto& entity = targetOf<S>(adapter);
     if (isToBeReplaced<S>(adapter, key)) return keepMember<S>(entity, key);
+    giveWay<S>(adapter, key);
     S::set(entity, key, whole);
     keepMember<S>(entity, key);
     settle<S>(adapter, record, key);

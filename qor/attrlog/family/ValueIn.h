@@ -26,6 +26,7 @@ void readScalar(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) {
         S::on(adapter);
     } else if (!isRefusedToPeer<S>(adapter, record, value) && !isToBeReplaced<S>(adapter)) {
+        giveWay<S>(adapter);
         S::set(targetOf<S>(adapter), std::move(value));
         settle<S>(adapter, record);
     }
@@ -38,6 +39,7 @@ void readFlagMember(Adapter& adapter, InboundRecord& record) {
     if (record.echoOnly) return S::on(adapter, key);
     auto& entity = targetOf<S>(adapter);
     if (isToBeReplaced<S>(adapter, key)) return keepMember<S>(entity, key);
+    giveWay<S>(adapter, key);
     S::set(entity, key, value);
     keepMember<S>(entity, key);
     settle<S>(adapter, record, key);
@@ -52,6 +54,7 @@ void readReference(Adapter& adapter, InboundRecord& record) {
     channelModeIs(adapter, MsgChannel::Mode::applied);
     if (record.echoOnly) return S::on(adapter, key);
     auto& entity = targetOf<S>(adapter);
+    giveWay<S>(adapter, key);
     S::set(entity, key, target);
     keepMember<S>(entity, key);
     bool const isTaken = target || id.isNull() || adapter.has(AdapterState::isCopy);
@@ -63,6 +66,7 @@ void readRemoval(Adapter& adapter, InboundRecord& record) {
     auto const key = nextKey<S>(record.in);
     if (record.echoOnly) return S::on(adapter, key);
     if (isToBeReplaced<S>(adapter, key)) return;
+    giveWay<S>(adapter, key);
     S::del(targetOf<S>(adapter), key);
     settle<S>(adapter, record, key);
 }

@@ -129,6 +129,35 @@ TEST_P(EntryHandlers, BothEndsHoldWhatTheHandlerLeft) {
     EXPECT_EQ(peers.source.demuxer->adapters(), peers.reader.demuxer->adapters());
 }
 
+// A connection whose copy has a handler.
+struct OneEntry : testing::Test {
+    OneEntry() {
+        peers.mount(original, copy);
+        once->notifierIs(copy);
+    }
+
+    Name const a{"a"};
+    Peers peers;
+    Qor::Ptr<Dir> original = make<Dir>(Name("dir"));
+    Qor::Ptr<Dir> copy = make<Dir>(Name("dir"));
+    Qor::Ptr<Once> once = make<Once>();
+};
+
+using EntryThatAHandlerReplaced = OneEntry;
+
+// It was here alone: the original had been told of another state by then.
+TEST_F(EntryThatAHandlerReplaced, DoesNotTakeTheStateOfTheOneThatWasAnnounced) {
+    once->what = [&] { copy->entryIs(a, make<Dir>(a)); };
+    peers.source.out().hasLiveBufferIs(false);
+    original->entryIs(a, make<Dir>(a));
+    original->entryStateIs(a, Dir::EntryState::released);
+    peers.source.out().hasLiveBufferIs(true);
+    peers.settle();
+    EXPECT_FALSE(once->what);
+    EXPECT_EQ(copy->entryState(a), original->entryState(a));
+    EXPECT_EQ(copy->entryState(a), Dir::EntryState::ready);
+}
+
 std::vector<Case> cases() {
     std::vector<Case> result;
     for (unsigned bits = 0; bits < 32; ++bits) {

@@ -112,6 +112,8 @@ std::string nameOfValueCase(testing::TestParamInfo<ValueCase> const& info) {
            std::to_string(one.peers) + "To" + std::to_string(one.handlers);
 }
 
+void PrintTo(ValueCase const& one, std::ostream* out) { *out << nameOfValueCase({one, 0}); }
+
 class ValueHandlers : public testing::TestWithParam<ValueCase> {};
 
 TEST_P(ValueHandlers, BothEndsHoldWhatTheHandlerLeft) {

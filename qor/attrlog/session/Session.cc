@@ -190,9 +190,9 @@ bool Session::serveTurn(U64 budget, U64 readEnd) {
     bool hasRead = false;
     try {
         hasRead = readAll(readEnd);
-        if (alive) mountWhatWasLacked();
         if (alive) describeTypes();
         if (alive) demuxer_->serveFlows(std::min(budget, passBytes));
+        if (alive) mountWhatWasLacked();
         if (alive) tellSynced();
         if (alive) tellDigest();
     } catch (std::exception const& failure) {

@@ -104,9 +104,10 @@ bool Session::mayLackLess() const noexcept {
     return !lacked_.empty() && publications_ != QorType::publications() && !awaitsTypes();
 }
 
-// A class may also have become known over another connection.
+// A class may also have become known over another connection. What was written to a copy goes
+// first: the peer's word is the last where a copy is mounted.
 void Session::mountWhatWasLacked() {
-    if (!mayLackLess()) return;
+    if (!mayLackLess() || demuxer_->owes()) return;
     publications_ = QorType::publications();
     if (std::erase_if(lacked_, isKnownClass) != 0) mountAllAgain();
 }

@@ -131,44 +131,6 @@ TEST_P(EntryHandlers, BothEndsHoldWhatTheHandlerLeft) {
     EXPECT_EQ(peers.source.demuxer->adapters(), peers.reader.demuxer->adapters());
 }
 
-TEST_P(EntryHandlers, OneMayEndTheConnection) {
-    if (GetParam().record != Record::announces) original->entryIs(a, fresh());
-    peers.settle();
-    if (GetParam().isFull) to().fillRing();
-    once->what = [&] { to().demuxer->close(); };
-    write();
-    goLacking();
-    EXPECT_FALSE(once->what);
-    EXPECT_EQ(to().demuxer->adapters(), 0U);
-}
-
-TEST_P(EntryHandlers, OneMayEndTheDirectory) {
-    original->entryIs(Name("sub"), make<Dir>(Name("sub")));
-    peers.settle();
-    auto const sub = [](Qor::Ptr<Dir> const& dir) {
-        return Qor::dynamicCast<Dir>(dir->entry(Name("sub")));
-    };
-    if (GetParam().record != Record::announces) sub(original)->entryIs(a, fresh());
-    peers.settle();
-    if (GetParam().isFull) to().fillRing();
-    once->notifierIs(sub(here()));
-    once->what = [&] { here()->entryDel(Name("sub")); };
-    if (GetParam().record == Record::removes) {
-        sub(there())->entryDel(a);
-    } else if (GetParam().record == Record::leavesOut) {
-        sub(there())->entryIs(a, make<Vgw::HwVtepOvsdb>(a));
-    } else {
-        sub(there())->entryIs(a, fresh());
-    }
-    goLacking();
-    EXPECT_FALSE(once->what);
-    once->notifierIs(nullptr);
-    peers.settle();
-    EXPECT_EQ(original->entrys() + copy->entrys(), 0U);
-    EXPECT_EQ(peers.source.failure + peers.reader.failure, Qor::String8());
-    EXPECT_EQ(peers.source.demuxer->adapters(), peers.reader.demuxer->adapters());
-}
-
 // A connection whose copy has a handler.
 struct OneEntry : testing::Test {
     OneEntry() {

@@ -119,6 +119,26 @@ TEST_F(LateClasses, NameThatNoDescriptionCanHaveIsNotAskedFor) {
     EXPECT_EQ(reader->demuxer().counters().unknownClasses, 3U);
 }
 
+// It was lost: the original's state has the last word where a copy is mounted.
+TEST_F(LateClasses, WhatIsStillToBeSentOfACopyGoesBeforeItIsMountedAgain) {
+    MountId const other = reader->mount("/other", true);
+    orphanDir(other, EntityId(peers | 41));
+    turn();
+    auto const written = Qor::dynamicCast<Qor::Dir>(reader->mounted(other));
+    ASSERT_TRUE(written);
+    announce("x", "T::Meanwhile");
+    turn();
+    describe(2, lamp("T::Meanwhile"));
+    link(12, U32{2}, U32{1});
+    reader->demuxer().out()->hasLiveBufferIs(false);
+    written->entryIs(Name("mine"), make<Qor::Dir>(Name("mine")));
+    EXPECT_EQ(reader->demuxer().flows(), 1U);
+    reader->demuxer().out()->hasLiveBufferIs(true);
+    tellsRecords = true;
+    EXPECT_EQ(turn(), (Said{"record", "record", "unmount 1", "unmount 2", "mount 1 /dir",
+                            "mount 2 /other"}));
+}
+
 // The copy that it told of was not there, or not all of it.
 TEST_F(LateClasses, EndOfAStateThatWasGivenBackIsNotToldOf) {
     MountId const other = reader->mount("/lamp", false);

@@ -82,7 +82,8 @@ class Peer : public testing::Test {
         out << String8(key) << Token::end;
     }
 
-    // Lets the reader work, and gives the link messages that it sends as words.
+    // Lets the reader work, and gives the link messages that it sends as words. That a record came
+    // is told where that is asked for.
     std::vector<std::string> turn() {
         while (!out->unsent().empty()) out->sentInc(far.write(out->unsent()));
         reader->service();
@@ -92,6 +93,9 @@ class Peer : public testing::Test {
             Qor::NboAttrLog::Frame frame;
             if (!in->nextFrame(frame)) return result;
             if (frame.kind == Qor::NboAttrLog::FrameKind::link) result.push_back(words());
+            if (frame.kind == Qor::NboAttrLog::FrameKind::record && tellsRecords) {
+                result.emplace_back("record");
+            }
             in->frameDone(frame);
         }
     }
@@ -127,6 +131,7 @@ class Peer : public testing::Test {
     Qor::Ptr<Qor::NboAttrLog::In> const in = make<Qor::NboAttrLog::In>();
     Heard heard;
     std::unique_ptr<Session> reader;
+    bool tellsRecords = false;
     static constexpr Qor::U64 peers = Qor::U64{1} << 63;
     EntityId const dirId{peers | 5};
     EntityId const laterDirId{peers | 9};

@@ -151,6 +151,26 @@ class LostWriteTest(write_case.WriteCase):
         self.proxy.carry_out(insertion)
         self.await_gone(writer)
 
+    def test_addresses_that_come_and_go_at_once_leave_nothing_behind(self):
+        writer = self.writer(UNICAST)
+        red = self.uuid("Logical_Switch", "red")
+
+        def is_empty():
+            for name in self.names(writer, UNICAST):
+                writer.ask("del", UNICAST, "entry", f"'{name}'")
+            return self.rows("Ucast_Macs_Local") == [] and self.names(self.reader, UNICAST) == []
+
+        for n in range(60):
+            self.make_mac(writer, f"brief-{n}", f"00:00:5e:00:53:{n:02x}", switch_uuid=red)
+            # Before it is sent, while it is under way, and when it is there under its UUID.
+            time.sleep(n % 6 * 0.006)
+            writer.ask("del", UNICAST, "entry", f"'brief-{n}'")
+        self.reader.await_that(is_empty, "all are gone")
+        self.assertEqual(self.reader.ask("get", "/vgw/database", "refused"), "0")
+        # Nothing is on its way any more.
+        time.sleep(0.3)
+        self.assertTrue(is_empty())
+
     def test_a_removal_that_was_carried_out_and_lost_is_told_as_written(self):
         writer = self.writer(UNICAST)
         self.make_mac(writer)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace Qor {
 
@@ -74,16 +75,14 @@ MountId Session::mount(String8 const& path, bool writable, Ptr<Entity> copy) {
     asked.path = path;
     asked.writable = writable;
     asked.copy = std::move(copy);
-    asked.isHeldBack = awaitsTypes();
-    if (!asked.isHeldBack) sendMount(mount, asked);
+    if (!awaitsTypes()) askFor(mount, asked);
     return mount;
 }
 
 void Session::unmount(MountId mount) {
     auto const found = asked_.find(mount);
     if (found == asked_.end()) return;
-    if (!found->second.isHeldBack) send(Op::unmount, mount);
-    EntityId const id = found->second.id;
+    EntityId const id = giveBack(found->second);
     auto const gone = asked_.extract(found);
     Alive const alive(*this);
     bool const isShared = std::any_of(asked_.begin(), asked_.end(),
@@ -106,9 +105,37 @@ void Session::unmount(MountId mount) {
 
 // What stood below another that was unmounted has gone with it at both ends.
 void Session::mountAgain(std::pair<MountId const, Asked>& one) {
-    send(Op::unmount, one.first);
-    one.second.id = EntityId();
-    sendMount(one.first, one.second);
+    giveBack(one.second);
+    askFor(one.first, one.second);
+}
+
+// Under a number of its own each time: what the peer answers to an earlier one may still be on its
+// way, and means nothing for this one.
+void Session::askFor(MountId mount, Asked& asked) {
+    asked.number = ++lastNumber_;
+    numbers_[asked.number] = mount;
+    send(Op::mount, asked.number, asked.writable, asked.path);
+}
+
+// What is to be asked for.
+void Session::askForAll() {
+    for (auto& [mount, asked] : asked_) {
+        if (asked.number == 0) askFor(mount, asked);
+    }
+}
+
+// The id that the peer's entity had.
+EntityId Session::giveBack(Asked& asked) {
+    if (asked.number != 0) {
+        send(Op::unmount, asked.number);
+        numbers_.erase(std::exchange(asked.number, 0));
+    }
+    return std::exchange(asked.id, EntityId());
+}
+
+std::map<MountId, Session::Asked>::iterator Session::askedUnder(U32 number) {
+    auto const found = numbers_.find(number);
+    return found == numbers_.end() ? asked_.end() : asked_.find(found->second);
 }
 
 Ptr<Entity> Session::mounted(MountId mount) const {

@@ -176,7 +176,7 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
         bool writable = false;
         Ptr<Entity> copy;
         EntityId id = {};
-        bool isHeldBack = false;  // until the peer's types are known
+        U32 number = 0;  // that the peer was asked under last; 0: it is to be asked again
         bool isTold = false;
     };
     // What is still to be told of the types that the peer asked for.
@@ -255,7 +255,10 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     // The types of both ends.
     void askForTypes(Name const& fullName);
     bool awaitsTypes() const noexcept { return typesAsked_ != typesAnswered_; }
-    void sendMount(MountId mount, Asked& asked);
+    void askFor(MountId mount, Asked& asked);
+    void askForAll();
+    EntityId giveBack(Asked& asked);
+    std::map<MountId, Asked>::iterator askedUnder(U32 number);
     void handleDescribe(In& in);
     void handleDescribed(In& in);
     void handleDescribedAll(In& in);
@@ -274,9 +277,11 @@ class QOR_EXPORT Session : private LinkHandler, private OutWaker {
     SessionListener* listener_ = nullptr;
     std::shared_ptr<bool> const isAlive_ = std::make_shared<bool>(true);
     std::map<MountId, Asked> asked_;  // of the peer
+    std::map<U32, MountId> numbers_;  // that the peer was asked under
     std::map<MountId, Given> given_;  // to the peer, by its own numbers
     std::map<MountId, Held> held_;    // until what stands above has been announced
     MountId lastMount_ = 0;
+    U32 lastNumber_ = 0;
     CallId lastCall_ = 0;
     std::deque<DigestPage> digestsAsked_;
     std::deque<DigestPage> digestsOwed_;

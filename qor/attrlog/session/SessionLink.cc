@@ -219,9 +219,9 @@ void Session::give(MountId mount, Entity& entity, bool writable) {
 }
 
 void Session::handleMounted(In& in) {
-    MountId const mount = in.nextU32();
+    U32 const number = in.nextU32();
     EntityId const id = in.nextEntityId();
-    auto const found = asked_.find(mount);
+    auto const found = askedUnder(number);
     if (found != asked_.end()) found->second.id = id;
 }
 
@@ -314,9 +314,9 @@ void Session::refuseHere(EntityId const& id, String8 const& reason) {
     }
     Alive const alive(*this);
     for (MountId const mount : mounts) {
-        auto const gone = asked_.extract(mount);
+        auto gone = asked_.extract(mount);
         if (gone.empty()) continue;
-        send(Op::unmount, mount);
+        giveBack(gone.mapped());
         if (listener_ != nullptr) listener_->onRefused(mount, reason);
         if (!alive) return;
     }
@@ -336,16 +336,16 @@ void Session::handleAnswer(Op op, In& in) {
         if (listener_ != nullptr) listener_->onPong(roundTrip);
         return;
     }
-    MountId const mount = in.nextU32();
-    auto const found = asked_.find(mount);
+    auto const found = askedUnder(in.nextU32());
     if (found == asked_.end()) return;
+    MountId const mount = found->first;
     if (op == Op::synced) {
-        // It may have been given back since, to be mounted again: then it is told once more.
         bool const isMounted = found->second.isTold && !found->second.id.isNull();
         if (isMounted && listener_ != nullptr) listener_->onSynced(mount);
         return;
     }
     String8 const reason = in.nextString();
+    numbers_.erase(found->second.number);
     auto const gone = asked_.extract(found);
     if (listener_ != nullptr) listener_->onRefused(mount, reason);
 }

@@ -20,11 +20,6 @@ void Session::askForTypes(Name const& fullName) {
     send(Op::describe, ++typesAsked_, String8(fullName));
 }
 
-void Session::sendMount(MountId mount, Asked& asked) {
-    asked.isHeldBack = false;
-    send(Op::mount, mount, asked.writable, asked.path);
-}
-
 void Session::handleDescribe(In& in) {
     U32 const number = in.nextU32();
     Name const name(in.nextString());
@@ -74,9 +69,7 @@ void Session::handleDescribedAll(In& in) {
     Alive const alive(*this);
     mountWhatWasLacked();
     if (!alive) return;
-    for (auto& [mount, asked] : asked_) {
-        if (asked.isHeldBack) sendMount(mount, asked);
-    }
+    askForAll();
 }
 
 // Once for each name: what the peer can't describe is skipped from then on.
@@ -119,10 +112,7 @@ bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
     unknownClass(fullName);
     if (!awaitsTypes()) return false;
     for (auto& [mount, asked] : asked_) {
-        if (asked.id != id) continue;
-        send(Op::unmount, mount);
-        asked.id = EntityId();
-        asked.isHeldBack = true;
+        if (asked.id == id) giveBack(asked);
     }
     return true;
 }
@@ -131,21 +121,17 @@ bool Session::holdBackForType(EntityId const& id, Name const& fullName) {
 void Session::mountAllAgain() {
     std::vector<MountId> mounts;
     for (auto const& [mount, asked] : asked_) {
-        if (!asked.isHeldBack) mounts.push_back(mount);
+        if (asked.number != 0) mounts.push_back(mount);
     }
     Alive const alive(*this);
     for (MountId const mount : mounts) {
         auto const one = asked_.find(mount);
         if (one == asked_.end()) continue;
-        send(Op::unmount, mount);
-        letGo(std::exchange(one->second.id, EntityId()));
+        letGo(giveBack(one->second));
         if (!alive) return;
     }
     // Behind all that are given back: one that stands below another is no longer in its way.
-    for (MountId const mount : mounts) {
-        auto const one = asked_.find(mount);
-        if (one != asked_.end()) sendMount(mount, one->second);
-    }
+    askForAll();
 }
 
 }  // namespace NboAttrLog

@@ -27,7 +27,7 @@ class LateClasses : public Played::Peer {
 
     MountId mount = 0;
     Qor::U64 nextId = 101;
-    Said const again{"unmount 1", "mount 1 /dir"};
+    Said const again{"unmount 1", "mount 2 /dir"};
 };
 
 // The peer takes so many, and ended the connection at the next.
@@ -73,7 +73,7 @@ TEST_F(LateClasses, WhatOneAnswerBroughtIsMountedAgainAlthoughTheNextBringsNothi
     EXPECT_EQ(turn(), Said{});
     link(12, U32{3}, U32{0});
     EXPECT_EQ(turn(), again);
-    orphanDir(mount, laterDirId);
+    orphanDir(2, laterDirId);
     announce("x", "T::Told", laterDirId);
     turn();
     ASSERT_TRUE(copy());
@@ -99,7 +99,7 @@ TEST_F(LateClasses, ClassThatBecameKnownElsewhereIsMountedAgain) {
     EXPECT_TRUE(reader->wantsWrite()) << "service() is due, whether anything comes or not";
     EXPECT_EQ(turn(), again);
     EXPECT_FALSE(reader->wantsWrite());
-    orphanDir(mount, laterDirId);
+    orphanDir(2, laterDirId);
     announce("x", "T::Elsewhere", laterDirId);
     turn();
     ASSERT_TRUE(copy());
@@ -135,8 +135,8 @@ TEST_F(LateClasses, WhatIsStillToBeSentOfACopyGoesBeforeItIsMountedAgain) {
     EXPECT_EQ(reader->demuxer().flows(), 1U);
     reader->demuxer().out()->hasLiveBufferIs(true);
     tellsRecords = true;
-    EXPECT_EQ(turn(), (Said{"record", "record", "unmount 1", "unmount 2", "mount 1 /dir",
-                            "mount 2 /other"}));
+    EXPECT_EQ(turn(), (Said{"record", "record", "unmount 1", "unmount 2", "mount 3 /dir",
+                            "mount 4 /other"}));
 }
 
 // The copy that it told of was not there, or not all of it.
@@ -150,12 +150,31 @@ TEST_F(LateClasses, EndOfAStateThatWasGivenBackIsNotToldOf) {
     describe(2, lamp("T::Root"));
     link(12, U32{2}, U32{1});
     link(4, mount);
-    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 1 /dir", "mount 2 /lamp"}));
+    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 3 /dir", "mount 4 /lamp"}));
     EXPECT_EQ(heard.synced, 0);
-    orphan(other, EntityId(peers | 23), "T::Root");
-    link(4, other);
+    orphan(4, EntityId(peers | 23), "T::Root");
+    link(4, U32{4});
     turn();
     EXPECT_EQ(heard.synced, 1);
+}
+
+// It was taken for the answer to what was asked last, and what came then had nobody to go to.
+TEST_F(LateClasses, RefusalThatCrossesAMountMadeAgainIsNotItsAnswer) {
+    MountId const other = reader->mount("/later", false);
+    announce("x", "T::Crossed");
+    turn();
+    describe(2, lamp("T::Crossed"));
+    link(12, U32{2}, U32{1});
+    EXPECT_EQ(turn(), (Said{"unmount 1", "unmount 2", "mount 3 /dir", "mount 4 /later"}));
+    link(5, U32{2}, String8("/later does not exist"));
+    orphanDir(4, EntityId(peers | 25));
+    EXPECT_EQ(turn(), Said{});
+    EXPECT_EQ(heard.refused, String8());
+    EXPECT_TRUE(reader->mounted(other));
+    link(5, U32{3}, String8("/dir is gone"));
+    turn();
+    EXPECT_EQ(heard.refused, "/dir is gone");
+    EXPECT_FALSE(reader->mounted(mount));
 }
 
 }  // namespace

@@ -45,8 +45,8 @@ TEST_F(SessionTypes, ClassThatComesLaterIsAskedForByNameAndMountedAgainQuietly) 
 
     describe(2, lamp("T::Late"));
     link(12, U32{2}, U32{1});
-    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 1 /dir"}));
-    orphanDir(mount, laterDirId);
+    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 2 /dir"}));
+    orphanDir(2, laterDirId);
     entry(laterDirId, "early", EntityId(peers | 15), "Qor::Dir");
     entry(laterDirId, "late", EntityId(peers | 17), "T::Late");
     turn();
@@ -82,8 +82,8 @@ TEST_F(SessionTypes, ClassWhoseBaseAloneIsKnownIsAskedForByName) {
     derived.initials = {{258, "100"}, {386, "7"}};
     describe(2, derived);
     link(12, U32{2}, U32{1});
-    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 1 /dir"}));
-    orphanDir(mount, laterDirId);
+    EXPECT_EQ(turn(), (Said{"unmount 1", "mount 2 /dir"}));
+    orphanDir(2, laterDirId);
     entry(laterDirId, "x", EntityId(peers | 33), "T::Derived", "T::Base");
     turn();
     EXPECT_EQ(reader->closed(), String8());
@@ -101,8 +101,8 @@ TEST_F(SessionTypes, MountOfAClassThatCameLaterWaitsForItsDescription) {
     EXPECT_EQ(turn(), (Said{"mount 1 /lamp", "describe 2 T::LateRoot", "unmount 1"}));
     describe(2, lamp("T::LateRoot"));
     link(12, U32{2}, U32{1});
-    EXPECT_EQ(turn(), (Said{"mount 1 /lamp"}));
-    orphan(mount, EntityId(peers | 23), "T::LateRoot");
+    EXPECT_EQ(turn(), (Said{"mount 2 /lamp"}));
+    orphan(2, EntityId(peers | 23), "T::LateRoot");
     turn();
     ASSERT_TRUE(reader->mounted(mount));
     EXPECT_EQ(reader->mounted(mount)->fwkType()->fullName(), "T::LateRoot");
@@ -117,9 +117,9 @@ TEST_F(SessionTypes, MountOfAClassThatThePeerCantDescribeIsRefused) {
     orphan(mount, EntityId(peers | 21), "T::Never");
     turn();
     link(12, U32{2}, U32{0});
-    EXPECT_EQ(turn(), (Said{"mount 1 /lamp"}));
-    orphan(mount, EntityId(peers | 23), "T::Never");
-    EXPECT_EQ(turn(), (Said{"unmount 1"}));
+    EXPECT_EQ(turn(), (Said{"mount 2 /lamp"}));
+    orphan(2, EntityId(peers | 23), "T::Never");
+    EXPECT_EQ(turn(), (Said{"unmount 2"}));
     EXPECT_EQ(heard.refused, "the class T::Never is not known here");
     EXPECT_EQ(reader->closed(), String8());
 }

@@ -82,8 +82,10 @@ Assignment assignmentOf(Qor::QorType const& type, std::string const& word) {
         throw Failure(word + ": expected ATTRIBUTE[:KEY]=VALUE");
     Qor::QorAttr const& attribute = neededAttribute(type, operand.attribute);
     needWritable(attribute, operand);
-    return {attribute.id(), operand.key ? valueFrom(*attribute.keyType(), *operand.key) : nullptr,
-            valueFrom(*attribute.valueType(), operand.value)};
+    std::string const& name = operand.attribute;
+    return {attribute.id(),
+            operand.key ? valueFrom(*attribute.keyType(), *operand.key, name) : nullptr,
+            valueFrom(*attribute.valueType(), operand.value, name)};
 }
 
 std::vector<Assignment> assignmentsOf(Qor::QorType const& type, Words words) {
@@ -113,7 +115,8 @@ Qor::Ptr<GenericIf::List_> listOf(std::span<Qor::QorAttr::Argument const> argume
     needArguments(arguments, words, what);
     auto list = Qor::make<GenericIf::List_>();
     for (std::size_t n = 0; n < words.size(); ++n)
-        list->enq(valueFrom(neededType(arguments[n].type.view()), words[n]));
+        list->enq(
+            valueFrom(neededType(arguments[n].type.view()), words[n], arguments[n].name.view()));
     return list;
 }
 
@@ -124,7 +127,7 @@ std::size_t plainWords(Words words) {
 }
 
 GenericIf::Ptr nameValue(std::string const& name) {
-    return valueFrom(neededType("Qor::Name"), name);
+    return valueFrom(neededType("Qor::Name"), name, "name");
 }
 
 // A new entity of the class that the first word names, with its arguments behind it.
@@ -210,25 +213,26 @@ bool removeEntity(Context& context, std::string const& path) {
     Spot const spot = spotOf(path);
     Entity::Ptr const owner = context.writable(spot.owner);
     Qor::QorAttr const& attribute = neededAttribute(*owner->fwkType(), spot.attribute);
-    GenericIf::Ptr const key =
-        attribute.keyType() != nullptr ? valueFrom(*attribute.keyType(), spot.key) : nullptr;
+    GenericIf::Ptr const key = attribute.keyType() != nullptr
+                                   ? valueFrom(*attribute.keyType(), spot.key, spot.attribute)
+                                   : nullptr;
     wrapped(*owner, false)->attributeOp(attribute.id(), OpId::opDel, key);
     return true;
 }
 
-void removeMember(Entity& entity, std::string const& word, bool mayBeAbsent) {
+// Of the member that a word names; without a key if it is not there, and may be absent.
+Assignment removalOf(Entity& entity, std::string const& word, bool mayBeAbsent) {
     Operand const operand = operandOf(word);
     needOperands(operand, word);
     Qor::QorAttr const& attribute = neededAttribute(*entity.fwkType(), operand.attribute);
     needWritable(attribute, operand);
     if (!operand.key) throw Failure(word + ": expected ATTRIBUTE:KEY; other values are set");
-    GenericIf::Ptr const key = valueFrom(*attribute.keyType(), *operand.key);
-    GenericIf::Ptr const wrapper = wrapped(entity, false);
+    GenericIf::Ptr const key = valueFrom(*attribute.keyType(), *operand.key, operand.attribute);
     bool const isThere =
-        wrapper->attributeOp(attribute.id(), OpId::opExists, key)->strRep() == "true";
+        wrapped(entity)->attributeOp(attribute.id(), OpId::opExists, key)->strRep() == "true";
     if (!isThere && !mayBeAbsent)
         throw absent("a member " + *operand.key + " of " + operand.attribute);
-    if (isThere) wrapper->attributeOp(attribute.id(), OpId::opDel, key);
+    return {attribute.id(), isThere ? key : nullptr, nullptr};
 }
 
 }  // namespace
@@ -245,8 +249,12 @@ ExitCode runDel(Context& context, Arguments const& arguments) {
         if (!entityAt(path)) return ExitCode::success;
     }
     Entity::Ptr const entity = context.writable(path);
+    std::vector<Assignment> removals;
     for (std::string const& word : behind(arguments.operands, 1))
-        removeMember(*entity, word, mayBeAbsent);
+        removals.push_back(removalOf(*entity, word, mayBeAbsent));
+    GenericIf::Ptr const wrapper = wrapped(*entity, false);
+    for (Assignment const& one : removals)
+        if (one.key) wrapper->attributeOp(one.id, OpId::opDel, one.key);
     return ExitCode::success;
 }
 
@@ -263,8 +271,12 @@ ExitCode runCall(Context& context, Arguments const& arguments) {
     std::vector<std::string> texts;
     for (std::size_t n = 0; n < words.size(); ++n) {
         Qor::QorType& type = neededType(operation.arguments()[n].type.view());
-        texts.push_back(type.isEntity() ? words[n]
-                                        : std::string(valueFrom(type, words[n])->strRep().view()));
+        texts.push_back(
+            type.isEntity()
+                ? words[n]
+                : std::string(valueFrom(type, words[n], operation.arguments()[n].name.view())
+                                  ->strRep()
+                                  .view()));
     }
     std::string const result = context.calling().call(path, name, texts, context.deadline());
     if (result.empty()) return ExitCode::success;

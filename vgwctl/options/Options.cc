@@ -1,6 +1,7 @@
 #include <vgwctl/options/Options.h>
 
 #include <manual/ManPage.h>
+#include <manual/UsageError.h>
 
 #include <CLI/CLI.hpp>
 
@@ -25,6 +26,19 @@ std::map<std::string, TextForm> const textForms{
     {"string", TextForm::string}, {"bare", TextForm::bare}, {"json", TextForm::json}};
 std::map<std::string, Format> const formats{
     {"table", Format::table}, {"list", Format::list}, {"json", Format::json}, {"csv", Format::csv}};
+
+// One of the names in the map; what CLI11 has for this tells its numbers, or that it failed.
+template <class Value>
+CLI::Validator oneOf(std::map<std::string, Value> const& values, std::string const& expected) {
+    return CLI::Validator(
+        [values, expected](std::string& word) {
+            auto const found = values.find(word);
+            if (found == values.end()) return word + ": expected " + expected;
+            word = std::to_string(static_cast<int>(found->second));
+            return std::string();
+        },
+        "", expected);
+}
 
 // What CLI11 has for this tells its range in 300 digits.
 CLI::Validator const seconds(
@@ -67,10 +81,10 @@ void describeConnection(CLI::App& app, Options& options) {
 
 void describeOutput(CLI::App& app, Options& options, Words& words) {
     app.add_option("-f,--format", options.style.format, "table, list, json or csv")
-        ->transform(CLI::Transformer(formats).description(""))
+        ->transform(oneOf(formats, "table, list, json or csv"))
         ->type_name("FORMAT");
     app.add_option("-d,--data", options.style.data, "texts in cells: string, bare or json")
-        ->transform(CLI::Transformer(textForms).description(""))
+        ->transform(oneOf(textForms, "string, bare or json"))
         ->type_name("FORM");
     app.add_option("--columns", words.columns, "those alone, in this order")
         ->type_name("NAME[,NAME]...");
@@ -101,7 +115,7 @@ std::vector<std::vector<std::string>> commandsOf(std::vector<std::string> const&
         }
     }
     std::erase_if(commands, [](auto const& command) { return command.empty(); });
-    if (commands.empty()) throw CLI::ValidationError("COMMAND", "what is to be done? See --help");
+    if (commands.empty()) throw CLI::RequiredError("a command");
     return commands;
 }
 
@@ -112,6 +126,7 @@ std::unique_ptr<CLI::App> describedApp(Options& options, Words& words) {
     app->set_version_flag("-V,--version", "vgwctl " VGWCTL_VERSION);
     app->prefix_command();
     app->option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
+    Manual::tellsErrorsByName(*app);
     describeConnection(*app, options);
     describeOutput(*app, options, words);
     return app;

@@ -106,7 +106,7 @@ GenericIf::Ptr memberAt(Operand const& operand, Qor::QorAttr const& attribute,
     if (!operand.key) return wrapper->attributeOp(attribute.id());
     if (attribute.keyType() == nullptr)
         throw Failure(operand.attribute + " is no collection: it takes no key");
-    GenericIf::Ptr const key = valueFrom(*attribute.keyType(), *operand.key);
+    GenericIf::Ptr const key = valueFrom(*attribute.keyType(), *operand.key, operand.attribute);
     bool const isThere =
         wrapper->attributeOp(attribute.id(), OpId::opExists, key)->strRep() == "true";
     return isThere ? wrapper->attributeOp(attribute.id(), OpId::opGet, key) : nullptr;
@@ -137,7 +137,7 @@ Operand operandOf(std::string_view word) {
     return operand;
 }
 
-GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word) {
+GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word, std::string_view of) {
     try {
         if (type.isEntity()) {
             Qor::Entity::Ptr const entity = word.empty() ? nullptr : neededEntity(word);
@@ -147,7 +147,8 @@ GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word) {
         return type.genericIfFromStrep(isTextual(type) ? Qor::valueToStrep(text) : text, false);
     } catch (Qor::Exception const& e) {
         std::string const why = type.isEnumType() ? "expected " + literalsOf(type) : e.what();
-        throw Failure(word + " is no " + std::string(type.fullName().view()) + ": " + why);
+        throw Failure(std::string(of) + ": " + (word.empty() ? "\"\"" : word) + " is no " +
+                      std::string(type.fullName().view()) + ": " + why);
     }
 }
 
@@ -163,13 +164,14 @@ bool holds(Operand const& operand, Qor::Entity& entity) {
     Qor::QorType& type = *attribute.valueType();
     if (type.isEntity() || type.isEnumType()) {
         std::string const right =
-            type.isEntity() ? operand.value : valueOf(valueFrom(type, operand.value)).text;
+            type.isEntity() ? operand.value
+                            : valueOf(valueFrom(type, operand.value, operand.attribute)).text;
         bool const isEqual = valueOf(held).text == right;
         if (operand.relation == Relation::equal) return isEqual;
         if (operand.relation == Relation::unequal) return !isEqual;
         throw Failure(operand.attribute + " is compared by = and != only");
     }
-    GenericIf::Ptr const right = valueFrom(type, operand.value);
+    GenericIf::Ptr const right = valueFrom(type, operand.value, operand.attribute);
     return held->attributeOp(0, operationOf(operand.relation), right)->strRep() == "true";
 }
 

@@ -30,8 +30,8 @@ struct Operand {
 Operand operandOf(std::string_view word);
 
 /// The value of a type that a word stands for: a text without its quotes, an entity by its path.
-/// Raises Failure, which tells the type and what was expected.
-Qor::GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word);
+/// Raises Failure, which tells what the value is of, its type and what was expected.
+Qor::GenericIf::Ptr valueFrom(Qor::QorType& type, std::string const& word, std::string_view of);
 
 /// Whether an entity has what the operand tells; false for a member that is absent.
 /// REQUIRES: operand.relation is not none.

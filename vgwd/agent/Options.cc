@@ -3,6 +3,7 @@
 #include <vgwd/agent/LogWords.h>
 
 #include <manual/ManPage.h>
+#include <manual/UsageError.h>
 
 #include <CLI/CLI.hpp>
 
@@ -166,6 +167,7 @@ std::string manualPage(CLI::App const& app) {
 std::optional<Options> parseOptions(int count, char const* const* words, int& exitCode) {
     CLI::App app("Keeps a typed, observable mirror of an OVSDB hardware_vtep database.", "vgwd");
     app.set_version_flag("-V,--version", "vgwd " VGWD_VERSION);
+    Manual::tellsErrorsByName(app);
     Options options;
     Words said;
     describeServer(app, options, said);

@@ -81,11 +81,13 @@ TEST_F(Operands, TellWhatAnAttributeIsComparedBy) {
 
 TEST_F(Operands, OfAWrongValueNameItsTypeAndWhatIsExpected) {
     EXPECT_EQ(failure([&] { isHeld("vtepListType=some", *cli); }),
-              "some is no Vgw::VtepListType: expected sendToAll, sendToAny");
+              "vtepListType: some is no Vgw::VtepListType: expected sendToAll, sendToAny");
     std::string const number = failure([&] { isHeld("tunnelKey=many", *red); });
-    EXPECT_TRUE(number.starts_with("many is no U32: ")) << number;
+    EXPECT_TRUE(number.starts_with("tunnelKey: many is no U32: ")) << number;
     std::string const address = failure([&] { isHeld("managerIp=192.0.2", *cli); });
-    EXPECT_TRUE(address.starts_with("192.0.2 is no Kelp::IpAddr: ")) << address;
+    std::string const none = failure([&] { isHeld("tunnelKey>=", *red); });
+    EXPECT_TRUE(none.starts_with("tunnelKey: \"\" is no U32: ")) << none;
+    EXPECT_TRUE(address.starts_with("managerIp: 192.0.2 is no Kelp::IpAddr: ")) << address;
 }
 
 TEST_F(Operands, GiveTheValueOrTellWhatIsMissing) {

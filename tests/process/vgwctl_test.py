@@ -76,6 +76,7 @@ COMMANDS = [
     ["set", "/vgw/cliConfig", "vtepListType=sendToAll", "logSyslog=warning", "--", "get", "/vgw/cliConfig", "vtepListType"],
     ["set", "/vgw/cliConfig", "vtepListType=sendToSome"],
     ["set", "/vgw/cliConfig", "managerIp=192.0.2.256"],
+    ["set", "/vgw/cliConfig", "managerPort=x"],
     ["set", "/vgw/cliConfig", "managerTarget=a"],
     ["set", "/vgw/cliConfig", "managerPort"],
     ["set", "/vgw/config", "restartSyncLimit=50", "--", "get", "/vgw/config", "restartSyncLimit"],
@@ -110,6 +111,11 @@ COMMANDS = [
     ["complete", "P", "/vgw/ucast"],
     ["complete", "A", "logS", "/vgw/cliConfig"],
     ["complete", "C", "Logical"],
+    [],
+    ["--nope", "tree"],
+    ["-f", "xml", "tree"],
+    ["-d", "bold", "tree"],
+    ["--timeout=soon", "tree"],
 ]
 
 # Each is run in every format; DIR is a directory of the test's, AGENT the remote, FORMAT the format.

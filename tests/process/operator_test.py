@@ -128,7 +128,7 @@ class WordsTest(OperatorCase):
             (["show", "-t", "3"], "-t"),
             (["show", "--format=json"], "--format=json"),
         ):
-            why = f"{words[0]} has no option {option}; those of vgwctl stand in front of the first command"
+            why = f"{words[0]} has no option {option}; see --help for those of vgwctl, which stand in front of the first command"
             self.assert_told(words, 1, why)
 
     def test_what_does_not_travel_is_not_set(self):

@@ -259,7 +259,8 @@ bool isOptionOfACommand(std::string const& word) {
 }
 
 Failure noOption(std::string const& command, std::string const& word) {
-    std::string const hint = "; those of vgwctl stand in front of the first command";
+    std::string const hint =
+        "; see --help for those of vgwctl, which stand in front of the first command";
     return Failure(command + " has no option " + word + (isOptionOfACommand(word) ? "" : hint));
 }
 

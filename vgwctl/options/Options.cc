@@ -27,28 +27,38 @@ std::map<std::string, TextForm> const textForms{
 std::map<std::string, Format> const formats{
     {"table", Format::table}, {"list", Format::list}, {"json", Format::json}, {"csv", Format::csv}};
 
-// One of the names in the map; what CLI11 has for this tells its numbers, or that it failed.
-template <class Value>
-CLI::Validator oneOf(std::map<std::string, Value> const& values, std::string const& expected) {
+// Tells the word and what was expected. What CLI11 has for this tells numbers of enumerations,
+// ranges in 300 digits, or that something failed.
+template <class Takes>
+CLI::Validator expecting(std::string const& expected, Takes takes, std::string const& shown = "") {
     return CLI::Validator(
-        [values, expected](std::string& word) {
-            auto const found = values.find(word);
-            if (found == values.end()) return word + ": expected " + expected;
-            word = std::to_string(static_cast<int>(found->second));
-            return std::string();
+        [expected, takes](std::string& word) {
+            return takes(word) ? std::string() : word + ": expected " + expected;
         },
-        "", expected);
+        shown);
 }
 
-// What CLI11 has for this tells its range in 300 digits.
-CLI::Validator const seconds(
-    [](std::string& word) {
+// One of the names in the map, as the number that CLI11 reads an enumeration from.
+template <class Value>
+CLI::Validator oneOf(std::map<std::string, Value> const& values, std::string const& expected) {
+    return expecting(expected, [values](std::string& word) {
+        auto const found = values.find(word);
+        if (found != values.end()) word = std::to_string(static_cast<int>(found->second));
+        return found != values.end();
+    });
+}
+
+CLI::Validator const seconds = expecting(
+    "seconds, 0 or more",
+    [](std::string const& word) {
         double value = -1;
-        bool const isNumber = CLI::detail::lexical_cast(word, value);
-        return isNumber && value >= 0 && std::isfinite(value) ? std::string()
-                                                              : "expected seconds, 0 or more";
+        return CLI::detail::lexical_cast(word, value) && value >= 0 && std::isfinite(value);
     },
-    "", "seconds");
+    "seconds");
+
+CLI::Validator const colors = expecting("auto, always or never", [](std::string const& word) {
+    return word == "auto" || word == "always" || word == "never";
+});
 
 void describeConnection(CLI::App& app, Options& options) {
     app.add_option("--db", options.db,
@@ -91,7 +101,7 @@ void describeOutput(CLI::App& app, Options& options, Words& words) {
     app.add_flag("--no-headings,--no-heading", words.hasNoHeadings, "print no headings");
     app.add_flag("--timestamp", options.hasTimestamp, "print when each change came");
     app.add_option("--color", options.color, "auto, always or never")
-        ->check(CLI::IsMember({"auto", "always", "never"}))
+        ->check(colors)
         ->capture_default_str();
 }
 

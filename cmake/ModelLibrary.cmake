@@ -145,8 +145,8 @@ endfunction()
 
 # vgw_model_library(<name> MODEL <file>... [LINKS <target>...] [UNOPTIMISED])
 #
-# In the project's own tree: an object library of what is made of the descriptions beside the product's own, compiled like what
-# seldom runs, or, where next to nothing of it runs, like tests.
+# In the project's own tree: an object library of what is made of the descriptions beside the product's own, optimised
+# quickly, or, where next to nothing of it runs, compiled like tests.
 function(vgw_model_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "UNOPTIMISED" "" "MODEL;LINKS")
     qor_model_sources(${name}_model MODEL ${arg_MODEL})
@@ -162,7 +162,7 @@ function(vgw_model_library name)
         vgw_test_settings(${name})
     else()
         vgw_reuse_headers(${name})
-        vgw_less_optimised(${name})
+        vgw_quickly_optimised(${name})
     endif()
     target_include_directories(${name} PUBLIC "${${name}_model_DIR}")
     target_link_libraries(${name} PUBLIC qor_generic qor_attrlog_family ${arg_LINKS})

@@ -43,6 +43,15 @@ function(vgw_less_optimised target)
     endif()
 endfunction()
 
+# vgw_quickly_optimised(<target>)
+#
+# What tests share and instantiates a great many templates: three quarters of what the compiler takes for -O1, and about as quick.
+function(vgw_quickly_optimised target)
+    if(CMAKE_BUILD_TYPE STREQUAL "Release")
+        target_compile_options(${target} PRIVATE -Og)
+    endif()
+endfunction()
+
 # vgw_inlined_only(<target>)
 #
 # Of thin templates inlining is what counts: the rest of -O2 doubles the compiler's time and saves no instruction.

@@ -2,6 +2,7 @@
 #include <qor/attrlog/family/MakeAdapter.h>
 #include <vgw/attrlog/LogicalSwitch.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -132,6 +133,61 @@ void setterToRing(benchmark::State& state) {
     tellOperations(state);
 }
 
+// So many ends of connections that have all rows, more than the nearest caches hold.
+class Readers {
+  public:
+    Readers() {
+        for (std::size_t i = 0; i < rowCount; ++i) {
+            rows_.push_back(Qor::make<Vgw::LogicalSwitch>(Qor::Name(std::to_string(i))));
+        }
+        for (std::size_t i = 0; i < readerCount; ++i) {
+            ends_.push_back(Qor::make<Demuxer>(Qor::Name("end"), Qor::make<In>(), Qor::make<Out>(),
+                                               Demuxer::Side::connecting));
+            for (auto const& row : rows_) {
+                adapters_.push_back(
+                    row->qorNboAttrLogSaIs(Qor::AdapterState::Bits(Qor::AdapterState::weakNotifier),
+                                           1, ends_[i]->out(), nullptr));
+                adapters_.back()->qorOnInit();
+            }
+        }
+    }
+    void changeAny() { rows_[random_() % rowCount]->tunnelKeyIs(++number_ & 0xFFFFFF); }
+    void changeAll() {
+        for (auto const& row : rows_) row->tunnelKeyIs(++number_ & 0xFFFFFF);
+    }
+    bool haveRoom() const { return ends_.back()->out()->hasSufficientBuffer(); }
+    void drainAll() {
+        for (auto const& end : ends_) drain(*end->out());
+    }
+
+  private:
+    static constexpr std::size_t readerCount = 32;
+    static constexpr std::size_t rowCount = 1000;
+    std::vector<Qor::Ptr<Vgw::LogicalSwitch>> rows_;
+    std::vector<Demuxer::Ptr> ends_;
+    std::vector<Qor::Ptr<Qor::Entity::QorNboAttrLogSa>> adapters_;
+    std::minstd_rand random_{1};
+    std::uint32_t number_ = 0;
+};
+
+void changeToReaders(benchmark::State& state) {
+    Readers readers;
+    for (auto _ : state) {
+        readers.changeAny();
+        if (!readers.haveRoom()) readers.drainAll();
+    }
+    tellOperations(state);
+}
+
+// Their rings are full, and each row is marked.
+void changePastReaders(benchmark::State& state) {
+    Readers readers;
+    while (readers.haveRoom()) readers.changeAll();
+    readers.changeAll();
+    for (auto _ : state) readers.changeAny();
+    tellOperations(state);
+}
+
 void recordToApplied(benchmark::State& state) {
     constexpr std::size_t records = 1000;
     auto const out = Qor::make<Out>();
@@ -170,6 +226,8 @@ void addRecords() {
 #endif
     cell("setter to record in the ring", "ours", setterToRing);
     cell("record to applied", "ours", recordToApplied);
+    cell("any of 1000 rows changes, to 32 readers", "ours", changeToReaders);
+    cell("any of 1000 rows changes, past 32 that do not read", "ours", changePastReaders);
 }
 
 }  // namespace Bench

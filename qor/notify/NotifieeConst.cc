@@ -48,6 +48,7 @@ void PtrInterface::NotifieeConst::hasNotificationActiveIs(bool hasNotificationAc
 Qor::Ptr<PtrInterface const> PtrInterface::NotifieeConst::qorReactor() const { return this; }
 
 PtrInterface const* PtrInterface::NotifieeConst::qorRawReactor() const { return this; }
+void PtrInterface::NotifieeConst::qorWillHear(bool) const {}
 
 bool PtrInterface::NotifieeConst::isStreamAdapter() const { return false; }
 

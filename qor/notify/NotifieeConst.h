@@ -47,6 +47,9 @@ class QOR_EXPORT PtrInterface::NotifieeConst : public VFPtrInterface {
     /// The object that reacts to what this notifiee hears: itself, unless it stands for another.
     virtual Qor::Ptr<PtrInterface const> qorReactor() const;
     virtual PtrInterface const* qorRawReactor() const;
+    /// It is among many that are about to be told: asks the memory for what its handlers will read,
+    /// and, once that has come, for what that leads to.
+    virtual void qorWillHear(bool hasCome) const;
     /// Whether it serves the attribute log: then it goes to the head of a notifier's list.
     virtual bool isStreamAdapter() const;
     /// Puts this on the notifier's list, or takes it off; the notifier stays.

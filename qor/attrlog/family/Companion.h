@@ -33,6 +33,13 @@ class Companion : public Base {
     }
     PtrInterface const* qorRawReactor() const override { return adapter_; }
     bool isStreamAdapter() const override { return true; }
+    void qorWillHear(bool hasCome) const override {
+        if (!adapter_) return;
+        if (!hasCome)
+            expectLines<3>(adapter_);
+        else if (auto const* const flow = adapter_->StreamAdapter::flowOut())
+            expectLines<2>(flow);
+    }
 
     void hasNotificationActiveIs(bool on) override {
         if (on == this->hasNotificationActive()) return;
@@ -63,6 +70,13 @@ class Companion : public Base {
     }
 
   private:
+    // What a mark touches stands in the first lines of either.
+    template <int lines>
+    static void expectLines(void const* first) noexcept {
+        for (int line = 0; line < lines; ++line)
+            __builtin_prefetch(static_cast<char const*>(first) + line * 64, 1);
+    }
+
     Adapter* adapter_;
 };
 

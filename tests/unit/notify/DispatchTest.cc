@@ -115,6 +115,35 @@ TEST_F(Dispatch, AnyNumberOfNotifieesIsToldInOrder) {
     }
 }
 
+// Notes when it is asked what it will read, in the log of what is heard.
+class AskedListener : public PortListener {
+  public:
+    AskedListener(Log& log, std::string name) : PortListener(log, name), log_(log), name_(name) {}
+    void qorWillHear(bool hasCome) const override {
+        log_.push_back(name_ + (hasCome ? ":further" : ":first"));
+    }
+
+  private:
+    Log& log_;
+    std::string const name_;
+};
+
+TEST_F(Dispatch, MoreThanSixteenAreAskedTwiceWhatTheyWillReadBeforeTheFirstIsTold) {
+    for (std::size_t const many : {16U, 17U}) {
+        std::vector<Qor::Ptr<AskedListener>> all;
+        for (std::size_t i = 0; i < many; ++i)
+            all.push_back(listen<AskedListener>(port, log, std::to_string(i)));
+        Log expected;
+        for (char const* const what : {":first", ":further", ":speed"}) {
+            if (many == 16 && std::string(what) != ":speed") continue;
+            for (std::size_t i = 0; i < many; ++i) expected.push_back(std::to_string(i) + what);
+        }
+        log.clear();
+        port->speedIs(port->speed() + 1);
+        EXPECT_EQ(log, expected);
+    }
+}
+
 TEST_F(Dispatch, NondestructingIsToldOnceAChange) {
     auto const a = listener("a");
     port->isNondestructingIs(true);

@@ -38,7 +38,7 @@ class Companion : public Base {
         if (!hasCome)
             expectLines<3>(adapter_);
         else if (auto const* const flow = adapter_->StreamAdapter::flowOut())
-            expectLines<2>(flow);
+            expectLines<4>(flow);
     }
 
     void hasNotificationActiveIs(bool on) override {

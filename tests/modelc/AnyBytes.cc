@@ -1,10 +1,10 @@
 // Whatever the text, the compiler ends with files or with errors, and takes time in proportion to
 // the text.
+#include <tests/support/LinearCost.h>
 #include <tests/support/Settings.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <random>
 
 #include <tests/modelc/TestFiles.h>
@@ -91,25 +91,20 @@ TEST(AnyBytes, ATextBeyondTheLimitIsRefusedWhole) {
               "long.model:1:1: error: the text has 1048577 bytes; expected at most 1048576");
 }
 
-double secondsFor(std::size_t classes) {
+std::string withClasses(std::size_t classes) {
     std::string text = "unit A;\nnamespace B;\nfolder entities \"c\";\n";
     for (std::size_t i = 0; i < classes; ++i) {
         text += "entity E" + std::to_string(i) +
                 " : Qor::Entity(name : Qor::Name) {\n258 a : U32;\n259 b : Bool[U16];\n}\n";
     }
-    auto const start = std::chrono::steady_clock::now();
-    EXPECT_TRUE(Modelc::compile(text).errors.empty());
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return text;
 }
 
 TEST(AnyBytes, TwiceTheClassesTakeTwiceTheTime) {
-    constexpr std::size_t classes = Settings::volume(300, 50, 40);
-    double best = 1e9;
-    for (int round = 0; round < 5; ++round) {
-        double const one = secondsFor(classes);
-        best = std::min(best, secondsFor(2 * classes) / one);
-    }
-    EXPECT_LT(best, 2.3);
+    expectLinearCost(Settings::volume(150, 50, 40), [](std::size_t classes) {
+        std::string const text = withClasses(classes);
+        return timeOf([&] { EXPECT_TRUE(Modelc::compile(text).errors.empty()); });
+    });
 }
 
 }  // namespace

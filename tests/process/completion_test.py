@@ -5,7 +5,8 @@ from pathlib import Path
 
 from support import ctl
 from support.shell import Shell
-from vgwctl_test import BLUE, OVSDB, RED, VgwctlCase, main
+from vgwctl_samples import BLUE, OVSDB, RED
+from vgwctl_test import VgwctlCase, main
 
 
 class CompletionTest(VgwctlCase):

@@ -1,4 +1,5 @@
 """What operators mistype, and what else goes wrong around vgwctl: it is told, in words, and nothing is left behind."""
+import json
 import os
 import resource
 import signal
@@ -10,8 +11,7 @@ import time
 import vgwctl_test
 from support import attrlog, ctl
 from support.agent import SLOWNESS
-
-OVSDB = vgwctl_test.OVSDB
+from vgwctl_samples import BLUE, OVSDB, RED, insert
 
 
 class OperatorCase(vgwctl_test.VgwctlCase):
@@ -207,10 +207,29 @@ class FilesTest(OperatorCase):
         whole = self.directory / "whole"
         self.assertEqual(self.run_ctl("-t", 0.5 * SLOWNESS, "record", whole).returncode, 0)
         self.assert_told(["diff", file, whole], 4, "", lines)
+        rows = 'path,attribute,before,after\n/vgw/config,restartSyncLimit,100,81\n'
+        self.assert_told(["-f", "csv", "diff", file, self.remote], 4, "", rows)
+        self.assert_told(["-f", "csv", "--columns=path", "--no-headings", "diff", file, whole], 4, "", "/vgw/config\n")
         self.assert_told(["--path=/vgw/config", "diff", whole, self.remote], 0, "")
         self.assert_told(["--path=/vgw/nothing", "diff", whole, whole], 2, "/vgw/nothing does not exist")
         why = "there is nothing to compare: /vgw/status and /vgw/config have nothing in common"
         self.assert_told(["--path=/vgw/status", "diff", file, self.remote], 1, why)
+
+    def test_an_entity_on_one_side_alone_differs_with_its_class_and_its_values(self):
+        file = self.directory / "recording"
+        rows = "/vgw/ucastMacsLocal"
+        self.assertEqual(self.run_ctl("-t", 0.5 * SLOWNESS, f"--path={rows}", "record", file).returncode, 0)
+        self.read("create", f"{rows}/new", "UcastMacsLocal", "00:00:5e:00:53:07", f"logicalSwitch={RED}", "vtepIp=192.0.2.1")
+        listed = lambda: "00:00:5e:00:53:07" in self.database.vtep_ctl("list-local-macs", "red")
+        self.agent.await_that(listed, "the row is in the database")
+        row = self.read("-d", "bare", "--no-headings", "--columns=_path", "find", "UcastMacsLocal").strip()
+        done = self.run_ctl("-f", "json", "diff", file, self.remote)
+        self.assertEqual(done.returncode, 4, done.stderr)
+        self.assertIn([row, "", None, "Vgw::UcastMacsLocal"], json.loads(done.stdout)["data"])
+        self.assertIn([row, "vtepIp", None, "192.0.2.1"], json.loads(done.stdout)["data"])
+        done = self.run_ctl("diff", self.remote, file)
+        self.assertIn(f"- {row} = Vgw::UcastMacsLocal\n", done.stdout)
+        self.assertIn(f"- {row} vtepIp = 192.0.2.1\n", done.stdout)
 
     def test_a_damaged_recording_is_told_from_one_that_is_cut(self):
         file = self.directory / "recording"
@@ -235,12 +254,12 @@ class FilesTest(OperatorCase):
 
 class ReturnTest(OperatorCase):
     def test_what_an_agent_has_no_more_when_it_returns_is_waited_for(self):
-        path = f"{OVSDB}/logicalSwitch/{vgwctl_test.BLUE}"
+        path = f"{OVSDB}/logicalSwitch/{BLUE}"
         with ctl.Running(self.remote, f"--path={path}", "watch", path) as watch:
             self.agent.await_that(lambda: " displayName = blue\n" in watch.said(), "the beginning")
             self.agent.kill()
             with self.database.client() as client:
-                gone = ["_uuid", "==", ["uuid", vgwctl_test.BLUE]]
+                gone = ["_uuid", "==", ["uuid", BLUE]]
                 client.transact(
                     [
                         {"op": "update", "table": "Physical_Port", "where": [], "row": {"vlan_bindings": ["map", []]}},
@@ -252,7 +271,7 @@ class ReturnTest(OperatorCase):
             self.agent.await_that(lambda: told in watch.told() or not watch.is_running(), "it is told")
             self.assertTrue(watch.is_running(), watch.told())
             with self.database.client() as client:
-                client.transact([vgwctl_test.insert("Logical_Switch", vgwctl_test.BLUE, name="azure")])
+                client.transact([insert("Logical_Switch", BLUE, name="azure")])
             self.agent.await_that(lambda: f"modify {path} displayName = azure\n" in watch.said(), "it is back")
 
 

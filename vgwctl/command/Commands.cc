@@ -1,6 +1,7 @@
 #include <vgwctl/command/Change.h>
 #include <vgwctl/command/Command.h>
 #include <vgwctl/command/Complete.h>
+#include <vgwctl/command/Diff.h>
 #include <vgwctl/command/List.h>
 #include <vgwctl/command/Record.h>
 #include <vgwctl/command/Show.h>
@@ -17,7 +18,6 @@ std::vector<Format> const allFormats{Format::table, Format::list, Format::json, 
 std::vector<Format> const treeFormats{Format::table, Format::json};
 std::vector<Format> const valueFormats{Format::table, Format::json};
 std::vector<Format> const streamFormats{Format::table, Format::json, Format::csv};
-std::vector<Format> const lineFormats{Format::table};
 
 // In the order in which they are told of.
 std::vector<Command> const table{
@@ -192,12 +192,14 @@ std::vector<Command> const table{
      "Each is the file of a recording, whose last state is meant, or the remote of an agent. Of "
      "both what stands at --path is compared, or what was recorded if that is less: "
      "--path=/vgw/status leaves out who reads. Lines with - stand in BEFORE alone, lines with + in "
-     "AFTER alone. Code 4 if there are any.",
+     "AFTER alone; the other formats have a row for each attribute, and for each entity that "
+     "stands "
+     "on one side, whose value is its class. Code 4 if there are any.",
      "FF",
      2,
      2,
      {},
-     lineFormats,
+     allFormats,
      runDiff},
     {"relay",
      "SOCKET",

@@ -1,7 +1,7 @@
 #ifndef VGWCTL_COMMAND_RECORD_H
 #define VGWCTL_COMMAND_RECORD_H
 
-// `record`, `replay`, `diff` and `relay`: the attribute log, stored, played again, and passed on.
+// `record`, `replay` and `relay`: the attribute log, stored, played again, and passed on.
 
 #include <vgwctl/command/Command.h>
 
@@ -9,7 +9,6 @@ namespace Vgwctl {
 
 ExitCode runRecord(Context& context, Arguments const& arguments);
 ExitCode runReplay(Context& context, Arguments const& arguments);
-ExitCode runDiff(Context& context, Arguments const& arguments);
 ExitCode runRelay(Context& context, Arguments const& arguments);
 
 }  // namespace Vgwctl

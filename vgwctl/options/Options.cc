@@ -129,12 +129,22 @@ std::vector<std::vector<std::string>> commandsOf(std::vector<std::string> const&
     return commands;
 }
 
+constexpr char synopsis[] = "[OPTION]... COMMAND [ARGUMENT]... [-- COMMAND [ARGUMENT]...]...";
+
+class HelpFormat : public CLI::Formatter {
+  public:
+    std::string make_usage(CLI::App const*, std::string name) const override {
+        return "Usage: " + name + " " + synopsis + "\n";
+    }
+};
+
 // The options write into what they are given, which has to live as long.
 std::unique_ptr<CLI::App> describedApp(Options& options, Words& words) {
     auto app = std::make_unique<CLI::App>(
         "Shows, watches and changes the state of a running agent.", "vgwctl");
     app->set_version_flag("-V,--version", "vgwctl " VGWCTL_VERSION);
     app->prefix_command();
+    app->formatter(std::make_shared<HelpFormat>());
     app->option_defaults()->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
     Manual::tellsErrorsByName(*app);
     describeConnection(*app, options);
@@ -165,8 +175,7 @@ std::optional<Options> parseOptions(int count, char const* const* words, std::st
 std::string manualHead() {
     Options options;
     Words said;
-    return Manual::head(*describedApp(options, said), 1, VGWCTL_VERSION,
-                        "[OPTION]... COMMAND [ARGUMENT]... [-- COMMAND [ARGUMENT]...]...");
+    return Manual::head(*describedApp(options, said), 1, VGWCTL_VERSION, synopsis);
 }
 
 std::string manualOptions() {
